@@ -101,9 +101,9 @@ struct LineSinkString {
   double width = 0.0;       ///< [L]
   double depth = 0.0;       ///< [L]
   BedLocation location = BedLocation::kUnknown;
-  double inflow = 0.0;        ///< kStream: enters at the first vertex [L3/d]
-  double overland_flow = 0.0; ///< kStream: total of the string, spread by length [L3/d]
-  bool ends = false;          ///< kStream: what leaves the last vertex leaves the model
+  double inflow = 0.0;         ///< kStream: enters at the first vertex [L3/d]
+  double overland_flow = 0.0;  ///< kStream: total of the string, spread by length [L3/d]
+  bool ends = false;           ///< kStream: what leaves the last vertex leaves the model
   std::vector<LineSinkSegment> segments;
 };
 
@@ -125,8 +125,8 @@ struct Domain {
 
 enum class WallKind { kOpen, kClosed, kKeepOutside, kKeepInside };
 
-/// A slurry wall.  `conductivity` 0 is impermeable; else leakage per length is conductivity/thickness times the
-/// difference in head times the saturated thickness.
+/// A slurry wall.  `conductivity` 0 is impermeable; else leakage per length is conductivity/thickness times
+/// the difference in head times the saturated thickness.
 struct Wall {
   Origin origin;
   WallKind kind = WallKind::kOpen;

@@ -1,5 +1,5 @@
-// A folder of its own for one test, removed with all it holds.  The name has a blank and an umlaut on purpose:
-// users keep their projects in such folders.
+// A folder of its own for one test, removed with all it holds.  The name has a blank and an umlaut on
+// purpose: users keep their projects in such folders.
 #pragma once
 
 #include <unistd.h>

@@ -1,0 +1,38 @@
+// The failure policy: one wrapper around every command.
+//
+// A command runs inside RunCommand.  It is one transaction of the project: what was written is committed at
+// the end, also after a failure.  An exception that reaches the wrapper becomes the failure box, which names
+// the procedure that failed, files close by their destructors, and the program goes on.  Mistakes of the user
+// that a procedure foresees are boxes of its own and never exceptions.
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+namespace ormel {
+
+struct Ormel;
+
+/// Runs `body` as the command `name`.  Inside another command it only names the procedure: the outer one
+/// reports. True when the body came to its end.
+bool RunCommand(Ormel& ormel, std::string_view name, const std::function<void()>& body);
+
+/// Names a procedure for the failure box for as long as it runs.
+class Named {
+ public:
+  Named(Ormel& ormel, std::string_view name);
+  ~Named();
+  Named(const Named&) = delete;
+  Named& operator=(const Named&) = delete;
+
+ private:
+  Ormel& ormel_;
+  std::string_view name_;
+  int exceptions_;
+};
+
+/// Commits what the present command has written so far and goes on: before an outside program reads the
+/// project's files, and before a wait that may be long.
+void CommitSoFar(Ormel& ormel);
+
+}  // namespace ormel

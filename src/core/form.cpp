@@ -1,0 +1,117 @@
+#include "core/form.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "core/ormel.h"
+#include "core/user_interface.h"
+#include "text/numbers.h"
+
+namespace ormel {
+
+void Form::InitControls() {
+  for (const ControlSpec& spec : Controls()) {
+    ControlState& state = states_[std::string(spec.name)];
+    state.caption = spec.caption;
+    state.unit = spec.unit;
+  }
+}
+
+bool Form::Has(std::string_view name) const {
+  return states_.find(name) != states_.end();
+}
+
+const ControlState& Form::State(std::string_view name) const {
+  const auto it = states_.find(name);
+  if (it == states_.end())
+    throw std::logic_error(std::string(Name()) + " has no control " + std::string(name));
+  return it->second;
+}
+
+ControlState& Form::Mutable(std::string_view name) {
+  ++revision_;
+  return const_cast<ControlState&>(State(name));
+}
+
+const ControlSpec& Form::Spec(std::string_view name) const {
+  for (const ControlSpec& spec : Controls())
+    if (spec.name == name) return spec;
+  throw std::logic_error(std::string(Name()) + " has no control " + std::string(name));
+}
+
+double Form::Number(std::string_view name) const {
+  return Val(Text(name));
+}
+
+void Form::Put(std::string_view name, std::string_view text) {
+  Mutable(name).text = text;
+}
+
+void Form::PutNumber(std::string_view name, double value) {
+  Put(name, NumberText(value));
+}
+
+void Form::PutCheck(std::string_view name, bool on) {
+  const ControlSpec& spec = Spec(name);
+  if (spec.kind == ControlKind::kOption && on) {
+    for (const ControlSpec& other : Controls())
+      if (other.kind == ControlKind::kOption && other.group == spec.group)
+        Mutable(other.name).checked = false;
+  }
+  Mutable(name).checked = on;
+}
+
+void Form::SetText(std::string_view name, std::string_view text) {
+  if (Text(name) == text) return;
+  Put(name, text);
+  Changed(name);
+}
+
+void Form::SetChecked(std::string_view name, bool on) {
+  if (Checked(name) == on) return;
+  PutCheck(name, on);
+  Changed(name);
+}
+
+void Form::Select(std::string_view name, std::vector<int> indices) {
+  ControlState& state = Mutable(name);
+  const int count = static_cast<int>(state.items.size());
+  std::erase_if(indices, [count](int i) { return i < 0 || i >= count; });
+  if (state.selected == indices) return;
+  state.selected = std::move(indices);
+  state.text =
+      state.selected.empty() ? std::string() : state.items[static_cast<size_t>(state.selected.front())];
+  Changed(name);
+}
+
+void Form::Click(std::string_view name) {
+  const ControlSpec& spec = Spec(name);
+  if (!State(name).enabled || !State(name).visible) return;
+  switch (spec.kind) {
+    case ControlKind::kCheck:
+      SetChecked(name, !Checked(name));
+      return;
+    case ControlKind::kOption:
+      SetChecked(name, true);
+      return;
+    default:
+      Pressed(name);
+  }
+}
+
+void Form::LeaveField(std::string_view name) {
+  if (Spec(name).kind == ControlKind::kNumber && Text(name).empty()) SetText(name, "0");
+}
+
+void Form::FillEmptyNumbers() {
+  for (const ControlSpec& spec : Controls())
+    if (spec.kind == ControlKind::kNumber && Text(spec.name).empty()) Put(spec.name, "0");
+}
+
+bool Form::Refuse(std::string_view name, std::string_view title, std::string_view text) {
+  ormel_.ui().Ask(Box{std::string(title), std::string(text), Buttons::kOk, Icon::kWarning});
+  if (!name.empty()) Focus(name);
+  return false;
+}
+
+}  // namespace ormel

@@ -1,0 +1,47 @@
+// What procedures below the view ask of the map.
+#pragma once
+
+#include "core/types.h"
+
+namespace ormel {
+
+/// Codes of ZoomActions.
+enum class Zoom : int {
+  kRedrawInPlace = 0,
+  kIn = 1,
+  kOut = 2,
+  kExtents = 3,
+  kStartRectangle = 4,
+  kRedraw = 5,
+  kSaveWindow = 7,
+  kRestoreWindow = 8,
+  kLeft = 9,
+  kRight = 10,
+  kUp = 11,
+  kDown = 12,
+  kRecentre = 13,
+  kApplyRectangle = 20,
+  kApplyWindow = 21,
+  kRecentreAtClick = 22,
+};
+
+class MapView {
+ public:
+  virtual ~MapView() = default;
+
+  /// The one way to a redraw and to a change of the window.
+  virtual void ZoomActions(Zoom code, const MapRect& rect = {}) = 0;
+  /// Draws one element over the picture, by the identity of its vertex (a point) or polygon (a string).
+  virtual void DrawElement(Element element, Vid vid, Pid pid, DrawMode mode) = 0;
+  /// A well that has no row yet.
+  virtual void DrawWell(MapPoint at, double setback, double radius, DrawMode mode) = 0;
+  virtual void ElemTurnOffSelection() = 0;
+  virtual void ClearMouseMode() = 0;
+  virtual void TurnOffMenus() = 0;
+  virtual void TurnOnMenus() = 0;
+  virtual void SetUpToolbar() = 0;
+  virtual void SetUpLayers() = 0;
+  virtual void Refresh() = 0;
+};
+
+}  // namespace ormel

@@ -1,0 +1,56 @@
+// Which menu items and toolbar buttons are enabled and checked.
+//
+// The items themselves (captions, order, shortcuts) are a table of the shell; this is only their state, so
+// that any procedure can set it without a toolkit.  An item is named by its control and its index, 0 for a
+// control without one.  An item nobody has touched is enabled and not checked.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace ormel {
+
+class MenuState {
+ public:
+  bool Enabled(std::string_view control, int index = 0) const;
+  bool Checked(std::string_view control, int index = 0) const;
+  void Enable(std::string_view control, int index, bool on);
+  void Enable(std::string_view control, bool on) { Enable(control, 0, on); }
+  void Check(std::string_view control, int index, bool on);
+  void Check(std::string_view control, bool on) { Check(control, 0, on); }
+
+  /// Grows with each change: a window compares it with the number it last showed.
+  long revision() const { return revision_; }
+
+ private:
+  struct Item {
+    bool enabled = true;
+    bool checked = false;
+  };
+  Item& At(std::string_view control, int index);
+  const Item* Find(std::string_view control, int index) const;
+
+  std::map<std::pair<std::string, int>, Item> items_;
+  long revision_ = 0;
+};
+
+/// Items of `layermenu`, by their index.
+enum LayerItem : int {
+  kLayerElements = 1,
+  kLayerContours = 2,
+  kLayerPathlines = 3,
+  kLayerTestPoints = 4,
+  kLayerResultsOverlay = 5,
+  kLayerWhpas = 6,
+  kLayerHydrographyLabels = 7,
+  kLayerHypsographyLabels = 8,
+  kLayerShowVertices = 9,
+  kLayerToolbar = 10,
+  kLayerRefresh = 11,
+  kLayerManualRedraw = 12,
+  kLayerBaseMap = 13,
+};
+
+}  // namespace ormel

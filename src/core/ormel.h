@@ -1,0 +1,75 @@
+// The state of the running program, and nothing else.
+//
+// Procedures are free functions named by area and verb that take it as their first argument; each is declared
+// in the header of the file that holds it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/gui_options.h"
+#include "core/map_window.h"
+#include "core/menu_state.h"
+#include "core/mouse_state.h"
+#include "core/project_state.h"
+#include "core/selection.h"
+#include "core/solution_state.h"
+
+namespace ormel {
+
+class UserInterface;
+class MapView;
+class Solver;
+class Processes;
+class Settings;
+class Clock;
+
+/// References to what stands outside; all of them outlive the controller.
+struct Ports {
+  UserInterface* ui = nullptr;
+  MapView* view = nullptr;
+  ormel::Solver* solver = nullptr;
+  ormel::Processes* processes = nullptr;
+  ormel::Settings* settings = nullptr;
+  ormel::Clock* clock = nullptr;
+};
+
+/// The failure that is on its way to the command's wrapper (core/command.h).
+struct FailureState {
+  std::string procedure;  ///< innermost named procedure that failed
+  int depth = 0;          ///< open command wrappers
+};
+
+struct Ormel {
+  ProjectState project;
+  MouseState mouse;
+  Selection selection;
+  MapWindow window;
+  SolutionState solution;
+  GuiOptions gui;
+  MenuState menus;
+  FailureState failure;
+  Ports ports;
+
+  // Panels of the status bar as last written, for their reading form.
+  std::string activity, feedback, note;
+  // Data that a form keeps between two uses lives with the form's own header, by name.
+  std::string StreamWell;  ///< well whose stream boundary is being entered, or "Multiple"
+
+  UserInterface& ui() const { return *ports.ui; }
+  MapView& view() const { return *ports.view; }
+  ormel::Solver& solver() const { return *ports.solver; }
+  ormel::Processes& processes() const { return *ports.processes; }
+  ormel::Settings& settings() const { return *ports.settings; }
+  ormel::Clock& clock() const { return *ports.clock; }
+  /// The connection of the open project.  Throws std::logic_error while none is open.
+  Database& db() const;
+};
+
+/// Name of the program as the caption shows it.
+inline constexpr const char* kProgramTitle = "Ormel";
+inline constexpr int kVersionMajor = 1, kVersionMinor = 0, kVersionRevision = 0;
+/// "1.0.0"
+std::string VersionText();
+
+}  // namespace ormel

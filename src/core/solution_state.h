@@ -1,0 +1,22 @@
+// What is valid of the last solve, and how results are shown.
+#pragma once
+
+namespace ormel {
+
+struct SolutionState {
+  bool ValidSolution = false;   ///< the results on view belong to the model as it stands
+  bool PathlinesValid = false;  ///< the .PTH file belongs to the solution
+  bool GridValid = false;       ///< the .GRD file belongs to the solution
+  bool ContoursValid = false;   ///< CONTOUR.EXE has run on the grid
+  bool results_drawn = false;
+  double SolutionTime = 0.0;    ///< for transient wells [d]
+  double TimeTicSpacing = 0.0;  ///< along pathlines [d]; 0 means none
+  double ElevationTicSpacing = 0.0;
+  int size_number = 61;  ///< last result of ModelGetSize
+  bool whpa_calculated_exists = false;
+  /// The tracing step "Use Default Step Size of": not stored in the project.
+  bool use_default_step = true;
+  double default_step = 0.0;  ///< 0.004 of the window's diagonal, set at each redraw [map units]
+};
+
+}  // namespace ormel
