@@ -1,0 +1,62 @@
+// What the vector layer draws on: a window, a picture file, a printed page, or a recorder in tests.
+//
+// All positions are device columns and rows, rows growing downward.  The caller has done the arithmetic from
+// the world; a device only paints.  Calls paint at once and in order.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "core/types.h"
+
+namespace ormel {
+
+enum class PenStyle : int { kSolid = 0, kDash = 1, kDot = 2, kDashDot = 3, kNone = 5 };
+
+struct Pen {
+  PenStyle style = PenStyle::kSolid;
+  double width = 1.0;  ///< pixels at 96 dots per inch; a device of another resolution scales it
+  Color color{};
+};
+
+enum class TextAlign : int { kLeft = 0, kCentre = 1, kRight = 2 };
+
+struct TextStyle {
+  std::string font = "Arial";
+  int height = 13;  ///< pixels
+  bool bold = false, italic = false;
+  Color color{};
+  double angle = 0.0;  ///< degrees, counter-clockwise as seen on the map
+  TextAlign align = TextAlign::kLeft;
+};
+
+struct DeviceRect {
+  int left = 0, top = 0, right = 0, bottom = 0;
+  friend bool operator==(const DeviceRect&, const DeviceRect&) = default;
+};
+
+class DrawingDevice {
+ public:
+  virtual ~DrawingDevice() = default;
+
+  virtual int Width() const = 0;   ///< pixels
+  virtual int Height() const = 0;  ///< pixels
+  virtual int DpiX() const = 0;
+  virtual int DpiY() const = 0;
+
+  virtual void Clear(Color background) = 0;
+  virtual void Polyline(std::span<const DevicePoint> points, const Pen& pen) = 0;
+  virtual void Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) = 0;
+  /// A whole circle; filled when `fill` is given.
+  virtual void Circle(DevicePoint centre, int radius, const Pen& pen, std::optional<Color> fill) = 0;
+  /// `at` is the text's baseline start, middle or end, by the alignment.
+  virtual void Text(DevicePoint at, std::string_view text, const TextStyle& style) = 0;
+  /// A rectangle laid over the picture; opacity 0 to 1.
+  virtual void Cover(const DeviceRect& rect, Color color, double opacity) = 0;
+  virtual void SetClip(const DeviceRect& rect) = 0;
+  virtual void ClearClip() = 0;
+};
+
+}  // namespace ormel
