@@ -1,0 +1,70 @@
+// The tables of a project as data.  Everything that needs to know a table, a field, its type, size or default
+// reads this; the file's own declarations are made from it.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace ormel {
+
+namespace schema {
+
+inline constexpr int kProjectVersion = 208;
+inline constexpr int kDefaultTextSize = 255;                // characters, where a Text field declares no size
+inline constexpr std::int32_t kApplicationId = 0x4F524D4C;  // marks the file as a project
+
+enum class FieldType { kBoolean, kByte, kInteger, kLong, kDouble, kDate, kText };
+
+struct Field {
+  std::string_view name;
+  FieldType type = FieldType::kDouble;
+  int size = 0;                    // characters; Text only
+  std::string_view default_value;  // as written in SQL; "" = none.  Texts without quotes, see has_default
+  bool has_default = false;
+  bool required = true;
+  bool automatic = false;  // automatic number
+};
+
+/// An index over one field, or an index of the store's own that only makes queries fast.
+struct Index {
+  std::string_view field;
+  bool primary = false;
+  bool unique = false;
+};
+
+struct Table {
+  std::string_view name;
+  std::span<const Field> fields;
+  Index index;                   // field "" = none
+  std::string_view speed_index;  // further field list, comma separated; "" = none
+};
+
+/// In the order of their making.
+std::span<const Table> Tables();
+/// Without regard to case; nullptr when there is no such table.
+const Table* FindTable(std::string_view name);
+const Field* FindField(const Table& table, std::string_view name);
+
+/// "Text 32", "Long" ...: for messages and viewers.
+std::string TypeName(const Field& field);
+/// The statement that declares one field, for CREATE TABLE.
+std::string FieldDeclaration(const Table& table, const Field& field);
+std::string CreateTableSql(const Table& table);
+
+}  // namespace schema
+
+struct NewDatabaseOptions {
+  bool BasemapMeters = true;
+  bool ComputeMeters = true;
+  std::string file_title;  // as chosen in the file dialog; gives OrmelBaseName, cut before the first "."
+  std::string working_directory;  // becomes OrmelBasePath
+  std::string description = "New Ormel Model";
+};
+
+/// Makes a project: all tables, one row in Model and one in Project.  The file gets its name when it is
+/// complete, so that a failure leaves nothing half-made.  Refuses a path that exists.  Throws StoreError.
+void DBNewDatabase(const std::string& path, const NewDatabaseOptions& options);
+
+}  // namespace ormel
