@@ -1,7 +1,9 @@
 #include "core/command.h"
 
 #include <exception>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "core/ormel.h"
 #include "core/status.h"
@@ -11,16 +13,10 @@
 namespace ormel {
 namespace {
 
-/// The transaction of a command.  Opened lazily by nobody: a command that runs while no project is open, and
-/// one that opens or closes the project itself, has none for that stretch.
-void CommitIfOpen(Ormel& ormel) {
-  Database* db = ormel.project.db.get();
-  if (db != nullptr && db->InTransaction()) db->Commit();
-}
-
 void BeginIfOpen(Ormel& ormel) {
   Database* db = ormel.project.db.get();
-  if (db != nullptr && !db->InTransaction()) db->Begin();
+  if (db != nullptr && db->IsOpen() && !db->read_only() && ormel.command.transaction == nullptr)
+    ormel.command.transaction = std::make_unique<Transaction>(*db);
 }
 
 void ShowFailure(Ormel& ormel, std::string_view procedure, const char* description) {
@@ -47,33 +43,33 @@ std::string Describe(const std::exception_ptr& failure) {
 }  // namespace
 
 bool RunCommand(Ormel& ormel, std::string_view name, const std::function<void()>& body) {
-  const bool outermost = ormel.failure.depth == 0;
-  if (!outermost) {
+  if (ormel.command.depth > 0) {
     const Named named(ormel, name);
     body();
     return true;
   }
-  ++ormel.failure.depth;
-  ormel.failure.procedure.clear();
+  ++ormel.command.depth;
+  ormel.command.failed_procedure.clear();
   std::exception_ptr failure;
   try {
     const Named named(ormel, name);
     BeginIfOpen(ormel);
     body();
-    CommitIfOpen(ormel);
+    EndTransaction(ormel);
   } catch (...) {
     failure = std::current_exception();
   }
-  --ormel.failure.depth;
+  --ormel.command.depth;
   if (!failure) return true;
 
   std::string description = Describe(failure);
   try {
-    CommitIfOpen(ormel);  // what was written stays
+    EndTransaction(ormel);  // what was written stays
   } catch (const std::exception& e) {
     description += std::string("\n") + e.what();
   }
-  ShowFailure(ormel, ormel.failure.procedure.empty() ? name : ormel.failure.procedure, description.c_str());
+  const std::string& failed = ormel.command.failed_procedure;
+  ShowFailure(ormel, failed.empty() ? name : failed, description.c_str());
   return false;
 }
 
@@ -81,14 +77,20 @@ Named::Named(Ormel& ormel, std::string_view name)
     : ormel_(ormel), name_(name), exceptions_(std::uncaught_exceptions()) {}
 
 Named::~Named() {
-  if (std::uncaught_exceptions() > exceptions_ && ormel_.failure.procedure.empty())
-    ormel_.failure.procedure = name_;
+  if (std::uncaught_exceptions() > exceptions_ && ormel_.command.failed_procedure.empty())
+    ormel_.command.failed_procedure = name_;
 }
 
 void CommitSoFar(Ormel& ormel) {
-  if (ormel.failure.depth == 0) return;
-  CommitIfOpen(ormel);
-  BeginIfOpen(ormel);
+  EndTransaction(ormel);
+  if (ormel.command.depth > 0) BeginIfOpen(ormel);
+}
+
+void EndTransaction(Ormel& ormel) {
+  if (ormel.command.transaction == nullptr) return;
+  // Taken out first: a commit that fails must not be tried again by the wrapper.
+  const std::unique_ptr<Transaction> transaction = std::move(ormel.command.transaction);
+  transaction->Commit();
 }
 
 }  // namespace ormel

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <string_view>
 
 namespace ormel {
@@ -27,12 +28,15 @@ class Named {
 
  private:
   Ormel& ormel_;
-  std::string_view name_;
+  std::string name_;
   int exceptions_;
 };
 
 /// Commits what the present command has written so far and goes on: before an outside program reads the
-/// project's files, and before a wait that may be long.
+/// project's files, before a wait that may be long, and after a command has opened a project.
 void CommitSoFar(Ormel& ormel);
+
+/// Commits and ends the command's transaction: before a command closes the project.
+void EndTransaction(Ormel& ormel);
 
 }  // namespace ormel

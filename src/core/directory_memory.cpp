@@ -7,13 +7,17 @@
 #include "core/ormel.h"
 #include "core/processes.h"
 #include "text/files.h"
-#include "text/paths.h"
 
 namespace ormel {
 namespace {
 
 constexpr std::size_t kReadLimit = 32000;  ///< lines looked at
 constexpr std::size_t kKeptLines = 1000;   ///< lines that survive a rewrite
+
+std::string WithSeparator(std::string folder) {
+  if (folder.empty() || folder.back() != kPathSeparator) folder += kPathSeparator;
+  return folder;
+}
 
 std::string MemoryFile(const Ormel& ormel) {
   const std::string folder =

@@ -12,6 +12,9 @@ ProjectState::~ProjectState() = default;
 ProjectState::ProjectState(ProjectState&&) noexcept = default;
 ProjectState& ProjectState::operator=(ProjectState&&) noexcept = default;
 
+CommandState::CommandState() = default;
+CommandState::~CommandState() = default;
+
 Database& Ormel::db() const {
   if (project.db == nullptr) throw std::logic_error("no project is open");
   return *project.db;

@@ -4,8 +4,8 @@
 // in the header of the file that holds it.
 #pragma once
 
+#include <memory>
 #include <string>
-#include <vector>
 
 #include "core/gui_options.h"
 #include "core/map_window.h"
@@ -34,10 +34,15 @@ struct Ports {
   ormel::Clock* clock = nullptr;
 };
 
-/// The failure that is on its way to the command's wrapper (core/command.h).
-struct FailureState {
-  std::string procedure;  ///< innermost named procedure that failed
-  int depth = 0;          ///< open command wrappers
+class Transaction;
+
+/// The running command (core/command.h).
+struct CommandState {
+  CommandState();
+  ~CommandState();
+  int depth = 0;                             ///< open command wrappers
+  std::string failed_procedure;              ///< innermost named procedure that an exception has left
+  std::unique_ptr<Transaction> transaction;  ///< of the open project
 };
 
 struct Ormel {
@@ -48,7 +53,7 @@ struct Ormel {
   SolutionState solution;
   GuiOptions gui;
   MenuState menus;
-  FailureState failure;
+  CommandState command;
   Ports ports;
 
   // Panels of the status bar as last written, for their reading form.

@@ -14,14 +14,15 @@ class Settings {
   virtual void SaveSetting(std::string_view key, std::string_view value) = 0;
 };
 
-struct DateTime {
+/// Local date and time.
+struct ClockTime {
   int year = 2000, month = 1, day = 1, hour = 0, minute = 0, second = 0;
 };
 
 class Clock {
  public:
   virtual ~Clock() = default;
-  virtual DateTime Now() const = 0;  ///< local time
+  virtual ClockTime Now() const = 0;
 };
 
 }  // namespace ormel

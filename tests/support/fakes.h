@@ -205,8 +205,8 @@ class FakeSettings : public Settings {
 
 class FakeClock : public Clock {
  public:
-  DateTime Now() const override { return now; }
-  DateTime now{2024, 6, 15, 10, 30, 0};
+  ClockTime Now() const override { return now; }
+  ClockTime now{2024, 6, 15, 10, 30, 0};
 };
 
 /// A controller with fake ports and no project.
