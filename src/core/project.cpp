@@ -1,0 +1,75 @@
+#include "core/project.h"
+
+#include <array>
+#include <memory>
+#include <string_view>
+
+#include "core/command.h"
+#include "core/ormel.h"
+#include "store/bulk.h"
+#include "store/database.h"
+#include "store/recordset.h"
+#include "text/files.h"
+
+namespace ormel {
+namespace {
+
+struct DataControl {
+  std::unique_ptr<Recordset> BoundRecordsets::*recordset;
+  std::string_view statement;
+};
+
+constexpr std::array kDataControls{
+    DataControl{&BoundRecordsets::Vertices, "select * from Vertices;"},
+    DataControl{&BoundRecordsets::Polygons, "select * from Polygons;"},
+    DataControl{&BoundRecordsets::Wells, "select * from Wells;"},
+    DataControl{&BoundRecordsets::LinesinkStrings, "select * from LinesinkStrings;"},
+    DataControl{&BoundRecordsets::NoFlowStrings, "select * from NoFlowStrings;"},
+    DataControl{&BoundRecordsets::Inho, "select * from Inhomogeneities;"},
+    DataControl{&BoundRecordsets::TestPoints, "select * from TestPoints;"},
+    DataControl{&BoundRecordsets::Particles, "select * from Particles;"},
+    DataControl{&BoundRecordsets::TextLabels, "select * from TextLabels;"},
+    DataControl{&BoundRecordsets::FluxInspectors, "select * from FluxInspect;"},
+    DataControl{&BoundRecordsets::Capzones, "select * from Capzones;"},
+};
+
+}  // namespace
+
+void ReadProjectState(Ormel& ormel) {
+  ProjectState& project = ormel.project;
+  RowReader names(ormel.db(), "select OrmelBaseName,OrmelBasePath from Project");
+  if (names.Next()) {
+    project.OrmelBaseName = names.Text(0);
+    project.OrmelBasePath = names.Text(1);
+  }
+  RowReader units(ormel.db(), "select ComputeMeters,BasemapMeters from Model");
+  if (units.Next()) {
+    project.ComputeMeters = units.Bool(0);
+    project.BasemapMeters = units.Bool(1);
+  }
+  project.unit_suffix = project.BasemapMeters ? " m" : " ft";
+}
+
+void AttachProject(Ormel& ormel, const std::string& path) {
+  auto db = std::make_unique<Database>(Database::Open(path));
+  ormel.project.db = std::move(db);
+  ormel.project.DBName = path;
+  ormel.project.folder = GetPathFromFile(path);
+  ReadProjectState(ormel);
+  CommitSoFar(ormel);
+}
+
+void LoadDataControls(Ormel& ormel) {
+  for (const DataControl& control : kDataControls)
+    ormel.project.bound.*control.recordset =
+        std::make_unique<Recordset>(ormel.db().OpenRecordset(control.statement));
+}
+
+void DetachProject(Ormel& ormel) {
+  EndTransaction(ormel);
+  for (const DataControl& control : kDataControls) (ormel.project.bound.*control.recordset).reset();
+  if (ormel.project.db != nullptr) ormel.project.db->Close();
+  ormel.project.db.reset();
+}
+
+}  // namespace ormel

@@ -1,0 +1,20 @@
+// The connection and the bound recordsets of the open project.
+#pragma once
+
+#include <string>
+
+namespace ormel {
+
+struct Ormel;
+
+/// Opens the file for writing as the controller's one connection, and reads from it what the controller
+/// keeps: path and folder, base name and path, units.  Throws StoreError; the controller is then as it was.
+void AttachProject(Ormel& ormel, const std::string& path);
+/// Reads `OrmelBaseName`, `OrmelBasePath` and the units again, after a dialog has changed them.
+void ReadProjectState(Ormel& ormel);
+/// Opens the eleven bound recordsets, in their order.
+void LoadDataControls(Ormel& ormel);
+/// Closes the bound recordsets and the connection; what the present command has written is committed first.
+void DetachProject(Ormel& ormel);
+
+}  // namespace ormel
