@@ -1,0 +1,72 @@
+#!/usr/bin/env python3
+"""Keeps the direction of the layers and the size of the files.
+
+usage: house_rules.py <root of the repository>
+"""
+import re
+import sys
+from pathlib import Path
+
+LEVEL = {
+    "text": 1, "store": 2, "core": 3, "model": 4, "solver": 5,
+    "whpa": 6, "exchange": 6, "analysis": 6, "basemaps": 6, "tools": 6,
+    "view": 7, "shell": 8,
+}
+ENGINE = {"aem": {"aem"}, "vadox1": {"aem", "vadox1"}, "contour": {"contour"}}
+TOOLKIT = re.compile(r"^\s*#\s*include\s*[<\"](Q[A-Z]|Qt|q[a-z]+\.h)")
+INCLUDE = re.compile(r"^\s*#\s*include\s*\"([a-z0-9_]+)/")
+LINE_LIMIT = 600
+
+
+def sources(folder: Path):
+    return sorted(p for p in folder.rglob("*") if p.suffix in {".h", ".cpp", ".hpp"})
+
+
+def include_faults(root: Path):
+    for path in sources(root / "src"):
+        room = path.relative_to(root / "src").parts[0]
+        for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+            found = INCLUDE.match(line)
+            if not found or found.group(1) == room:
+                continue
+            target = found.group(1)
+            if target in ENGINE or target in {"apps", "tests", "support"}:
+                yield f"{path}:{number}: src/ does not include {target}"
+            elif target in LEVEL and LEVEL[target] >= LEVEL[room]:
+                yield f"{path}:{number}: {room} stands below {target}"
+    for path in sources(root / "engine"):
+        room = path.relative_to(root / "engine").parts[0]
+        for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+            found = INCLUDE.match(line)
+            if found and found.group(1) in (LEVEL.keys() | ENGINE.keys()) - ENGINE[room]:
+                yield f"{path}:{number}: engine/{room} does not include {found.group(1)}"
+
+
+def toolkit_faults(root: Path):
+    for folder in ("src", "engine"):
+        for path in sources(root / folder):
+            for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+                if TOOLKIT.match(line):
+                    yield f"{path}:{number}: a toolkit header below apps/"
+
+
+def size_faults(root: Path):
+    for folder in ("src", "engine", "apps", "tests", "bench"):
+        for path in sources(root / folder):
+            lines = len(path.read_text(encoding="utf-8").splitlines())
+            if lines > LINE_LIMIT:
+                yield f"{path}: {lines} lines, more than {LINE_LIMIT}: is this one room?"
+
+
+def main() -> int:
+    root = Path(sys.argv[1])
+    if not sources(root / "src") or not sources(root / "engine"):
+        print("no sources found: the check looks in the wrong place")
+        return 1
+    faults = [*include_faults(root), *toolkit_faults(root), *size_faults(root)]
+    print("\n".join(faults) or "the house is in order")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
