@@ -47,16 +47,29 @@ class DrawingDevice {
   virtual int DpiY() const = 0;
 
   virtual void Clear(Color background) = 0;
+  /// The calls that follow belong to the named layer: for recorders and for files that have groups.
+  virtual void BeginLayer(std::string_view /*name*/) {}
+  /// An open line through at least two points.
   virtual void Polyline(std::span<const DevicePoint> points, const Pen& pen) = 0;
+  /// A closed shape through at least three points, the last joined to the first.
   virtual void Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) = 0;
   /// A whole circle; filled when `fill` is given.
   virtual void Circle(DevicePoint centre, int radius, const Pen& pen, std::optional<Color> fill) = 0;
   /// `at` is the text's baseline start, middle or end, by the alignment.
   virtual void Text(DevicePoint at, std::string_view text, const TextStyle& style) = 0;
+  /// Width of the text in pixels.  A device without fonts estimates it.
+  virtual int TextWidth(std::string_view text, const TextStyle& style) const;
   /// A rectangle laid over the picture; opacity 0 to 1.
   virtual void Cover(const DeviceRect& rect, Color color, double opacity) = 0;
   virtual void SetClip(const DeviceRect& rect) = 0;
   virtual void ClearClip() = 0;
 };
+
+/// 0.55 of the height a character: what the usual faces come to on average.
+inline int DrawingDevice::TextWidth(std::string_view text, const TextStyle& style) const {
+  int characters = 0;
+  for (const char c : text) characters += (static_cast<unsigned char>(c) & 0xC0U) != 0x80U ? 1 : 0;
+  return characters * style.height * 11 / 20;
+}
 
 }  // namespace ormel
