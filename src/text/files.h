@@ -53,7 +53,7 @@ class LineReader {
   const std::string& path() const { return path_; }
 
  private:
-  int Get();
+  bool Fill();
   struct File;
   std::string path_;
   std::unique_ptr<File> file_;

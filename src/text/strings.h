@@ -12,7 +12,6 @@ namespace ormel {
 /// ends count for nothing; every other separator parts exactly where it stands ("1,,2" has three fields). An
 /// empty line has no field.
 std::vector<std::string> ParseString(std::string_view text, char separator);
-std::vector<std::string> ParseString(std::string_view text, std::string_view separator);
 
 /// Without blanks, tabs and line ends at both ends.
 std::string_view Trim(std::string_view text);
