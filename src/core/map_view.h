@@ -1,6 +1,8 @@
 // What procedures below the view ask of the map.
 #pragma once
 
+#include <optional>
+
 #include "core/types.h"
 
 namespace ormel {
@@ -42,6 +44,8 @@ class MapView {
   virtual void SetUpToolbar() = 0;
   virtual void SetUpLayers() = 0;
   virtual void Refresh() = 0;
+  /// The union of the base maps that are shown; nothing when none is.
+  virtual std::optional<Extents> ShownMapExtents() { return std::nullopt; }
 };
 
 }  // namespace ormel
