@@ -1,0 +1,174 @@
+#include "qtdevice/painter_device.h"
+
+#include <QFontMetricsF>
+#include <QPolygonF>
+#include <QString>
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "qtdevice/clipping.h"
+#include "qtdevice/fonts.h"
+
+namespace ormel {
+namespace {
+
+constexpr double kReferenceDpi = 96.0;
+constexpr int kMargin = 256;           ///< pixels beyond the surface that are still painted
+constexpr int kLargeRadius = 1 << 14;  ///< beyond it a circle is cut like a polygon
+
+/// Dash patterns in pen widths.  The toolkit's own dots run together under antialiasing.
+QList<qreal> DashPattern(PenStyle style) {
+  switch (style) {
+    case PenStyle::kDash:
+      return {6, 4};
+    case PenStyle::kDot:
+      return {1, 3};
+    case PenStyle::kDashDot:
+      return {6, 3, 1, 3};
+    case PenStyle::kSolid:
+    case PenStyle::kNone:
+      break;
+  }
+  return {};
+}
+
+QRectF RectOf(const DeviceRect& rect) {
+  return QRectF(QPointF(rect.left, rect.top), QPointF(rect.right, rect.bottom)).normalized();
+}
+
+QString ToQString(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QFont FontOf(const TextStyle& style) {
+  QFont font = MapFont(style.font, style.bold, style.italic);
+  font.setPixelSize(std::max(1, style.height));
+  if (style.angle != 0.0) font.setHintingPreference(QFont::PreferNoHinting);
+  return font;
+}
+
+}  // namespace
+
+QColor ToQColor(Color color) {
+  return QColor(RedOf(color), GreenOf(color), BlueOf(color));
+}
+
+Color FromQColor(const QColor& color) {
+  return Rgb(color.red(), color.green(), color.blue());
+}
+
+QPainterDevice::QPainterDevice(QPainter& painter, QSize pixels, int dpi_x, int dpi_y)
+    : painter_(painter),
+      size_(pixels),
+      bounds_(-kMargin, -kMargin, pixels.width() + 2.0 * kMargin, pixels.height() + 2.0 * kMargin),
+      dpi_x_(dpi_x),
+      dpi_y_(dpi_y) {
+  painter_.setRenderHint(QPainter::Antialiasing);
+  painter_.setRenderHint(QPainter::TextAntialiasing);
+}
+
+double QPainterDevice::PenWidth(const Pen& pen) const {
+  return std::max(1.0, pen.width) * std::max(1.0, dpi_x_ / kReferenceDpi);
+}
+
+QPointF QPainterDevice::UsePen(const Pen& pen) {
+  if (pen.style == PenStyle::kNone) {
+    painter_.setPen(Qt::NoPen);
+    return {};
+  }
+  const double width = PenWidth(pen);
+  QPen qpen(ToQColor(pen.color), width);
+  qpen.setJoinStyle(Qt::RoundJoin);
+  if (pen.style == PenStyle::kSolid) {
+    qpen.setCapStyle(Qt::RoundCap);
+  } else {
+    qpen.setCapStyle(Qt::FlatCap);
+    qpen.setDashPattern(DashPattern(pen.style));
+  }
+  painter_.setPen(qpen);
+  // A line of odd width is crisp through the middle of a pixel, one of even width along its edge.
+  return std::lround(width) % 2 != 0 ? QPointF(0.5, 0.5) : QPointF();
+}
+
+void QPainterDevice::Clear(Color background) {
+  painter_.fillRect(QRect(QPoint(0, 0), size_), ToQColor(background));
+}
+
+void QPainterDevice::Polyline(std::span<const DevicePoint> points, const Pen& pen) {
+  if (pen.style == PenStyle::kNone) return;
+  const QPointF shift = UsePen(pen);
+  painter_.setBrush(Qt::NoBrush);
+  for (QPolygonF& run : ClipPolyline(points, bounds_)) {
+    run.translate(shift);
+    if (run.size() == 1) {
+      painter_.drawPoint(run.front());
+    } else {
+      painter_.drawPolyline(run);
+    }
+  }
+}
+
+void QPainterDevice::Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) {
+  QPolygonF polygon = ClipPolygon(points, bounds_);
+  if (polygon.size() < 2) return;
+  polygon.translate(UsePen(pen));
+  painter_.setBrush(ToQColor(fill));
+  painter_.drawPolygon(polygon);
+}
+
+void QPainterDevice::Circle(DevicePoint centre, int radius, const Pen& pen, std::optional<Color> fill) {
+  radius = std::abs(radius);
+  if (radius > kLargeRadius) {
+    const std::vector<DevicePoint> points = CirclePoints(centre, radius);
+    if (fill) {
+      Polygon(points, pen, *fill);
+    } else {
+      Polyline(points, pen);
+    }
+    return;
+  }
+  const double across = 2.0 * radius;
+  const QRectF box(centre.x - across / 2, centre.y - across / 2, across, across);
+  if (!bounds_.intersects(box.adjusted(-1, -1, 1, 1))) return;
+  const QPointF shift = UsePen(pen);
+  painter_.setBrush(fill ? QBrush(ToQColor(*fill)) : QBrush(Qt::NoBrush));
+  painter_.drawEllipse(box.translated(shift));
+}
+
+void QPainterDevice::Text(DevicePoint at, std::string_view text, const TextStyle& style) {
+  // A label reaches further than the margin only when its anchor lies out of the picture anyway.
+  const QRectF reach = bounds_.adjusted(-size_.width(), -size_.height(), size_.width(), size_.height());
+  if (text.empty() || !reach.contains(QPointF(at.x, at.y))) return;
+  painter_.setFont(FontOf(style));
+  double left = 0.0;
+  if (style.align == TextAlign::kCentre) left = -TextWidth(text, style) / 2.0;
+  if (style.align == TextAlign::kRight) left = -TextWidth(text, style);
+  painter_.save();
+  painter_.setPen(ToQColor(style.color));
+  painter_.translate(at.x, at.y);
+  painter_.rotate(-style.angle);
+  painter_.drawText(QPointF(left, 0.0), ToQString(text));
+  painter_.restore();
+}
+
+int QPainterDevice::TextWidth(std::string_view text, const TextStyle& style) const {
+  const QFontMetricsF metrics(FontOf(style), painter_.device());
+  return static_cast<int>(std::lround(metrics.horizontalAdvance(ToQString(text))));
+}
+
+void QPainterDevice::Cover(const DeviceRect& rect, Color color, double opacity) {
+  QColor paint = ToQColor(color);
+  paint.setAlphaF(static_cast<float>(std::clamp(opacity, 0.0, 1.0)));
+  painter_.fillRect(RectOf(rect), paint);
+}
+
+void QPainterDevice::SetClip(const DeviceRect& rect) {
+  painter_.setClipRect(RectOf(rect));
+}
+
+void QPainterDevice::ClearClip() {
+  painter_.setClipping(false);
+}
+
+}  // namespace ormel

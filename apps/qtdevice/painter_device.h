@@ -1,0 +1,49 @@
+// A drawing device on any QPainter: the window's picture, a picture file, a printed page.
+#pragma once
+
+#include <QPainter>
+#include <QRectF>
+#include <QSize>
+
+#include "core/types.h"
+#include "view/drawing_device.h"
+
+namespace ormel {
+
+class QPainterDevice final : public DrawingDevice {
+ public:
+  /// Draws on `painter`, in whose present coordinates one unit is one device pixel and (0, 0) is the upper
+  /// left corner of the surface.  `dpi_x` and `dpi_y` tell how many of these pixels make an inch: pens are
+  /// widened by them, so that a line looks the same on a screen of any density and on paper.
+  QPainterDevice(QPainter& painter, QSize pixels, int dpi_x, int dpi_y);
+
+  int Width() const override { return size_.width(); }
+  int Height() const override { return size_.height(); }
+  int DpiX() const override { return dpi_x_; }
+  int DpiY() const override { return dpi_y_; }
+
+  void Clear(Color background) override;
+  void Polyline(std::span<const DevicePoint> points, const Pen& pen) override;
+  void Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) override;
+  void Circle(DevicePoint centre, int radius, const Pen& pen, std::optional<Color> fill) override;
+  void Text(DevicePoint at, std::string_view text, const TextStyle& style) override;
+  int TextWidth(std::string_view text, const TextStyle& style) const override;
+  void Cover(const DeviceRect& rect, Color color, double opacity) override;
+  void SetClip(const DeviceRect& rect) override;
+  void ClearClip() override;
+
+ private:
+  double PenWidth(const Pen& pen) const;
+  /// Takes the pen and returns the shift that puts its lines on whole pixels.
+  QPointF UsePen(const Pen& pen);
+
+  QPainter& painter_;
+  QSize size_;
+  QRectF bounds_;  ///< figures are cut to this
+  int dpi_x_, dpi_y_;
+};
+
+QColor ToQColor(Color color);
+Color FromQColor(const QColor& color);
+
+}  // namespace ormel

@@ -1,0 +1,164 @@
+// The painter's device on an image: what a user sees of lines, symbols and labels, in pixels.
+#include "qtdevice/painter_device.h"
+
+#include <gtest/gtest.h>
+
+#include <QGuiApplication>
+#include <QImage>
+#include <functional>
+#include <limits>
+#include <vector>
+
+#include "qtdevice/clipping.h"
+
+namespace ormel {
+namespace {
+
+constexpr Color kBlack = Rgb(0, 0, 0);
+constexpr Color kWhite = Rgb(255, 255, 255);
+constexpr Color kRed = Rgb(255, 0, 0);
+
+QImage Drawn(QSize size, int dpi, const std::function<void(DrawingDevice&)>& draw) {
+  QImage image(size, QImage::Format_RGB32);
+  QPainter painter(&image);
+  QPainterDevice device(painter, size, dpi, dpi);
+  device.Clear(kWhite);
+  draw(device);
+  return image;
+}
+
+/// The smallest rectangle around all that is not white.
+QRect Ink(const QImage& image) {
+  QRect ink;
+  for (int y = 0; y < image.height(); ++y)
+    for (int x = 0; x < image.width(); ++x)
+      if (image.pixel(x, y) != qRgb(255, 255, 255)) ink |= QRect(x, y, 1, 1);
+  return ink;
+}
+
+TEST(PainterDevice, HairlinesFillWholePixelsAndGrowWithTheDensity) {
+  struct Case {
+    int dpi, width;
+  };
+  for (const Case c : {Case{96, 1}, Case{192, 2}, Case{288, 3}}) {
+    const QImage image = Drawn({40, 40}, c.dpi, [](DrawingDevice& device) {
+      const std::vector<DevicePoint> line{{20, 0}, {20, 39}};
+      device.Polyline(line, Pen{});
+    });
+    int dark = 0;
+    for (int x = 0; x < 40; ++x) {
+      const int grey = qRed(image.pixel(x, 20));
+      EXPECT_TRUE(grey == 0 || grey == 255) << "grey edge in column " << x << " at " << c.dpi << " dpi";
+      dark += grey == 0 ? 1 : 0;
+    }
+    EXPECT_EQ(dark, c.width) << c.dpi;
+  }
+}
+
+TEST(PainterDevice, DottedLinesShowTheirDotsAndGaps) {
+  const QImage image = Drawn({80, 9}, 96, [](DrawingDevice& device) {
+    const std::vector<DevicePoint> line{{0, 4}, {79, 4}};
+    device.Polyline(line, Pen{PenStyle::kDot, 1.0, kBlack});
+  });
+  int dots = 0, gaps = 0;
+  for (int x = 0; x < 80; ++x) {
+    dots += qRed(image.pixel(x, 4)) < 140 ? 1 : 0;
+    gaps += qRed(image.pixel(x, 4)) == 255 ? 1 : 0;
+  }
+  EXPECT_GE(dots, 18);
+  EXPECT_GE(gaps, 35);
+}
+
+TEST(PainterDevice, FarPointsNeitherHangNorBendTheLine) {
+  constexpr int kFar = std::numeric_limits<int>::max();
+  const QImage image = Drawn({100, 100}, 96, [](DrawingDevice& device) {
+    const std::vector<DevicePoint> diagonal{{-kFar, -kFar}, {kFar, kFar}};
+    device.Polyline(diagonal, Pen{PenStyle::kDot, 1.0, kBlack});
+    const std::vector<DevicePoint> floor{{-kFar, 90}, {kFar, 90}, {kFar, kFar}, {-kFar, kFar}};
+    device.Polygon(floor, Pen{PenStyle::kNone, 1.0, kBlack}, kRed);
+    device.Circle({50 - kFar / 2, 50}, kFar / 2, Pen{}, std::nullopt);
+  });
+  int on_diagonal = 0;
+  for (int i = 0; i < 80; ++i) on_diagonal += image.pixel(i, i) != qRgb(255, 255, 255) ? 1 : 0;
+  EXPECT_GT(on_diagonal, 15);
+  EXPECT_EQ(image.pixel(5, 95), qRgb(255, 0, 0));
+  EXPECT_EQ(image.pixel(5, 80), qRgb(255, 255, 255));
+  EXPECT_LT(qRed(image.pixel(50, 30)), 128) << "the rim of the huge circle passes here";
+}
+
+TEST(PainterDevice, FiguresKeepTheirPlaceAndFill) {
+  const QImage image = Drawn({60, 60}, 96, [](DrawingDevice& device) {
+    device.Circle({20, 20}, 10, Pen{PenStyle::kSolid, 1.0, kBlack}, kRed);
+    device.Circle({45, 20}, 10, Pen{PenStyle::kSolid, 1.0, kBlack}, std::nullopt);
+    const std::vector<DevicePoint> square{{10, 40}, {20, 40}, {20, 50}, {10, 50}};
+    device.Polygon(square, Pen{}, kRed);
+  });
+  EXPECT_EQ(image.pixel(20, 20), qRgb(255, 0, 0));
+  EXPECT_EQ(image.pixel(45, 20), qRgb(255, 255, 255));
+  EXPECT_EQ(image.pixel(15, 45), qRgb(255, 0, 0));
+  EXPECT_EQ(image.pixel(15, 40), qRgb(0, 0, 0));
+  EXPECT_EQ(Ink(image), QRect(QPoint(10, 10), QPoint(55, 50)));
+}
+
+TEST(PainterDevice, LabelsStandByTheirAlignmentAndAngle) {
+  struct Case {
+    const char* what;
+    TextAlign align;
+    double angle;
+    int left, top, right, bottom;  ///< where ink may be, a pixel of slack given
+  };
+  const Case cases[] = {
+      {"left", TextAlign::kLeft, 0, 99, 85, 199, 101},
+      {"right", TextAlign::kRight, 0, 1, 85, 101, 101},
+      {"upward", TextAlign::kLeft, 90, 85, 1, 101, 101},
+      {"downward", TextAlign::kLeft, 270, 99, 99, 115, 199},
+  };
+  for (const Case& c : cases) {
+    const QRect ink = Ink(Drawn({200, 200}, 96, [&](DrawingDevice& device) {
+      TextStyle style;
+      style.align = c.align;
+      style.angle = c.angle;
+      device.Text({100, 100}, "HEAD 12.3", style);
+    }));
+    EXPECT_GT(std::max(ink.width(), ink.height()), 40) << c.what;
+    EXPECT_TRUE(QRect(QPoint(c.left, c.top), QPoint(c.right, c.bottom)).contains(ink))
+        << c.what << ": " << ink.left() << ' ' << ink.top() << ' ' << ink.right() << ' ' << ink.bottom();
+  }
+  TextStyle centred;
+  centred.align = TextAlign::kCentre;
+  const QRect ink = Ink(Drawn({200, 200}, 96, [&](DrawingDevice& device) {
+    device.Text({100, 100}, "HEAD", centred);
+  }));
+  EXPECT_NEAR(ink.center().x(), 100, 2);
+}
+
+TEST(PainterDevice, CoverMixesColoursAndTheClipHolds) {
+  const QImage image = Drawn({40, 40}, 96, [](DrawingDevice& device) {
+    device.SetClip({10, 10, 30, 30});
+    device.Cover({0, 0, 40, 40}, kBlack, 0.5);
+    device.ClearClip();
+    device.Cover({35, 35, 40, 40}, kBlack, 1.0);
+  });
+  EXPECT_NEAR(qRed(image.pixel(20, 20)), 128, 2);
+  EXPECT_EQ(image.pixel(5, 20), qRgb(255, 255, 255));
+  EXPECT_EQ(image.pixel(37, 37), qRgb(0, 0, 0));
+}
+
+TEST(Clipping, CutsALineIntoTheRunsThatAreInside) {
+  const std::vector<DevicePoint> zigzag{{-10, 5}, {5, 5}, {5, 5}, {5, 50}, {8, 50}, {8, 5}, {20, 5}};
+  const std::vector<QPolygonF> runs = ClipPolyline(zigzag, QRectF(0, 0, 10, 10));
+  ASSERT_EQ(runs.size(), 2u);
+  EXPECT_EQ(runs[0], QPolygonF({{0, 5}, {5, 5}, {5, 10}}));
+  EXPECT_EQ(runs[1], QPolygonF({{8, 10}, {8, 5}, {10, 5}}));
+  const std::vector<DevicePoint> dot{{3, 3}, {3, 3}};
+  EXPECT_EQ(ClipPolyline(dot, QRectF(0, 0, 10, 10)).size(), 1u);
+}
+
+}  // namespace
+}  // namespace ormel
+
+int main(int argc, char** argv) {
+  const QGuiApplication app(argc, argv);
+  testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}
