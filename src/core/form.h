@@ -37,13 +37,13 @@ enum class ControlKind {
 enum class ButtonRole { kNone, kAccept, kReject };
 
 struct ControlSpec {
-  std::string_view name;  ///< with its index where it has one: "tbData(2)"
+  std::string_view name{};  ///< with its index where it has one: "tbData(2)"
   ControlKind kind = ControlKind::kLabel;
-  std::string_view caption;
-  std::string_view unit;
-  std::string_view tab;    ///< page of a tabbed form; empty outside the tabs
-  std::string_view group;  ///< frame; options of one group exclude one another
-  std::string_view tip;
+  std::string_view caption{};
+  std::string_view unit{};
+  std::string_view tab{};    ///< page of a tabbed form; empty outside the tabs
+  std::string_view group{};  ///< frame; options of one group exclude one another
+  std::string_view tip{};
   ButtonRole role = ButtonRole::kNone;
 };
 
