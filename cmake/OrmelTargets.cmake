@@ -17,6 +17,7 @@ endif()
 add_library(ormel_warnings INTERFACE)
 target_compile_options(ormel_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>  # false alarms of GCC 12 on joined strings
   $<$<BOOL:${ORMEL_WERROR}>:-Werror>)
 
 if(ORMEL_SANITIZE)

@@ -97,7 +97,7 @@ class RowReader {
  private:
   void BindAll(std::initializer_list<Value> parameters);
   std::unique_ptr<PreparedStatement> statement_;
-  std::vector<Value> parameters_;
+  bool done_ = false;
 };
 
 }  // namespace ormel

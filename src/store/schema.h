@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ormel {
 
@@ -21,13 +22,13 @@ struct Field {
   std::string_view name;
   FieldType type = FieldType::kDouble;
   int size = 0;                    // characters; Text only
-  std::string_view default_value;  // as written in SQL; "" = none.  Texts without quotes, see has_default
+  std::string_view default_value;  // numbers and Booleans as in SQL, texts without quotes; see has_default
   bool has_default = false;
   bool required = true;
   bool automatic = false;  // automatic number
 };
 
-/// An index over one field, or an index of the store's own that only makes queries fast.
+/// An index over one field.
 struct Index {
   std::string_view field;
   bool primary = false;
@@ -37,8 +38,9 @@ struct Index {
 struct Table {
   std::string_view name;
   std::span<const Field> fields;
-  Index index;                   // field "" = none
-  std::string_view speed_index;  // further field list, comma separated; "" = none
+  Index index;  // field "" = none
+  /// Further indexes that only make queries fast: lists of fields, each list behind the first after a ";".
+  std::string_view speed_indexes;
 };
 
 /// In the order of their making.
@@ -49,9 +51,11 @@ const Field* FindField(const Table& table, std::string_view name);
 
 /// "Text 32", "Long" ...: for messages and viewers.
 std::string TypeName(const Field& field);
-/// The statement that declares one field, for CREATE TABLE.
+/// The field as CREATE TABLE and ALTER TABLE ADD COLUMN take it, with the rules that hold for its contents.
 std::string FieldDeclaration(const Table& table, const Field& field);
 std::string CreateTableSql(const Table& table);
+/// All indexes of the table, as "create index" statements.
+std::vector<std::string> CreateIndexSql(const Table& table);
 
 }  // namespace schema
 

@@ -1,5 +1,6 @@
 #include "text/strings.h"
 
+#include <array>
 #include <cstdint>
 
 namespace ormel {
@@ -40,6 +41,25 @@ std::uint32_t Lower(std::uint32_t c) noexcept {
   if (c == 0x178) return 0xFF;
   const bool odd_upper = (c >= 0x139 && c <= 0x148) || c >= 0x179;
   return (c % 2 == 1) == odd_upper ? c + 1 : c;
+}
+
+/// Code points of the bytes 0x80 to 0x9F in Windows-1252; the five unused ones give U+FFFD.
+constexpr std::array<std::uint32_t, 32> kWindows1252{
+    0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD, 0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
+
+void AppendUtf8(std::string& out, std::uint32_t code) {
+  if (code < 0x80) {
+    out += static_cast<char>(code);
+  } else if (code < 0x800) {
+    out += static_cast<char>(0xC0U | (code >> 6U));
+    out += static_cast<char>(0x80U | (code & 0x3FU));
+  } else {
+    out += static_cast<char>(0xE0U | (code >> 12U));
+    out += static_cast<char>(0x80U | ((code >> 6U) & 0x3FU));
+    out += static_cast<char>(0x80U | (code & 0x3FU));
+  }
 }
 
 constexpr std::uint32_t kMalformed = 0x110000;  // above every code point; the byte is added
@@ -146,11 +166,8 @@ std::string FoldCase(std::string_view text) {
   for (std::size_t i = 0; i < text.size();) {
     const std::size_t start = i;
     const std::uint32_t code = NextFolded(text, i);
-    if (code < 0x80) {
-      out += static_cast<char>(code);
-    } else if (code < 0x180) {
-      out += static_cast<char>(0xC0U | (code >> 6U));
-      out += static_cast<char>(0x80U | (code & 0x3FU));
+    if (code < 0x180) {
+      AppendUtf8(out, code);
     } else {
       out += text.substr(start, i - start);
     }
@@ -211,6 +228,22 @@ std::string SQLSafe(std::string_view text) {
   for (const char c : text) {
     if (c == '\'') out += '\'';
     out += c;
+  }
+  return out;
+}
+
+std::string ToUtf8(std::string_view text) {
+  bool valid = true;
+  for (std::size_t i = 0; i < text.size() && valid;) {
+    const std::size_t length = CharacterBytes(text, i);
+    valid = length > 1 || static_cast<unsigned char>(text[i]) < 0x80;
+    i += length;
+  }
+  if (valid) return std::string(text);
+  std::string out;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    AppendUtf8(out, byte >= 0x80 && byte < 0xA0 ? kWindows1252[byte - 0x80U] : byte);
   }
   return out;
 }

@@ -32,6 +32,9 @@ bool LikePattern(std::string_view text, std::string_view pattern) noexcept;
 /// Doubles every "'", so that the text can stand inside a quoted SQL literal.
 std::string SQLSafe(std::string_view text);
 
+/// `text` as it is when it is UTF-8, otherwise read as Windows-1252: older files come in that.
+std::string ToUtf8(std::string_view text);
+
 /// Characters (code points), not bytes.  Malformed bytes count one each.
 std::size_t TextLength(std::string_view text) noexcept;
 /// The first `count` characters.

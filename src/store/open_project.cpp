@@ -1,0 +1,243 @@
+// Opening a project file: what it is, whether it is whole, whether we may have it.  Nothing is written on the
+// way, so that a refused file stays as it was, byte for byte.
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+#include "store/connection.h"
+#include "store/errors.h"
+#include "text/files.h"
+
+namespace ormel {
+
+namespace {
+
+constexpr int kLockWaitMs = 500;    // another program may just be reading
+constexpr int kStorageVersion = 1;  // of the file's layout; Project.ProjectVersion tells that of the tables
+constexpr std::size_t kHeaderBytes = 100;
+constexpr std::string_view kMagic("SQLite format 3\0", 16);
+
+struct CloseHandle {
+  void operator()(sqlite3* handle) const noexcept { sqlite3_close_v2(handle); }
+};
+using Handle = std::unique_ptr<sqlite3, CloseHandle>;
+
+[[noreturn]] void Refuse(StoreErrorCode code, const std::string& path, const std::string& text) {
+  throw StoreError(code, "The file \"" + path + "\" " + text);
+}
+
+std::string AbsolutePath(const std::string& path) {
+  if (path.empty()) throw StoreError(StoreErrorCode::kBadPath, "No project file was named.");
+  if (path.find('\0') != std::string::npos)
+    throw StoreError(StoreErrorCode::kBadPath, "The path holds a zero byte.");
+  std::error_code error;
+  auto absolute = std::filesystem::absolute(path, error);
+  return error ? path : absolute.string();
+}
+
+/// The header, read through SQLite's own file: opening and closing the file beside it would drop the locks
+/// that this program may hold on it.
+class Header {
+ public:
+  explicit Header(sqlite3* handle) {
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(handle, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    sqlite3_int64 size = 0;
+    if (file == nullptr || file->pMethods == nullptr || file->pMethods->xFileSize(file, &size) != SQLITE_OK)
+      return;
+    size_ = size;
+    if (size_ >= static_cast<sqlite3_int64>(kHeaderBytes)) {
+      readable_ = file->pMethods->xRead(file, bytes_.data(), kHeaderBytes, 0) == SQLITE_OK;
+    }
+  }
+
+  std::int64_t size() const { return size_; }
+  bool IsDatabase() const { return readable_ && std::string_view(bytes_.data(), kMagic.size()) == kMagic; }
+  std::uint32_t application() const { return Number(68); }
+  std::uint32_t version() const { return Number(60); }
+  /// Bytes that the file should have at least; 0 when the header does not tell.
+  std::int64_t NeededSize() const {
+    std::int64_t page =
+        (static_cast<unsigned char>(bytes_[16]) << 8U) | static_cast<unsigned char>(bytes_[17]);
+    if (page == 1) page = 65536;
+    return Number(24) == Number(92) ? page * Number(28) : 0;
+  }
+
+ private:
+  std::uint32_t Number(std::size_t at) const {
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i < 4; ++i) number = (number << 8U) | static_cast<unsigned char>(bytes_[at + i]);
+    return number;
+  }
+
+  std::array<char, kHeaderBytes> bytes_{};
+  std::int64_t size_ = 0;
+  bool readable_ = false;
+};
+
+void CheckHeader(const Header& header, const std::string& path) {
+  if (header.size() == 0) Refuse(StoreErrorCode::kNotAProject, path, "is empty and no project.");
+  if (!header.IsDatabase())
+    Refuse(StoreErrorCode::kNotAProject, path, "is not a project. Choose a file made by Ormel.");
+  if (header.application() != static_cast<std::uint32_t>(schema::kApplicationId)) {
+    Refuse(StoreErrorCode::kNotAProject, path,
+           "is a database but no project of Ormel. Choose a file made by Ormel.");
+  }
+  if (header.version() > kStorageVersion) {
+    Refuse(StoreErrorCode::kNotAProject, path,
+           "was written by a newer version of Ormel. Update Ormel to open it.");
+  }
+}
+
+void CheckSize(const Header& header, const std::string& path) {
+  if (header.size() >= header.NeededSize()) return;
+  Refuse(StoreErrorCode::kDamaged, path,
+         "is cut short: it has " + std::to_string(header.size()) + " of " +
+             std::to_string(header.NeededSize()) +
+             " bytes. Copy it again from where it came, or go on with an older copy.");
+}
+
+/// A command that a crash cut off has left its journal; what the file says of itself holds only after undoing
+/// it.
+bool HasJournal(const std::string& path) {
+  struct stat info {};
+  return ::stat((path + "-journal").c_str(), &info) == 0 && info.st_size > 0;
+}
+
+void CheckPath(const std::string& path) {
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) {
+    if (errno == ENOENT || errno == ENOTDIR) Refuse(StoreErrorCode::kNotFound, path, "does not exist.");
+    Refuse(StoreErrorCode::kBadPath, path,
+           "cannot be reached: " + std::generic_category().message(errno) + ".");
+  }
+  if (S_ISDIR(info.st_mode)) Refuse(StoreErrorCode::kNotAProject, path, "is a folder.");
+  if (!S_ISREG(info.st_mode)) Refuse(StoreErrorCode::kNotAProject, path, "is not a plain file.");
+  if (::access(path.c_str(), R_OK) != 0) {
+    Refuse(StoreErrorCode::kBadPath, path,
+           "may not be read: " + std::generic_category().message(errno) + ".");
+  }
+}
+
+void CheckWritable(sqlite3* handle, const std::string& path) {
+  if (sqlite3_db_readonly(handle, "main") != 0 || ::access(path.c_str(), W_OK) != 0) {
+    Refuse(StoreErrorCode::kReadOnly, path,
+           "is read-only. Make it writable, or copy it to a folder of your own and open the copy.");
+  }
+  const std::string folder = GetPathFromFile(path);
+  if (::access(folder.c_str(), W_OK) != 0) {
+    Refuse(StoreErrorCode::kReadOnly, path,
+           "lies in a folder that is read-only. Make the folder writable, or copy the project to a folder of "
+           "your own.");
+  }
+}
+
+Handle OpenHandle(const std::string& path, int flags) {
+  sqlite3* raw = nullptr;
+  const int code =
+      sqlite3_open_v2(path.c_str(), &raw, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+  Handle handle(raw);
+  if (code != SQLITE_OK) throw MakeStoreError(raw, code, path, "");
+  sqlite3_busy_timeout(raw, kLockWaitMs);
+  sqlite3_db_config(raw, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_db_config(raw, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  return handle;
+}
+
+void Run(sqlite3* handle, const char* sql, const std::string& path) {
+  const int code = sqlite3_exec(handle, sql, nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) throw MakeStoreError(handle, code, path, sql);
+}
+
+/// Takes the file for this program, which also undoes a command that a crash cut off.
+void Lock(sqlite3* handle, const std::string& path) {
+  Run(handle, "PRAGMA locking_mode=EXCLUSIVE", path);
+  Run(handle, "BEGIN EXCLUSIVE", path);
+  Run(handle, "COMMIT", path);
+}
+
+void ReadTables(sqlite3* handle, const std::string& path) {
+  const int code = sqlite3_exec(handle, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
+  if (code == SQLITE_READONLY_ROLLBACK || code == SQLITE_READONLY_RECOVERY ||
+      (code & 0xFF) == SQLITE_CANTOPEN) {
+    Refuse(StoreErrorCode::kReadOnly, path,
+           "was not closed in good order. Open it once in Ormel, for writing, which puts it right.");
+  }
+  if (code != SQLITE_OK) throw MakeStoreError(handle, code, path, "");
+}
+
+/// Does a line of the check tell of a row that breaks a rule, and not of a broken file?  Such a project
+/// opens; writing the row again will be refused in clear words.
+bool IsAboutRules(std::string_view line) {
+  for (const std::string_view part : {"CHECK constraint failed", "NULL value in", " value in "}) {
+    if (line.find(part) != std::string_view::npos) return true;
+  }
+  return false;
+}
+
+void CheckPages(Connection& connection) {
+  PreparedStatement check(connection.shared_from_this(), "PRAGMA quick_check");
+  while (check.Step()) {
+    const std::string line(check.ColumnText(0));
+    if (line == "ok" || IsAboutRules(line)) continue;
+    Refuse(StoreErrorCode::kDamaged, connection.path(),
+           "is damaged (" + line + "). Keep the file, and go on with a copy of it from before the damage.");
+  }
+}
+
+}  // namespace
+
+std::shared_ptr<Connection> OpenProjectFile(const std::string& given_path, bool read_only) {
+  const std::string path = AbsolutePath(given_path);
+  CheckPath(path);
+  Handle handle = OpenHandle(path, read_only ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE);
+  const bool journal = HasJournal(path);
+  if (!journal) CheckHeader(Header(handle.get()), path);
+  if (!read_only) {
+    CheckWritable(handle.get(), path);
+    Lock(handle.get(), path);
+  }
+  ReadTables(handle.get(), path);
+  const Header header(handle.get());
+  if (journal) CheckHeader(header, path);
+  CheckSize(header, path);
+  Run(handle.get(), "PRAGMA cell_size_check=ON", path);
+  if (!read_only) Run(handle.get(), "PRAGMA journal_mode=DELETE", path);
+  auto connection = std::make_shared<Connection>(handle.get(), path, read_only);
+  handle.release();  // NOLINT(bugprone-unused-return-value): the connection owns it now
+  CheckPages(*connection);
+  if (!connection->HasTable("Project") || !connection->HasTable("Model")) {
+    Refuse(StoreErrorCode::kNotAProject, path, "has no tables of a project. Choose a file made by Ormel.");
+  }
+  return connection;
+}
+
+std::shared_ptr<Connection> CreateProjectFile(const std::string& given_path) {
+  const std::string path = AbsolutePath(given_path);
+  std::error_code error;
+  if (std::filesystem::exists(std::filesystem::symlink_status(path, error))) {
+    Refuse(StoreErrorCode::kFileExists, path, "exists already. Delete it first, or choose another name.");
+  }
+  const std::string folder = GetPathFromFile(path);
+  if (!std::filesystem::is_directory(folder, error)) {
+    Refuse(StoreErrorCode::kBadPath, path, "cannot be made: the folder does not exist.");
+  }
+  if (::access(folder.c_str(), W_OK) != 0)
+    Refuse(StoreErrorCode::kReadOnly, path, "cannot be made: the folder is read-only.");
+  Handle handle = OpenHandle(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  Lock(handle.get(), path);
+  const std::string marks = "PRAGMA application_id=" + std::to_string(schema::kApplicationId) +
+                            ";PRAGMA user_version=" + std::to_string(kStorageVersion);
+  Run(handle.get(), marks.c_str(), path);
+  auto connection = std::make_shared<Connection>(handle.get(), path, false);
+  handle.release();  // NOLINT(bugprone-unused-return-value): the connection owns it now
+  return connection;
+}
+
+}  // namespace ormel
