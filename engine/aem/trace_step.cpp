@@ -1,0 +1,89 @@
+#include "aem/trace_step.h"
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+
+namespace aem::detail {
+namespace {
+
+constexpr int kStages = 7;
+// Dormand and Prince (1980): rows of the tableau; the last row is the fifth-order solution itself.
+constexpr double kA[kStages][kStages - 1] = {
+    {},
+    {1.0 / 5},
+    {3.0 / 40, 9.0 / 40},
+    {44.0 / 45, -56.0 / 15, 32.0 / 9},
+    {19372.0 / 6561, -25360.0 / 2187, 64448.0 / 6561, -212.0 / 729},
+    {9017.0 / 3168, -355.0 / 33, 46732.0 / 5247, 49.0 / 176, -5103.0 / 18656},
+    {35.0 / 384, 0.0, 500.0 / 1113, 125.0 / 192, -2187.0 / 6784, 11.0 / 84}};
+// Fifth order less embedded fourth order.
+constexpr double kError[kStages] = {71.0 / 57600,      0.0,          -71.0 / 16695, 71.0 / 1920,
+                                    -17253.0 / 339200, 22.0 / 525.0, -1.0 / 40};
+
+}  // namespace
+
+Mover::Mover(const TraceField& field, bool forward) : field_(field), direction_(forward ? 1.0 : -1.0) {}
+
+bool Mover::NearPartialWell(Complex at, double thickness) const {
+  const auto& wells = field_.GetModel().partial_wells;
+  return std::any_of(wells.begin(), wells.end(),
+                     [&](const PartialWell& well) { return std::abs(at - well.at) < 2.0 * thickness; });
+}
+
+Motion Mover::At(const Place& place) const {
+  Motion motion;
+  motion.state = field_.At(place.at);
+  if (motion.state.status != PointStatus::kOk) return motion;
+  const double b = motion.state.thickness;
+  if (!(b > 0.0) || !(motion.state.porosity > 0.0)) {
+    motion.state.status = PointStatus::kDry;
+    return motion;
+  }
+  const double storage = b * motion.state.porosity;
+  double upward = 0.0;
+  if (NearPartialWell(place.at, b)) {
+    motion.state =
+        field_.AtElevation(place.at, motion.state.base + std::clamp(place.s, 0.0, 1.0) * b, &upward);
+  }
+  motion.v = direction_ * motion.state.discharge / storage;
+  motion.ds = direction_ * (place.s * motion.state.net_recharge + upward) / storage;
+  motion.ok = std::isfinite(motion.v.real()) && std::isfinite(motion.v.imag()) && std::isfinite(motion.ds);
+  return motion;
+}
+
+Trial Mover::Step(const Place& from, const Motion& first, double days, const Tolerance& tolerance) const {
+  Trial trial;
+  Motion stage[kStages];
+  stage[0] = first;
+  for (int i = 1; i < kStages; ++i) {
+    Place at = from;
+    for (int j = 0; j < i; ++j) {
+      at.at += days * kA[i][j] * stage[j].v;
+      at.s += days * kA[i][j] * stage[j].ds;
+    }
+    stage[i] = At(at);
+    if (!stage[i].ok) {
+      trial.failed = stage[i].state.status == PointStatus::kOk ? PointStatus::kDry : stage[i].state.status;
+      return trial;
+    }
+    trial.end = at;
+  }
+  Complex position_error{};
+  double height_error = 0.0;
+  for (int i = 0; i < kStages; ++i) {
+    position_error += days * kError[i] * stage[i].v;
+    height_error += days * kError[i] * stage[i].ds;
+  }
+  trial.error =
+      std::max(std::abs(position_error) / tolerance.position, std::fabs(height_error) / tolerance.height);
+  trial.motion = stage[kStages - 1];
+  // The middle of the cubic through both ends.
+  const double eighth = days / 8.0;
+  trial.middle = {0.5 * (from.at + trial.end.at) + eighth * (first.v - trial.motion.v),
+                  0.5 * (from.s + trial.end.s) + eighth * (first.ds - trial.motion.ds)};
+  trial.ok = true;
+  return trial;
+}
+
+}  // namespace aem::detail

@@ -1,0 +1,117 @@
+#include "vadox1/listing.h"
+
+#include <fmt/format.h>
+
+#include <string_view>
+
+namespace vadox1 {
+namespace {
+
+constexpr const char* kEnd = "\r\n";
+
+void Line(std::string& text, const std::string& line) {
+  text += line + kEnd;
+}
+
+std::string Named(const aem::WorstError& worst) {
+  if (worst.label.empty()) return fmt::format("{:.3E}", worst.value);
+  return fmt::format("{:.3E} at {}", worst.value, worst.label);
+}
+
+void Contents(std::string& text, const aem::Model& model) {
+  std::size_t segments = 0, domain_vertices = 0, wall_vertices = 0;
+  for (const aem::LineSinkString& string : model.line_sinks) segments += string.segments.size();
+  for (const aem::Domain& domain : model.domains) domain_vertices += domain.ring.size();
+  for (const aem::Wall& wall : model.walls) wall_vertices += wall.points.size();
+  const struct {
+    const char* what;
+    std::size_t count;
+  } rows[] = {{"wells", model.wells.size()},
+              {"partially penetrating wells", model.partial_wells.size()},
+              {"transient well records", model.theis.size()},
+              {"sink disks", model.disks.size()},
+              {"line-sink strings", model.line_sinks.size()},
+              {"line-sink segments", segments},
+              {"domains", model.domains.size()},
+              {"vertices of domains", domain_vertices},
+              {"walls", model.walls.size()},
+              {"vertices of walls", wall_vertices}};
+  Line(text, "Elements");
+  for (const auto& row : rows) {
+    if (row.count > 0) Line(text, fmt::format("  {:<32}{:>10}", row.what, row.count));
+  }
+}
+
+void AquiferLines(std::string& text, const aem::Aquifer& aquifer) {
+  const struct {
+    const char* what;
+    double value;
+  } rows[] = {{"base", aquifer.base},
+              {"thickness", aquifer.thickness},
+              {"hydraulic conductivity", aquifer.conductivity},
+              {"porosity", aquifer.porosity},
+              {"uniform flow, x", aquifer.uniform_flow.real()},
+              {"uniform flow, y", aquifer.uniform_flow.imag()}};
+  Line(text, "Aquifer");
+  for (const auto& row : rows) Line(text, fmt::format("  {:<32}{:>18.9G}", row.what, row.value));
+  if (aquifer.has_reference) {
+    Line(text, fmt::format("  reference head {:.9G} at {:.9G}, {:.9G}", aquifer.reference_head,
+                           aquifer.reference_point.real(), aquifer.reference_point.imag()));
+  }
+}
+
+void BalanceLines(std::string& text, const aem::Balance& balance) {
+  const struct {
+    const char* what;
+    double value;
+  } rows[] = {{"wells", balance.wells},
+              {"partially penetrating wells", balance.partial_wells},
+              {"transient wells", balance.theis_wells},
+              {"sink disks", balance.disks},
+              {"line-sinks of given discharge", balance.line_sinks_discharge},
+              {"line-sinks of given head", balance.line_sinks_head},
+              {"drains", balance.drains},
+              {"routed streams", balance.streams},
+              {"recharge of domains", balance.recharge},
+              {"from or to infinity", balance.infinity}};
+  Line(text, "Water balance of the whole model, positive where water leaves the aquifer [volume per day]");
+  for (const auto& row : rows) Line(text, fmt::format("  {:<32}{:>18.9E}", row.what, row.value + 0.0));
+  Line(text, fmt::format("  {:<32}{:>18.9E}", "sum (error of the balance)", balance.error + 0.0));
+  Line(text, fmt::format("  {:<32}{:>18.9E}", "throughflow", balance.throughflow + 0.0));
+  if (balance.throughflow > 0.0) {
+    Line(text,
+         fmt::format("  {:<32}{:>18.2E}", "error over throughflow", balance.error / balance.throughflow));
+  }
+}
+
+}  // namespace
+
+std::string ChecksText(const aem::Checks& checks) {
+  std::string text;
+  Line(text, "Largest errors between the control points");
+  Line(text, fmt::format("  head along line-sinks without resistance  {}", Named(checks.line_sink_head)));
+  Line(text, fmt::format("  jump of head across domain edges          {}", Named(checks.domain_head_jump)));
+  Line(text, fmt::format("  leakage of impermeable walls, per length  {}", Named(checks.wall_leakage)));
+  Line(text, fmt::format("  for comparison: range of heads {:.6G}, undisturbed flow per length {:.6G}",
+                         checks.head_range, checks.undisturbed_flow));
+  return text;
+}
+
+std::string ListingText(const aem::Solution& solution, const MapOrigin& origin) {
+  const aem::Model& model = solution.GetModel();
+  std::string text;
+  Line(text, "Listing of " + model.title);
+  Line(text, fmt::format("  map origin {:.12G}, {:.12G}; units code {}", origin.x, origin.y, origin.units));
+  Line(text, fmt::format("  time {:.10G} days; {} unknowns", solution.Time(), solution.Unknowns()));
+  Line(text, "");
+  AquiferLines(text, model.aquifer);
+  Line(text, "");
+  Contents(text, model);
+  Line(text, "");
+  text += ChecksText(solution.Check());
+  Line(text, "");
+  BalanceLines(text, solution.WaterBalance());
+  return text;
+}
+
+}  // namespace vadox1

@@ -1,0 +1,16 @@
+// The listing of a run (.OUT): what was modelled, how well the conditions are met, the water balance.
+#pragma once
+
+#include <string>
+
+#include "aem/solution.h"
+#include "vadox1/deck.h"
+
+namespace vadox1 {
+
+std::string ListingText(const aem::Solution& solution, const MapOrigin& origin);
+
+/// The lines on errors between the control points, for the listing and the message log.
+std::string ChecksText(const aem::Checks& checks);
+
+}  // namespace vadox1

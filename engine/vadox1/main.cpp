@@ -1,0 +1,24 @@
+#include <csignal>
+
+#include "vadox1/run.h"
+
+namespace {
+
+void Interrupt(int signal) {
+  vadox1::interrupted.store(true);
+  // A second signal ends the program at once.
+  std::signal(signal, SIG_DFL);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::signal(SIGINT, Interrupt);
+  std::signal(SIGTERM, Interrupt);
+  // A reader of our progress that goes away, and a limit on file sizes, then show as failed writes.
+  std::signal(SIGPIPE, SIG_IGN);
+#ifdef SIGXFSZ
+  std::signal(SIGXFSZ, SIG_IGN);
+#endif
+  return vadox1::RunSolver({argv + 1, argv + argc});
+}

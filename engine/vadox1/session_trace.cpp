@@ -1,0 +1,129 @@
+// The trace command: starts at points and around wells, paths, their file and the count of their ends.
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cmath>
+#include <exception>
+#include <utility>
+
+#include "aem/trace.h"
+#include "files/output_file.h"
+#include "vadox1/path_file.h"
+#include "vadox1/run.h"
+#include "vadox1/session.h"
+
+namespace vadox1 {
+namespace {
+
+/// Without a step of its own a trace takes this part of the window's diagonal.
+constexpr double kDefaultStep = 0.004;
+/// A step below this part of the diagonal only fills the disk.
+constexpr double kLeastStep = 1e-7;
+
+constexpr double kTop = 1e30;  ///< an elevation above every water table
+
+/// A well or disk that particles start from.
+const aem::TraceWell* WellAt(const std::vector<aem::TraceWell>& wells, aem::Complex at) {
+  const aem::TraceWell* nearest = nullptr;
+  for (const aem::TraceWell& well : wells) {
+    if (nearest == nullptr || std::abs(well.at - at) < std::abs(nearest->at - at)) nearest = &well;
+  }
+  if (nearest == nullptr) return nullptr;
+  // The deck writes one place with different numbers of digits.
+  const double tolerance = std::max({nearest->radius, 1e-5 * std::abs(at), 1e-3});
+  return std::abs(nearest->at - at) <= tolerance ? nearest : nullptr;
+}
+
+double StepOf(const TraceCommand& command, const aem::Window& window, Logs& logs) {
+  const double diagonal = std::hypot(window.right - window.left, window.top - window.bottom);
+  const double step = command.step.value_or(kDefaultStep * diagonal);
+  if (step >= kLeastStep * diagonal) return step;
+  logs.Error(fmt::format("The tracing step {:.6g} is too small for the window; {:.6g} was used instead.",
+                         step, kLeastStep * diagonal));
+  return kLeastStep * diagonal;
+}
+
+}  // namespace
+
+struct Session::Starts {
+  std::vector<aem::PathStart> starts;
+  std::vector<std::string> reasons;
+};
+
+Session::Starts Session::CollectStarts(const TraceCommand& command) {
+  Starts all;
+  for (const PointStart& point : command.points) {
+    all.starts.push_back({point.at, point.elevation.value_or(kTop), point.forward});
+    all.reasons.emplace_back("point");
+  }
+  if (command.wells.empty()) return all;
+  const aem::SolutionField field(*solution_);
+  std::vector<aem::TraceWell> wells = field.Wells().wells();
+  const std::vector<aem::DiskResult> disks = solution_->Disks();
+  for (std::size_t i = 0; i < disks.size(); ++i) {
+    const aem::SinkDisk& disk = solution_->GetModel().disks[i];
+    wells.push_back({disk.at, disk.radius, disks[i].discharge, disk.origin.label});
+  }
+  for (const WellStart& start : command.wells) {
+    const aem::TraceWell* well = WellAt(wells, start.at);
+    if (well == nullptr) {
+      logs_.Report({aem::Severity::kWarning, "", start.line,
+                    fmt::format("No well stands at {:.8g}, {:.8g}: its particles were left out.",
+                                start.at.real(), start.at.imag())},
+                   true);
+      continue;
+    }
+    int number = 0;
+    for (const aem::PathStart& particle : aem::StartsAround(*well, start.particles, start.elevation)) {
+      all.starts.push_back(particle);
+      all.reasons.push_back(
+          fmt::format("well {}, particle {} of {}", well->label, ++number, start.particles));
+    }
+  }
+  return all;
+}
+
+void Session::Do(const TraceCommand& command) {
+  const aem::Solution& solution = Solved();
+  const aem::Window window = WindowOr({}, "trace");
+  Starts starts = CollectStarts(command);
+  aem::TraceOptions options;
+  options.longest_time = command.time;
+  options.step = StepOf(command, window, logs_);
+  options.window = window;
+  for (const BoundaryLine& line : command.boundaries) options.boundaries.push_back({line.from, line.to});
+
+  const aem::SolutionField field(solution);
+  // An interrupt must not leave a worker thread by an exception.
+  const std::string text = fmt::format("Tracing {} paths", starts.starts.size());
+  Progress(0.0, text);
+  std::exception_ptr stopped;
+  std::vector<aem::Path> paths = aem::TracePaths(field, starts.starts, options, [&](std::size_t done) {
+    try {
+      Progress(static_cast<double>(done) / static_cast<double>(starts.starts.size()), text);
+    } catch (...) {
+      stopped = std::current_exception();
+    }
+    return stopped == nullptr;
+  });
+  if (stopped) std::rethrow_exception(stopped);
+
+  std::array<int, aem::kPathEnds> counts{};
+  std::vector<NamedPath> named(paths.size());
+  for (std::size_t i = 0; i < paths.size(); ++i) {
+    ++counts[static_cast<std::size_t>(paths[i].end)];
+    named[i] = {std::move(paths[i]), std::move(starts.reasons[i])};
+  }
+  files::WriteWholeFile(command.file, PathText(named));
+  logs_.Message(fmt::format("{} paths traced into {}", named.size(), command.file));
+  for (int end = 0; end < aem::kPathEnds; ++end) {
+    const int count = counts[static_cast<std::size_t>(end)];
+    if (count > 0) {
+      logs_.Message(
+          fmt::format("  ended by {}: {}", aem::PathEndName(static_cast<aem::PathEnd>(end)), count));
+    }
+  }
+}
+
+}  // namespace vadox1
