@@ -73,6 +73,12 @@ bool RunCommand(Ormel& ormel, std::string_view name, const std::function<void()>
   return false;
 }
 
+void ShowFailure(Ormel& ormel, std::string_view procedure) {
+  const std::string description = Describe(std::current_exception());
+  const std::string failed = std::exchange(ormel.command.failed_procedure, {});
+  ShowFailure(ormel, failed.empty() ? procedure : failed, description.c_str());
+}
+
 Named::Named(Ormel& ormel, std::string_view name)
     : ormel_(ormel), name_(name), exceptions_(std::uncaught_exceptions()) {}
 

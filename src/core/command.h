@@ -32,6 +32,10 @@ class Named {
   int exceptions_;
 };
 
+/// In a catch block, for a procedure that ends there instead of its command: the failure box with the words
+/// of the exception in flight and the name of the innermost procedure that it has left, else `procedure`.
+void ShowFailure(Ormel& ormel, std::string_view procedure);
+
 /// Commits what the present command has written so far and goes on: before an outside program reads the
 /// project's files, before a wait that may be long, and after a command has opened a project.
 void CommitSoFar(Ormel& ormel);

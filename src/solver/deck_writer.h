@@ -17,6 +17,9 @@ class TextFileWriter;
 std::string VertexLabel(std::string_view prefix, std::int64_t id);
 std::string SegmentLabel(std::string_view prefix, std::int64_t pid, std::int64_t seq);
 
+/// `LSResults.SpecifiedHead` of a line-sink that has none.
+inline constexpr double kNoSpecifiedHead = -999.0;
+
 /// "* Written by Ormel 1.0.0"
 std::string DeckHeadLine();
 /// " window " and the display window in model coordinates: left, bottom, right, top.

@@ -9,8 +9,8 @@ struct Ormel;
 
 /// Fixes the extents of the model (`window.model`), its reference head, and the map extents, and stores the
 /// origin in `Model`.  With uniform flow, and with fewer than two vertices, the extents are the display
-/// window. `StartFromEmpty`: the extents do not keep anything of earlier ones.  `ReplaceMapExtents`: the map
-/// extents become the model's; otherwise they only grow.
+/// window. `StartFromEmpty` says that the extents keep nothing of earlier ones; they never do, since what is
+/// found replaces them.  `ReplaceMapExtents`: the map extents become the model's; otherwise they only grow.
 void ModelCheckExtents(Ormel& ormel, bool StartFromEmpty, bool ReplaceMapExtents);
 
 /// The model's origin as the last solve stored it, so that coordinates stay those of the saved solution.

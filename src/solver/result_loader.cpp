@@ -1,0 +1,232 @@
+#include "solver/result_loader.h"
+
+#include <cmath>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/command.h"
+#include "core/coordinates.h"
+#include "core/ormel.h"
+#include "core/status.h"
+#include "core/user_interface.h"
+#include "solver/outside_programs.h"
+#include "solver/result_records.h"
+#include "solver/result_table.h"
+#include "store/bulk.h"
+#include "store/database.h"
+#include "text/files.h"
+#include "text/numbers.h"
+#include "text/strings.h"
+
+namespace ormel {
+namespace {
+
+using Fields = std::vector<std::string>;
+
+/// `TPResults` anew, one row a test point.
+void SeedTestPoints(Database& db) {
+  db.Execute("DELETE * FROM TPResults;");
+  db.Execute("DELETE * FROM FIResults;");
+  db.Execute(
+      "INSERT INTO TPResults SELECT   TestPoints.Label,   TestPoints.VID,   TestPoints.ObsHead,   0.0 as "
+      "ModelHead,   0.0 as Difference,   Vertices.X,   Vertices.Y FROM TestPoints INNER JOIN Vertices ON "
+      "TestPoints.VID=Vertices.VID;");
+}
+
+/// The number in a deck label such as "TP_000012".  Identities beyond six digits keep them all.
+std::int64_t NumberOfLabel(std::string_view label) {
+  constexpr std::size_t kPrefix = 3;
+  constexpr std::size_t kDigits = 6;
+  const bool long_number = label.size() > kPrefix + kDigits &&
+                           label.find_first_not_of("0123456789", kPrefix) == std::string_view::npos;
+  if (long_number) return static_cast<std::int64_t>(Val(label.substr(kPrefix)));
+  const std::size_t first = label.size() > kDigits ? label.size() - kDigits : 0;
+  return static_cast<std::int64_t>(Val(label.substr(first)));
+}
+
+class Loader {
+ public:
+  explicit Loader(Ormel& ormel)
+      : ormel_(ormel),
+        wells_(ormel.db(), "WLResults"),
+        linesinks_(ormel.db(), "LSResults"),
+        domains_(ormel.db(), "INResults"),
+        barriers_(ormel.db(), "NFResults"),
+        test_points_(ormel.db(), "TPResults", "VID"),
+        fluxes_(ormel.db(), "FIResults", {"Label", "PID", "TotalFlux"}) {}
+
+  LoadReport Run(const std::string& path) {
+    LineReader lines(path);
+    std::string line;
+    report_.complete = true;
+    while (report_.complete && lines.Next(line)) {
+      ++report_.lines;
+      if (!line.empty()) report_.complete = Take(line);
+    }
+    if (report_.complete) report_.unanswered = Unanswered();
+    return report_;
+  }
+
+ private:
+  /// False when the user stops the load.
+  bool Take(const std::string& line) {
+    switch (line.front()) {
+      case '!':
+        EnterSection(std::string_view(line).substr(1));
+        return true;
+      case '@':
+        return TakeTestPoint(line);
+      case ' ':
+        return Trim(line).empty() || section_ == nullptr || TakeElement(line);
+      default:
+        return true;
+    }
+  }
+
+  void EnterSection(std::string_view header) {
+    for (const SectionPhrase& phrase : kSectionPhrases) {
+      if (header.find(phrase.text) == std::string_view::npos) continue;
+      section_ = phrase.section;
+      return;
+    }
+  }
+
+  bool TakeElement(const std::string& line) {
+    const Fields fields = ParseString(line, ',');
+    if (fields.size() < section_->least_fields) return AskAboutBad(section_->name, line);
+    switch (section_->kind) {
+      case SectionKind::kIgnored:
+        return true;
+      case SectionKind::kRecord:
+        Store(fields, *section_, TableOf(*section_), {});
+        return true;
+      case SectionKind::kHeadAndVertices:
+        if (fields.size() == section_->label_field)
+          Store(fields, *section_, TableOf(*section_), held_);
+        else
+          held_ = fields;  // the head of a domain or wall: its values belong to the vertices that follow
+        return true;
+      case SectionKind::kFlux:
+        TakeFlux(fields);
+        return true;
+    }
+    return true;
+  }
+
+  double ValueOf(const Fields& fields, const ResultColumn& column) const {
+    const auto number = [&fields](std::size_t field) {
+      const double value = field <= fields.size() ? Val(fields[field - 1]) : 0.0;
+      return std::isfinite(value) ? value : 0.0;
+    };
+    const double value = number(column.field);
+    switch (column.take) {
+      case Take::kPlain:
+        return value;
+      case Take::kX:
+        return MToW_X(ormel_, value);
+      case Take::kY:
+        return MToW_Y(ormel_, value);
+      case Take::kAddedToFieldBefore:
+        return number(column.field - 1) + value;
+    }
+    return value;
+  }
+
+  void Store(const Fields& fields, const Section& section, ResultTable& table, const Fields& held) {
+    if (!table.Find(Trim(fields[section.label_field - 1]))) {
+      ++report_.unknown;
+      return;
+    }
+    table.Edit();
+    for (const ResultColumn& column : section.held) table.Set(column.name, ValueOf(held, column));
+    for (const ResultColumn& column : section.columns) table.Set(column.name, ValueOf(fields, column));
+    table.Update();
+    ++report_.records;
+  }
+
+  bool TakeTestPoint(const std::string& line) {
+    constexpr std::size_t kLeast = 15;
+    constexpr std::size_t kHead = 9;
+    const Fields fields = ParseString(std::string_view(line).substr(1), ',');
+    if (fields.size() < kLeast) return AskAboutBad("DATA record", line);
+    const std::int64_t vid = NumberOfLabel(Trim(fields[kLeast - 1]));
+    if (!test_points_.Find(std::to_string(vid))) {
+      ++report_.unknown;
+      return true;
+    }
+    const double head = ValueOf(fields, {"ModelHead", kHead, Take::kPlain});
+    test_points_.Edit();
+    test_points_.Set("Difference", test_points_.Number("ObsHead") - head);
+    test_points_.Set("ModelHead", head);
+    test_points_.Update();
+    ++report_.records;
+    return true;
+  }
+
+  void TakeFlux(const Fields& fields) {
+    const std::string label(Trim(fields[0]));
+    fluxes_.Row(label, NumberOfLabel(label), ValueOf(fields, {"TotalFlux", 2, Take::kPlain}));
+    ++report_.records;
+  }
+
+  /// True to go on.
+  bool AskAboutBad(std::string_view kind, const std::string& line) {
+    ++report_.bad;
+    return AskYesNo(ormel_, "Import error",
+                    Lines({"Bad " + std::string(kind) + ": Record " + std::to_string(report_.lines) +
+                               " of Vadox results file:",
+                           "", line, "", "Continue reading the results file?"}),
+                    Icon::kStop);
+  }
+
+  ResultTable& TableOf(const Section& section) {
+    switch (section.table) {
+      case ResultSet::kWells:
+        return wells_;
+      case ResultSet::kLinesinks:
+        return linesinks_;
+      case ResultSet::kDomains:
+        return domains_;
+      case ResultSet::kBarriers:
+        return barriers_;
+    }
+    return wells_;
+  }
+
+  std::size_t Unanswered() {
+    // A line-sink of given discharge has no head to report; its row keeps what the deck writer put there.
+    return wells_.Unanswered() + linesinks_.Unanswered() + domains_.Unanswered() + barriers_.Unanswered() +
+           test_points_.Unanswered();
+  }
+
+  Ormel& ormel_;
+  ResultTable wells_, linesinks_, domains_, barriers_, test_points_;
+  BulkInsert fluxes_;
+  const Section* section_ = nullptr;
+  Fields held_;
+  LoadReport report_;
+};
+
+void TellGaps(Ormel& ormel, const LoadReport& report) {
+  std::string text;
+  if (report.unanswered > 0) text = std::to_string(report.unanswered) + " elements have no results.  ";
+  if (report.unknown > 0)
+    text += std::to_string(report.unknown) + " results name no element of the project and were left out.";
+  if (!text.empty()) Feedback(ormel, Trim(text));
+}
+
+}  // namespace
+
+LoadReport ModelLoadVadoxResults(Ormel& ormel) {
+  const Named named(ormel, "ModelLoadVadoxResults");
+  Transaction transaction(ormel.db());
+  SeedTestPoints(ormel.db());
+  const LoadReport report = Loader(ormel).Run(StemFile(ormel, ".XTR"));
+  transaction.Commit();
+  TellGaps(ormel, report);
+  return report;
+}
+
+}  // namespace ormel
