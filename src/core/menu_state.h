@@ -53,4 +53,18 @@ enum LayerItem : int {
   kLayerBaseMap = 13,
 };
 
+/// `TESTDISPLAY`, `TPSCALING`, `TMARKS`, `ZMARKS`, `ShowVertices` and `EDITORGRID`, by their index.
+enum TestDisplayItem : int { kTestShow = 0, kTestText = 1, kTestScaledSymbols = 2 };
+enum TestScalingItem : int { kTestScale5 = 0, kTestScale10 = 1, kTestScale20 = 2 };
+enum TimeMarkItem : int {
+  kTimeMarksShow = 0,
+  kTimeMarks1Year = 1,
+  kTimeMarks2Years = 2,
+  kTimeMarks5Years = 3,
+  kTimeMarksCustom = 4,
+};
+enum ElevationMarkItem : int { kElevationMarksShow = 0, kElevationMarksEnter = 1 };
+enum ShowVerticesItem : int { kLinesinkVertices = 0, kInhomogeneityVertices = 1 };
+enum EditorGridItem : int { kGridShow = 0, kGridSnap = 1, kGridSettings = 2 };
+
 }  // namespace ormel

@@ -23,6 +23,7 @@ class Solver;
 class Processes;
 class Settings;
 class Clock;
+class WindowCommands;
 
 /// References to what stands outside; all of them outlive the controller.
 struct Ports {
@@ -32,6 +33,7 @@ struct Ports {
   ormel::Processes* processes = nullptr;
   ormel::Settings* settings = nullptr;
   ormel::Clock* clock = nullptr;
+  WindowCommands* window = nullptr;  ///< null in a program without a window
 };
 
 class Transaction;

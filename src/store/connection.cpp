@@ -249,9 +249,10 @@ void Connection::Begin() {
   ++depth_;
 }
 
-void Connection::CheckTransaction() {
-  if (sqlite3_get_autocommit(handle()) == 0) return;
-  depth_ = 0;
+// SQLite may undo a whole transaction when the disk fails under it.  What would follow must not reach the
+// file as pieces of a command whose beginning is gone.
+void Connection::RefuseAfterUndoing() {
+  if (depth_ == 0 || sqlite3_get_autocommit(handle()) == 0) return;
   throw StoreError(StoreErrorCode::kDiskFull,
                    "The project \"" + path_ +
                        "\" could not be written, and this command's changes were undone. "
@@ -259,17 +260,15 @@ void Connection::CheckTransaction() {
 }
 
 void Connection::Commit() {
-  if (depth_ == 0 || handle_ == nullptr) return;  // closed, or undone as a whole by an outer failure
-  CheckTransaction();
-  if (depth_ > 1) {
-    --depth_;
-    Run("RELEASE s" + std::to_string(depth_));
-    return;
-  }
-  depth_ = 0;
+  if (depth_ == 0 || handle_ == nullptr) return;  // closed
+  const int outer = depth_ - 1;
   try {
-    Run("COMMIT");
+    RefuseAfterUndoing();
+    depth_ = outer;
+    Run(outer > 0 ? "RELEASE s" + std::to_string(outer) : "COMMIT");
   } catch (const StoreError&) {
+    depth_ = outer;
+    if (outer > 0) throw;
     if (sqlite3_get_autocommit(handle_) == 0) sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr);
     ForgetCounts();
     throw;
@@ -279,16 +278,16 @@ void Connection::Commit() {
 void Connection::Rollback() {
   if (depth_ == 0 || handle_ == nullptr) return;
   --depth_;
-  if (sqlite3_get_autocommit(handle_) != 0) {
-    depth_ = 0;  // SQLite undid it already
-  } else if (depth_ > 0) {
-    const std::string name = "s" + std::to_string(depth_);
-    Run("ROLLBACK TO " + name);
-    Run("RELEASE " + name);
-  } else {
-    Run("ROLLBACK");
-  }
   ForgetCounts();
+  if (sqlite3_get_autocommit(handle_) != 0)
+    return;  // SQLite undid it already; outer scopes are told at their next step
+  if (depth_ == 0) {
+    Run("ROLLBACK");
+    return;
+  }
+  const std::string name = "s" + std::to_string(depth_);
+  Run("ROLLBACK TO " + name);
+  Run("RELEASE " + name);
 }
 
 }  // namespace ormel

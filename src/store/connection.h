@@ -138,7 +138,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void Install();
   void RowChanged(int operation, const char* table, std::int64_t row);
   TableState& State(std::string_view table);
-  void CheckTransaction();
+  void RefuseAfterUndoing();
 
   sqlite3* handle_;
   std::string path_;

@@ -312,7 +312,9 @@ std::string TranslateExpandingAliases(std::string_view sql) {
     out.insert(out.end(), expression.begin(), expression.end());
     out.insert(out.end(), tokens.begin() + static_cast<std::ptrdiff_t>(end),
                tokens.begin() + static_cast<std::ptrdiff_t>(item.end));
-    if (named) aliases.push_back({tokens[item.end - 1].Name(), std::move(expression)});
+    if (!named) continue;
+    if (!expression.empty()) expression.front().blank = false;  // it will stand behind a parenthesis
+    aliases.push_back({tokens[item.end - 1].Name(), std::move(expression)});
   }
   out.insert(out.end(), tokens.begin() + static_cast<std::ptrdiff_t>(from), tokens.end());
   return Join(out, 0, out.size());

@@ -22,7 +22,8 @@ constexpr std::array kCases{
     Case{SQLITE_READONLY, StoreErrorCode::kReadOnly,
          "is read-only. Make the file and its folder writable, or copy the project to a folder of your own."},
     Case{SQLITE_FULL, StoreErrorCode::kDiskFull,
-         "could not be written because the disk is full. Free some space and try again; what was saved "
+         "could not be written because the disk is full or takes no more. Free some space and try again; "
+         "what was saved "
          "before is kept."},
     Case{SQLITE_BUSY, StoreErrorCode::kInUse, "is open in another program. Close it there and try again."},
     Case{SQLITE_LOCKED, StoreErrorCode::kInUse, "is being read while it should be changed. Try again."},
@@ -65,9 +66,11 @@ StoreError StatementError(std::string_view message, std::string_view sql) {
   return {StoreErrorCode::kSyntax, "The statement cannot be run: " + std::string(message) + "." + statement};
 }
 
-StoreError InputOutputError(sqlite3* handle, const std::string& path) {
+StoreError InputOutputError(sqlite3* handle, int code, const std::string& path) {
   const int error = handle == nullptr ? 0 : sqlite3_system_errno(handle);
-  if (error == ENOSPC || error == EDQUOT || error == EFBIG) {
+  // A write that fails means, nearly always, that a disk, a quota or a size limit is used up; by the time we
+  // are told, the system's own reason may have been replaced by that of a later call.
+  if (code == SQLITE_IOERR_WRITE || error == ENOSPC || error == EDQUOT || error == EFBIG) {
     return {StoreErrorCode::kDiskFull, Quoted(path) + kCases[1].text};
   }
   const std::string reason = error == 0 ? "" : " (" + std::generic_category().message(error) + ")";
@@ -109,7 +112,7 @@ StoreError MakeStoreError(sqlite3* handle, int code, const std::string& path, st
   const std::string message = handle == nullptr ? sqlite3_errstr(code) : sqlite3_errmsg(handle);
   const int primary = code & 0xFF;
   if (primary == SQLITE_CONSTRAINT) return ConstraintError(message);
-  if (primary == SQLITE_IOERR) return InputOutputError(handle, path);
+  if (primary == SQLITE_IOERR) return InputOutputError(handle, code, path);
   if (primary == SQLITE_MISMATCH) {
     return {StoreErrorCode::kWrongType, "A value has the wrong type for its field: " + std::string(sql)};
   }

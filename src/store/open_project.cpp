@@ -191,11 +191,8 @@ void CheckPages(Connection& connection) {
   }
 }
 
-}  // namespace
-
-std::shared_ptr<Connection> OpenProjectFile(const std::string& given_path, bool read_only) {
-  const std::string path = AbsolutePath(given_path);
-  CheckPath(path);
+/// The steps of OpenProjectFile on a file that can be reached.
+std::shared_ptr<Connection> OpenChecked(const std::string& path, bool read_only) {
   Handle handle = OpenHandle(path, read_only ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE);
   const bool journal = HasJournal(path);
   if (!journal) CheckHeader(Header(handle.get()), path);
@@ -216,6 +213,22 @@ std::shared_ptr<Connection> OpenProjectFile(const std::string& given_path, bool 
     Refuse(StoreErrorCode::kNotAProject, path, "has no tables of a project. Choose a file made by Ormel.");
   }
   return connection;
+}
+
+}  // namespace
+
+std::shared_ptr<Connection> OpenProjectFile(const std::string& given_path, bool read_only) {
+  const std::string path = AbsolutePath(given_path);
+  CheckPath(path);
+  try {
+    return OpenChecked(path, read_only);
+  } catch (const StoreError& error) {
+    // None of the statements of opening is wrong by itself: the file does not answer them as a project does.
+    if (error.code() != StoreErrorCode::kSyntax) throw;
+    Refuse(StoreErrorCode::kDamaged, path,
+           std::string("is damaged (") + error.what() +
+               "). Keep the file, and go on with a copy of it from before the damage.");
+  }
 }
 
 std::shared_ptr<Connection> CreateProjectFile(const std::string& given_path) {

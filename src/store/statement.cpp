@@ -166,6 +166,7 @@ void PreparedStatement::Bind(int index, const Value& value) {
 }
 
 bool PreparedStatement::Step() {
+  connection_->RefuseAfterUndoing();
   const int code = sqlite3_step(handle());
   if (code == SQLITE_ROW) return true;
   if (code == SQLITE_DONE) return false;

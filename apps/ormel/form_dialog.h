@@ -1,0 +1,61 @@
+// The one renderer of forms: any form model as a modal dialog.
+#pragma once
+
+#include <QDialog>
+#include <exception>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/form.h"
+#include "ormel/form_controls.h"
+
+class QPushButton;
+class QTabWidget;
+class QVBoxLayout;
+
+namespace ormel {
+
+/// Enter presses the form's accept button, Escape and the window's close button its reject button, F1 asks
+/// for help.  After each action of the user the dialog shows the form's state again and closes when the form
+/// has hidden itself.
+class FormDialog : public QDialog {
+  Q_OBJECT
+ public:
+  FormDialog(Form& form, QWidget* parent);
+
+  /// Runs modally until the form hides itself.  A failure inside one of the form's reactions closes the
+  /// dialog and is thrown from here, out of the toolkit's event loop.
+  void Show();
+
+  /// One action of the user on the form.  Ignored while another one runs.
+  void Do(const std::function<void(Form&)>& action);
+  /// Presses the accept button, if there is one that is offered.
+  void Accept();
+
+  void reject() override;
+
+ signals:
+  void HelpAsked(const QString& topic);
+
+ private:
+  void Build();
+  void AddButtonRow(QVBoxLayout& outer, const std::vector<const ControlSpec*>& buttons);
+  void MarkDefault();
+  QWidget* Page(const ControlSpec& spec, QVBoxLayout& outer);
+  ControlView& AddView(const ControlSpec& spec);
+  void ShowStates();
+  void ShowTabs();
+  void TakeFocusRequest();
+  const ControlSpec* ButtonOf(ButtonRole role) const;
+
+  Form& form_;
+  std::vector<ControlView> views_;
+  QTabWidget* tabs_ = nullptr;
+  long shown_revision_ = -1;
+  bool busy_ = false;
+  std::exception_ptr failure_;
+};
+
+}  // namespace ormel

@@ -1,0 +1,34 @@
+// Rows and frames of one page of a form.
+#pragma once
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+#include <QWidget>
+#include <string>
+
+#include "ormel/form_controls.h"
+
+namespace ormel {
+
+/// Places controls in the order they come.  Controls of one group that follow one another share a frame.
+class FormPage {
+ public:
+  explicit FormPage(QWidget* page);
+
+  void Add(const ControlView& view);
+
+ private:
+  void StartGroup(const std::string& group);
+  void AddField(const ControlView& view);
+  void AddWide(const ControlView& view);
+  void AddTall(const ControlView& view);
+  void AddInline(const ControlView& view);
+
+  QVBoxLayout* column_;
+  QGridLayout* grid_ = nullptr;
+  QHBoxLayout* inline_row_ = nullptr;  ///< the row that a further inline control joins
+  std::string group_;
+};
+
+}  // namespace ormel

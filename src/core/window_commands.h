@@ -1,0 +1,21 @@
+// Commands that only a window can carry out: its own end, printing, the clipboard.  A program without a
+// window has none, and their menu items are disabled there.
+#pragma once
+
+namespace ormel {
+
+class WindowCommands {
+ public:
+  virtual ~WindowCommands() = default;
+
+  /// Asks the main window to close; the stop sequence follows from its closing.
+  virtual void Exit() = 0;
+  virtual void FilePrintSetup() = 0;
+  virtual void FilePrint() = 0;
+  virtual void CopyImage() = 0;
+  virtual void SaveMapAs() = 0;
+  /// Opens a text file of the program's folder, such as the release notes.
+  virtual void ShowReleaseNotes() = 0;
+};
+
+}  // namespace ormel

@@ -1,0 +1,186 @@
+#include "shell/commands.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/map_view.h"
+#include "core/ormel.h"
+#include "core/solver_port.h"
+#include "core/status.h"
+#include "core/user_interface.h"
+#include "core/window_commands.h"
+#include "model/barriers.h"
+#include "model/digitize.h"
+#include "model/inhomogeneities.h"
+#include "model/model_settings.h"
+#include "shell/about.h"
+#include "shell/gui_options_form.h"
+#include "shell/help.h"
+#include "shell/integrity.h"
+#include "shell/lifecycle.h"
+#include "shell/recent_projects.h"
+#include "solver/driver.h"
+#include "solver/extents.h"
+
+namespace ormel::command {
+namespace {
+
+void Toggle(Ormel& ormel, std::string_view control, int index) {
+  ormel.menus.Check(control, index, !ormel.menus.Checked(control, index));
+}
+
+/// One item of a control checked, `count` others not.
+void CheckOnly(Ormel& ormel, std::string_view control, int index, int count) {
+  for (int i = 0; i < count; ++i) ormel.menus.Check(control, i, i == index);
+}
+
+void RedrawInPlace(Ormel& ormel) {
+  ormel.view().ZoomActions(ormel::Zoom::kRedrawInPlace);
+}
+
+}  // namespace
+
+void File(Ormel& ormel, int index) {
+  switch (index) {
+    case 0:
+      return FileNewProject(ormel);
+    case 1:
+      return FileOpenProject(ormel, "");
+    case 2:
+      return FileSaveAs(ormel);
+    case 3:
+      return FileCloseProject(ormel);
+    case 4:
+      return FileProjectSettings(ormel);
+    case 5:
+      return ormel.ports.window->FilePrintSetup();
+    case 6:
+      return ormel.ports.window->FilePrint();
+    case 7:
+      return ormel.ports.window->Exit();
+    default:
+      Inform(ormel, kProgramTitle, "Internal Error in File Menu!");
+  }
+}
+
+void Recent(Ormel& ormel, int index) {
+  const std::vector<std::string> paths = RecentProjects(ormel);
+  if (static_cast<std::size_t>(index) < paths.size())
+    FileOpenProject(ormel, paths[static_cast<std::size_t>(index)]);
+}
+
+void SaveMapAs(Ormel& ormel, int /*index*/) {
+  ormel.ports.window->SaveMapAs();
+}
+
+void CopyImage(Ormel& ormel, int /*index*/) {
+  ormel.ports.window->CopyImage();
+}
+
+void Layer(Ormel& ormel, int index) {
+  if (index == kLayerRefresh) return ormel.view().ZoomActions(ormel::Zoom::kRedraw);
+  Toggle(ormel, "layermenu", index);
+  if (index != kLayerToolbar) RedrawInPlace(ormel);
+}
+
+void TestDisplay(Ormel& ormel, int index) {
+  Toggle(ormel, "TESTDISPLAY", index);
+  RedrawInPlace(ormel);
+}
+
+void TestScaling(Ormel& ormel, int index) {
+  CheckOnly(ormel, "TPSCALING", index, 3);
+  RedrawInPlace(ormel);
+}
+
+void ShowVertices(Ormel& ormel, int index) {
+  Toggle(ormel, "ShowVertices", index);
+  RedrawInPlace(ormel);
+}
+
+void Haze(Ormel& ormel, int index) {
+  Toggle(ormel, "Haze", index);
+  RedrawInPlace(ormel);
+}
+
+void WellLabels(Ormel& ormel, int index) {
+  Toggle(ormel, "ShowWellLabels", index);
+  RedrawInPlace(ormel);
+}
+
+void SimpleWhpas(Ormel& ormel, int index) {
+  Toggle(ormel, "ShowWHPAs", index);
+  if (ormel.menus.Checked("ShowWHPAs", index) && ormel.solution.whpa_calculated_exists)
+    ModelCheckExtents(ormel, false, false);
+  RedrawInPlace(ormel);
+}
+
+void NewElement(Ormel& ormel, int index) {
+  switch (index) {
+    case 1:
+      ormel.view().ElemTurnOffSelection();
+      return BeginPlacing(ormel, Element::kWell, "Add Well", "Click mouse at location for new well");
+    case 3:
+      return ElemAddNoFlowString(ormel);
+    case 4:
+      return ElemAddInhomogeneity(ormel);
+    default:
+      return;
+  }
+}
+
+void Model(Ormel& ormel, int index) {
+  switch (index) {
+    case 1:
+      ModelEditSettings(ormel);
+      return ormel.view().SetUpLayers();
+    case 2:
+      ormel.solver().ModelRunVadox({.AskFirst = true, .ZoomAfter = true, .ViewLogs = true});
+      if (ormel.solution.ValidSolution) Note(ormel, "CURRENT");
+      return;
+    case 3:
+      return ormel.solver().ModelRunVadox({true, true, true, true, true});
+    default:
+      return;
+  }
+}
+
+void ModelSize(Ormel& ormel, int /*index*/) {
+  ModelGetSize(ormel, true);
+}
+
+void RunFile(Ormel& ormel, int index) {
+  RUN_FILES(ormel, index);
+}
+
+void InterfaceOptions(Ormel& ormel, int /*index*/) {
+  ShowGUIOptions(ormel);
+}
+
+void Repair(Ormel& ormel, int /*index*/) {
+  DBRepair(ormel);
+}
+
+void Zoom(Ormel& ormel, int index) {
+  ormel.view().ZoomActions(static_cast<ormel::Zoom>(index));
+}
+
+void Help(Ormel& ormel, int index) {
+  switch (index) {
+    case 0:
+      return ormel.ui().ShowHelp(kContentsTopic);
+    case 1:
+      return ormel.ui().ShowHelp(kGuideTopic);
+    case 2:
+      return ormel.ui().ShowHelp(kTutorialTopic);
+    case 4:
+      return ormel.ports.window->ShowReleaseNotes();
+    case 5:
+      return ShowAbout(ormel);
+    default:
+      return;
+  }
+}
+
+}  // namespace ormel::command

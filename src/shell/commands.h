@@ -1,0 +1,50 @@
+// The procedures behind the menu items.  Each gets the index of the item that was chosen.
+#pragma once
+
+namespace ormel {
+
+struct Ormel;
+
+namespace command {
+
+// &Project
+void File(Ormel& ormel, int index);
+void Recent(Ormel& ormel, int index);
+void SaveMapAs(Ormel& ormel, int index);
+
+// &Edit
+void CopyImage(Ormel& ormel, int index);
+
+// &View
+void Layer(Ormel& ormel, int index);
+void Pathlines(Ormel& ormel, int index);
+void TimeMarks(Ormel& ormel, int index);
+void ElevationMarks(Ormel& ormel, int index);
+void TestDisplay(Ormel& ormel, int index);
+void TestScaling(Ormel& ormel, int index);
+void ShowVertices(Ormel& ormel, int index);
+void ToggleAndRedraw(Ormel& ormel, int index);
+void Haze(Ormel& ormel, int index);
+void WellLabels(Ormel& ormel, int index);
+void SimpleWhpas(Ormel& ormel, int index);
+
+// E&lement
+void NewElement(Ormel& ormel, int index);
+
+// &Model
+void Model(Ormel& ormel, int index);
+void ModelSize(Ormel& ormel, int index);
+void RunFile(Ormel& ormel, int index);
+
+// &Tools
+void InterfaceOptions(Ormel& ormel, int index);
+void Repair(Ormel& ormel, int index);
+
+// &Window
+void Zoom(Ormel& ormel, int index);
+
+// &Help
+void Help(Ormel& ormel, int index);
+
+}  // namespace command
+}  // namespace ormel

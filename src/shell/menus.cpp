@@ -1,0 +1,98 @@
+#include "shell/menus.h"
+
+#include <algorithm>
+
+#include "core/command.h"
+#include "core/ormel.h"
+#include "core/user_interface.h"
+#include "shell/recent_projects.h"
+
+namespace ormel {
+namespace {
+
+constexpr std::string_view kNotAvailable = "not available in this version";
+
+const MenuItem* ParentOf(const MenuItem& item) {
+  return item.parent.empty() ? nullptr : FindMenuItem(item.parent, item.parent_index);
+}
+
+/// The command stands, in this program.
+bool IsAvailable(const Ormel& ormel, MenuCommand run, unsigned flags) {
+  return run != nullptr && ((flags & kNeedsWindow) == 0 || ormel.ports.window != nullptr);
+}
+
+bool StateAllows(const Ormel& ormel, unsigned flags) {
+  if ((flags & kNeedsProject) != 0 && !ormel.project.ProjectOpen) return false;
+  return (flags & kNeedsSolution) == 0 || ormel.solution.ValidSolution;
+}
+
+}  // namespace
+
+const MenuItem* FindMenuItem(std::string_view control, int index) {
+  for (const MenuItem& item : MenuItems())
+    if (item.control == control && item.index == index) return &item;
+  return nullptr;
+}
+
+const ToolbarButton* FindToolbarButton(std::string_view key) {
+  for (const ToolbarButton& button : ToolbarButtons())
+    if (button.key == key) return &button;
+  return nullptr;
+}
+
+bool HasSubmenu(const MenuItem& item) {
+  const auto items = MenuItems();
+  return std::any_of(items.begin(), items.end(), [&item](const MenuItem& other) {
+    return other.parent == item.control && other.parent_index == item.index;
+  });
+}
+
+std::string ItemCaption(const Ormel& ormel, const MenuItem& item) {
+  if (item.control != "RECENT") return std::string(item.caption);
+  const std::vector<std::string> paths = RecentProjects(ormel);
+  const auto number = static_cast<std::size_t>(item.index);
+  if (number >= paths.size()) return {};
+  std::string caption = "&" + std::to_string(item.index + 1) + " ";
+  for (const char c : paths[number]) caption += c == '&' ? std::string("&&") : std::string(1, c);
+  return caption;
+}
+
+std::string_view ItemTip(const Ormel& ormel, const MenuItem& item) {
+  if (HasSubmenu(item) || IsAvailable(ormel, item.run, item.flags)) return {};
+  return kNotAvailable;
+}
+
+bool ItemEnabled(const Ormel& ormel, const MenuItem& item) {
+  if (!HasSubmenu(item) && !IsAvailable(ormel, item.run, item.flags)) return false;
+  if (!StateAllows(ormel, item.flags) || !ormel.menus.Enabled(item.control, item.index)) return false;
+  const MenuItem* parent = ParentOf(item);
+  return parent == nullptr || ItemEnabled(ormel, *parent);
+}
+
+bool ButtonEnabled(const Ormel& ormel, const ToolbarButton& button) {
+  if (!ormel.menus.Enabled("Toolbar1") || !ormel.menus.Enabled(button.key)) return false;
+  if (!button.control.empty()) {
+    const MenuItem* item = FindMenuItem(button.control, button.index);
+    return item != nullptr && ItemEnabled(ormel, *item);
+  }
+  return IsAvailable(ormel, button.run, button.flags) && StateAllows(ormel, button.flags);
+}
+
+bool Dispatch(Ormel& ormel, std::string_view control, int index) {
+  const MenuItem* item = FindMenuItem(control, index);
+  if (item == nullptr || item->run == nullptr || !ItemEnabled(ormel, *item)) return false;
+  RunCommand(ormel, std::string(control) + "_Click", [&] { item->run(ormel, index); });
+  ormel.ui().MenusChanged();
+  return true;
+}
+
+bool DispatchButton(Ormel& ormel, std::string_view key) {
+  const ToolbarButton* button = FindToolbarButton(key);
+  if (button == nullptr || !ButtonEnabled(ormel, *button)) return false;
+  if (!button->control.empty()) return Dispatch(ormel, button->control, button->index);
+  RunCommand(ormel, "Toolbar1_ButtonClick", [&] { button->run(ormel, button->index); });
+  ormel.ui().MenusChanged();
+  return true;
+}
+
+}  // namespace ormel

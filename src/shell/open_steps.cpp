@@ -1,0 +1,213 @@
+#include "shell/open_steps.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <optional>
+
+#include "core/ormel.h"
+#include "core/processes.h"
+#include "core/project.h"
+#include "core/status.h"
+#include "core/user_interface.h"
+#include "solver/extents.h"
+#include "store/bulk.h"
+#include "store/database.h"
+#include "store/schema.h"
+#include "store/store_error.h"
+#include "text/files.h"
+
+namespace ormel {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kCannotOpen = "Can't open database";
+/// The version of a project from before versions were stored.
+constexpr std::int64_t kFirstVersion = 100;
+
+bool TestReadOnly(Ormel& ormel, const std::string& path) {
+  if (!IsReadOnly(path)) return true;
+  Inform(ormel, "File is Read-only!",
+         Lines({"Could not open project. The specified project database",
+                "is read-only. You must disable the read-only attribute of",
+                "the project file before before opening this project."}));
+  return false;
+}
+
+bool OfferNewDatabase(Ormel& ormel, const std::string& path) {
+  if (!AskYesNo(ormel, "No Such File",
+                "The specified project database does not exist.  Create a new database?", Icon::kQuestion))
+    return false;
+  NewDatabaseOptions options;
+  options.file_title = FileTitle(path);
+  options.working_directory = fs::path(path).parent_path().string();
+  options.BasemapMeters = ormel.project.BasemapMeters;
+  options.ComputeMeters = ormel.project.ComputeMeters;
+  try {
+    DBNewDatabase(path, options);
+  } catch (const StoreError& e) {
+    Inform(ormel, kCannotOpen, e.what(), Icon::kStop);
+    return false;
+  }
+  return true;
+}
+
+/// Nothing when the file cannot be read as a project; the user has been told.
+std::optional<std::int64_t> ReadVersion(Ormel& ormel, const std::string& path) {
+  try {
+    Database db = Database::Open(path, OpenMode::kReadOnly);
+    if (!db.HasField("Project", "ProjectVersion")) return kFirstVersion;
+    return db.Scalar("select ProjectVersion from Project;").AsLong();
+  } catch (const StoreError& e) {
+    Inform(ormel, kCannotOpen, e.what(), Icon::kStop);
+    return std::nullopt;
+  }
+}
+
+bool TestVersion(Ormel& ormel, std::int64_t version) {
+  if (version > schema::kProjectVersion) {
+    Inform(ormel, kCannotOpen,
+           Lines({"The project database was written by a newer version of Ormel.",
+                  "It is incompatible with this version.  Please update Ormel",
+                  "before using this project database."}));
+    return false;
+  }
+  if (version == schema::kProjectVersion) return true;
+  if (!AskYesNo(ormel, "Version Update",
+                Lines({"The project database needs to be updated for use with this version of Ormel.",
+                       "If you press Yes, the project will be updated.  This will make the project",
+                       "incompatible with older versions of Ormel.",
+                       "Do you wish to update the project database?"}),
+                Icon::kQuestion)) {
+    Inform(ormel, "Must update", "Can't open this project database unless it is updated.");
+    return false;
+  }
+  Inform(ormel, "Must update",
+         "This project has version " + std::to_string(version) + "; this version of Ormel opens version " +
+             std::to_string(schema::kProjectVersion) +
+             " and cannot update older projects yet.\nThe file has not been changed.",
+         Icon::kStop);
+  return false;
+}
+
+bool SameFolder(const std::string& a, const std::string& b) {
+  const auto bare = [](std::string path) {
+    while (path.size() > 1 && path.back() == kPathSeparator) path.pop_back();
+    return path;
+  };
+  if (bare(a) == bare(b)) return true;
+  std::error_code error;
+  return fs::equivalent(a, b, error) && !error;
+}
+
+void Widen(Extents& full, const Extents& by) {
+  full.x_min = std::min(full.x_min, by.x_min);
+  full.x_max = std::max(full.x_max, by.x_max);
+  full.y_min = std::min(full.y_min, by.y_min);
+  full.y_max = std::max(full.y_max, by.y_max);
+}
+
+/// The model's extents for the map, without moving the origin that the last solve stored: saved results are
+/// relative to it.
+void WidenByModel(Ormel& ormel) {
+  double x0 = 0.0;
+  double y0 = 0.0;
+  {
+    RowReader origin(ormel.db(), "select SOLVERX0,SOLVERY0 from Model");
+    if (origin.Next()) {
+      x0 = origin.Double(0);
+      y0 = origin.Double(1);
+    }
+  }
+  ModelCheckExtents(ormel, false, false);
+  ormel.db().Execute("update Model set SOLVERX0=?, SOLVERY0=?", {x0, y0});
+  Widen(ormel.window.full, ormel.window.model);
+}
+
+/// The stored window; the print margins go to the controller.
+MapRect ReadWindowAndMargins(Ormel& ormel) {
+  RowReader model(ormel.db(),
+                  "select WINDOWX1,WINDOWX2,WINDOWY1,WINDOWY2,MARGINLeft,MARGINRight,MARGINTop,MARGINBottom,"
+                  "MARGINDrawBox from Model");
+  if (!model.Next()) return {};
+  MapWindow& window = ormel.window;
+  window.margin_left = model.Double(4);
+  window.margin_right = model.Double(5);
+  window.margin_top = model.Double(6);
+  window.margin_bottom = model.Double(7);
+  window.margin_box = model.Long(8) != 0;
+  return {model.Double(0), model.Double(1), model.Double(2), model.Double(3)};
+}
+
+}  // namespace
+
+std::string FullPath(const Ormel& ormel, const std::string& path) {
+  if (path.empty() || path.front() == kPathSeparator) return path;
+  return fs::path(JoinPath(ormel.processes().CurrentDirectory(), path)).lexically_normal().string();
+}
+
+bool IsReadOnly(const std::string& path) {
+  struct stat attributes {};
+  if (stat(path.c_str(), &attributes) != 0) return false;
+  return (attributes.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0 || access(path.c_str(), W_OK) != 0;
+}
+
+bool TestProjectFile(Ormel& ormel, const std::string& path) {
+  if (!TestReadOnly(ormel, path)) return false;
+  if (!FileExists(path) && !OfferNewDatabase(ormel, path)) return false;
+  const std::optional<std::int64_t> version = ReadVersion(ormel, path);
+  return version && TestVersion(ormel, *version);
+}
+
+bool OpenConnection(Ormel& ormel, const std::string& path) {
+  try {
+    AttachProject(ormel, path);
+    return true;
+  } catch (const StoreError& e) {
+    Inform(ormel, kCannotOpen, e.what(), Icon::kStop);
+    return false;
+  }
+}
+
+void RepairBasePath(Ormel& ormel) {
+  if (SameFolder(ormel.project.OrmelBasePath, ormel.project.folder)) return;
+  if (!AskYesNo(ormel, kProgramTitle,
+                Lines({"Your Project File and your Intermediate Model Files are not set in the same place!",
+                       "This may cause problems. Would you like Ormel to set your Intermediate Model File "
+                       "path to your project path?"}),
+                Icon::kQuestion))
+    return;
+  std::string folder = ormel.project.folder;
+  if (folder.size() > 1 && folder.back() == kPathSeparator) folder.pop_back();
+  ormel.db().Execute("update Project set OrmelBasePath=?", {folder});
+  ormel.project.OrmelBasePath = folder;
+}
+
+double PowerOfTen(double width) {
+  return width > 0.0 ? std::pow(10.0, std::trunc(std::log10(width))) : 1.0;
+}
+
+void RestoreWindows(Ormel& ormel, bool has_maps, const Extents& maps) {
+  MapWindow& window = ormel.window;
+  const MapRect stored = ReadWindowAndMargins(ormel);
+  const bool has_window = stored.x1 < stored.x2;
+  if (has_maps) {
+    window.full = maps;
+    window.SolveWindow = has_window ? stored : WindowOf(maps);
+    WidenByModel(ormel);
+  } else if (has_window) {
+    window.SolveWindow = stored;
+    window.full = ExtentsOf(stored);
+    WidenByModel(ormel);
+  } else {
+    window.full = {-100.0, 100.0, -100.0, 100.0};
+    window.SolveWindow = WindowOf(window.full);
+  }
+  window.power_of_ten = PowerOfTen(window.SolveWindow.Width());
+}
+
+}  // namespace ormel

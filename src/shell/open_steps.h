@@ -1,0 +1,35 @@
+// The steps that every opening of a project goes through; scripts without a map use them one by one.
+#pragma once
+
+#include <string>
+
+#include "core/types.h"
+
+namespace ormel {
+
+struct Ormel;
+
+/// The path as a full one, seen from the program's present directory.
+std::string FullPath(const Ormel& ormel, const std::string& path);
+
+/// True when neither permissions nor the disk allow writing: nobody's write bit is set, or ours is not.
+bool IsReadOnly(const std::string& path);
+
+/// The tests before a project is opened for writing, each with its box: read-only, existence (with the offer
+/// to make the project), version.  The file is looked at through a short read-only connection.
+bool TestProjectFile(Ormel& ormel, const std::string& path);
+
+/// Opens the one connection; a refusal by the store becomes a box.
+bool OpenConnection(Ormel& ormel, const std::string& path);
+
+/// Offers to set the folder of the intermediate files to the project's own.
+void RepairBasePath(Ormel& ormel);
+
+/// Map window, full extents, margins, scale and vertex tolerance from the project.  `has_maps` and `maps`:
+/// the base maps' extents.  Opening does not move the stored origin of the last solve.
+void RestoreWindows(Ormel& ormel, bool has_maps, const Extents& maps);
+
+/// 10 to the integer part of the base-10 logarithm of the window's width.
+double PowerOfTen(double width);
+
+}  // namespace ormel

@@ -1,0 +1,101 @@
+#include "shell/project_copy.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "store/database.h"
+#include "text/files.h"
+
+namespace ormel {
+namespace {
+
+std::string SystemWords() {
+  return std::error_code(errno, std::generic_category()).message();
+}
+
+class File {
+ public:
+  File(const std::string& path, int flags, mode_t mode = 0)
+      : path_(path), fd_(open(path.c_str(), flags | O_CLOEXEC, mode)) {
+    if (fd_ < 0) throw FileError(path, SystemWords());
+  }
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+  ~File() {
+    if (fd_ >= 0) close(fd_);
+  }
+  std::size_t Read(char* data, std::size_t size) {
+    ssize_t count = 0;
+    do {
+      count = read(fd_, data, size);
+    } while (count < 0 && errno == EINTR);
+    if (count < 0) throw FileError(path_, SystemWords());
+    return static_cast<std::size_t>(count);
+  }
+  void Write(const char* data, std::size_t size) {
+    while (size > 0) {
+      const ssize_t count = write(fd_, data, size);
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0) throw FileError(path_, SystemWords());
+      data += count;
+      size -= static_cast<std::size_t>(count);
+    }
+  }
+  void Finish() {
+    if (fsync(fd_) != 0 || close(std::exchange(fd_, -1)) != 0) throw FileError(path_, SystemWords());
+  }
+
+ private:
+  std::string path_;
+  int fd_;
+};
+
+/// Removes a temporary file unless it has got its name.
+class TemporaryName {
+ public:
+  explicit TemporaryName(std::string path) : path_(std::move(path)) { std::remove(path_.c_str()); }
+  TemporaryName(const TemporaryName&) = delete;
+  TemporaryName& operator=(const TemporaryName&) = delete;
+  ~TemporaryName() {
+    if (!path_.empty()) std::remove(path_.c_str());
+  }
+  const std::string& path() const { return path_; }
+  void BecomeThe(const std::string& target) {
+    if (std::rename(path_.c_str(), target.c_str()) != 0) throw FileError(target, SystemWords());
+    path_.clear();
+  }
+
+ private:
+  std::string path_;
+};
+
+void CopyBytes(const std::string& source, const std::string& target) {
+  File in(source, O_RDONLY);
+  File out(target, O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH);
+  std::array<char, 65536> buffer{};
+  while (const std::size_t size = in.Read(buffer.data(), buffer.size())) out.Write(buffer.data(), size);
+  out.Finish();
+}
+
+}  // namespace
+
+void DuplicateProject(const std::string& source, const std::string& target) {
+  TemporaryName copy(target + ".copy");
+  CopyBytes(source, copy.path());
+  {
+    Database db = Database::Open(copy.path());
+    db.Execute("update Project set OrmelBaseName=?", {std::filesystem::path(target).stem().string()});
+    db.Close();
+  }
+  copy.BecomeThe(target);
+}
+
+}  // namespace ormel

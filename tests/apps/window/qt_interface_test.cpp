@@ -1,0 +1,136 @@
+// The wait box, boxes and viewers in front of a real event loop.
+#include "ormel/qt_interface.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <QWidget>
+
+#include "ormel/file_filter.h"
+#include "ormel/text_viewer.h"
+#include "ormel/wait_box.h"
+#include "support/temp_dir.h"
+
+namespace ormel {
+namespace {
+
+TEST(QtInterface, AnswersComeFromTheButtonsAndEscapeIsTheSafeOne) {
+  struct Case {
+    Buttons buttons;
+    int key;
+    Answer answer;
+  };
+  const Case cases[] = {{Buttons::kOk, Qt::Key_Return, Answer::kOk},
+                        {Buttons::kOk, Qt::Key_Escape, Answer::kOk},
+                        {Buttons::kOkCancel, Qt::Key_Escape, Answer::kCancel},
+                        {Buttons::kYesNo, Qt::Key_Return, Answer::kYes},
+                        {Buttons::kYesNo, Qt::Key_Escape, Answer::kNo},
+                        {Buttons::kYesNoCancel, Qt::Key_Escape, Answer::kCancel}};
+  for (const Case& c : cases) {
+    QtInterface ui;
+    QTimer::singleShot(0, [&] {
+      QWidget* box = QApplication::activeModalWidget();
+      ASSERT_NE(box, nullptr);
+      EXPECT_EQ(static_cast<QMessageBox*>(box)->text(), "first\nsecond <b>");
+      QTest::keyClick(box, static_cast<Qt::Key>(c.key));
+    });
+    EXPECT_EQ(ui.Ask(Box{"Title", "first\nsecond <b>", c.buttons, Icon::kQuestion}), c.answer);
+  }
+}
+
+/// A window that counts what reaches it.
+class Counter : public QWidget {
+ public:
+  int paints = 0, presses = 0;
+
+ protected:
+  void paintEvent(QPaintEvent*) override { ++paints; }
+  void mousePressEvent(QMouseEvent*) override { ++presses; }
+};
+
+TEST(QtInterface, ALongCommandShowsItsProgressRepaintsAndHearsOnlyCancel) {
+  Counter window;
+  window.resize(200, 100);
+  window.show();
+  QtInterface ui;
+  ui.SetWindow(&window);
+  QApplication::processEvents();
+  const int paints = window.paints;
+
+  QTimer::singleShot(100, &window, [&] {
+    QTest::mouseClick(&window, Qt::LeftButton);
+    window.update();
+  });
+  QString bar_seen;
+  QTimer::singleShot(900, &window, [&] {
+    auto* box = window.findChild<WaitBox*>();
+    ASSERT_NE(box, nullptr);
+    EXPECT_TRUE(box->isVisible());
+    bar_seen = QString::number(box->findChild<QProgressBar*>()->value());
+    QTest::mouseClick(box->findChild<QPushButton*>(), Qt::LeftButton);
+  });
+  ui.PleaseWaitShow("Solving...");
+  QElapsedTimer time;
+  time.start();
+  while (!ui.CancelRequested() && time.elapsed() < 5000) {
+    ui.Progress(0.25, "Iteration 2");
+    QTest::qSleep(5);
+  }
+  EXPECT_LT(time.elapsed(), 3000);
+  EXPECT_EQ(bar_seen, "250");
+  EXPECT_GT(window.paints, paints);
+  EXPECT_EQ(window.presses, 0) << "the map heard the mouse in the middle of a command";
+  ui.PleaseWaitHide();
+  EXPECT_EQ(window.findChild<WaitBox*>(), nullptr);
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+  ui.PleaseWaitShow("Again");
+  EXPECT_FALSE(ui.CancelRequested()) << "an old Cancel ends no new command";
+  ui.PleaseWaitHide();
+}
+
+TEST(QtInterface, AQuestionInTheMiddleOfAWaitCanBeAnswered) {
+  QtInterface ui;
+  ui.PleaseWaitShow("Solving...");
+  QTimer::singleShot(0, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Return); });
+  EXPECT_EQ(ui.Ask(Box{"Title", "Go on?", Buttons::kYesNo, Icon::kQuestion}), Answer::kYes);
+  EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+  ui.PleaseWaitHide();
+}
+
+TEST(FileFilter, PairsBecomeTheToolkitsFilters) {
+  EXPECT_EQ(NameFilters("Project Database Files (*.orm)|*.orm"),
+            (QStringList{"Project Database Files (*.orm *.ORM)", "All Files (*)"}));
+  EXPECT_EQ(NameFilters("Vadox Input Files|*.DAT|Lists|*.wl;*.tp").size(), 3);
+  EXPECT_TRUE(NameFilters("").isEmpty());
+}
+
+TEST(TextViewer, ShowsAndSearchesAnyFile) {
+  const test::TempDir folder;
+  test::WriteAll(folder / "ERROR.LOG", "first line\r\nsecond \xe4 line\r\nthird");
+  TextViewer viewer(QString::fromStdString(folder / "ERROR.LOG"), nullptr);
+  viewer.setAttribute(Qt::WA_DeleteOnClose, false);
+  EXPECT_EQ(viewer.text()->toPlainText(), QString::fromLatin1("first line\nsecond \xe4 line\nthird"));
+  viewer.search()->setText("line");
+  EXPECT_TRUE(viewer.FindNext());
+  EXPECT_TRUE(viewer.FindNext());
+  EXPECT_EQ(viewer.text()->textCursor().blockNumber(), 1);
+  EXPECT_TRUE(viewer.FindNext()) << "goes round at the end";
+  EXPECT_EQ(viewer.text()->textCursor().blockNumber(), 0);
+  viewer.search()->setText("missing");
+  EXPECT_FALSE(viewer.FindNext());
+
+  TextViewer missing(QString::fromStdString(folder / "none.log"), nullptr);
+  missing.setAttribute(Qt::WA_DeleteOnClose, false);
+  EXPECT_TRUE(missing.text()->toPlainText().contains("cannot be read"));
+}
+
+}  // namespace
+}  // namespace ormel
