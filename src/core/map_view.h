@@ -37,6 +37,8 @@ class MapView {
   virtual void DrawElement(Element element, Vid vid, Pid pid, DrawMode mode) = 0;
   /// A well that has no row yet.
   virtual void DrawWell(MapPoint at, double setback, double radius, DrawMode mode) = 0;
+  /// A test point or particle that has no row yet.
+  virtual void DrawPoint(Element /*element*/, MapPoint /*at*/, DrawMode /*mode*/) {}
   virtual void ElemTurnOffSelection() = 0;
   virtual void ClearMouseMode() = 0;
   virtual void TurnOffMenus() = 0;

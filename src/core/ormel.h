@@ -4,6 +4,9 @@
 // in the header of the file that holds it.
 #pragma once
 
+#include <any>
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -60,7 +63,8 @@ struct Ormel {
 
   // Panels of the status bar as last written, for their reading form.
   std::string activity, feedback, note;
-  // Data that a form keeps between two uses lives with the form's own header, by name.
+  /// What a form keeps between two uses, by the form's name; its type stands in the form's own header.
+  std::map<std::string, std::any, std::less<>> form_memory;
   std::string StreamWell;  ///< well whose stream boundary is being entered, or "Multiple"
 
   UserInterface& ui() const { return *ports.ui; }

@@ -116,8 +116,9 @@ void ElemAddWell(Ormel& ormel) {
     if (form.Result == OkCancelForm::kOk) {
       WellRow row = form.Row();
       row.PathlineColor = kDefaultPathlineColor;  // a colour is stored by an edit only
-      StoreWell(ormel, row, form.At());
-      ormel.view().DrawWell(form.At(), row.Setback, row.Radius, DrawMode::kNormal);
+      const MapPoint at = ElemCheckVertices(ormel, form.At());
+      StoreWell(ormel, row, at);
+      ormel.view().DrawWell(at, row.Setback, row.Radius, DrawMode::kNormal);
       TurnOnLayer(ormel, kLayerElements);
     }
     ormel.view().Refresh();

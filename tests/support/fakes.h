@@ -9,6 +9,8 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "core/form.h"
@@ -139,6 +141,9 @@ class FakeView : public MapView {
     drawn.push_back({element, vid, pid, mode});
   }
   void DrawWell(MapPoint at, double, double, DrawMode mode) override { drawn_wells.emplace_back(at, mode); }
+  void DrawPoint(Element element, MapPoint at, DrawMode mode) override {
+    drawn_points.push_back({element, at, mode});
+  }
   void ElemTurnOffSelection() override { ++selections_off; }
   void ClearMouseMode() override { ++modes_cleared; }
   void TurnOffMenus() override { menus_on = false; }
@@ -151,6 +156,7 @@ class FakeView : public MapView {
   MapRect last_rect;
   std::vector<Drawn> drawn;
   std::vector<std::pair<MapPoint, DrawMode>> drawn_wells;
+  std::vector<std::tuple<Element, MapPoint, DrawMode>> drawn_points;
   int selections_off = 0, modes_cleared = 0, refreshes = 0;
   bool menus_on = true;
 };
