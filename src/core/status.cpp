@@ -42,7 +42,7 @@ void PleaseWaitHide(Ormel& ormel) {
 
 std::string Lines(std::initializer_list<std::string_view> lines) {
   std::string text;
-  for (const std::string_view line : lines) {
+  for (const std::string_view& line : lines) {
     if (&line != lines.begin()) text += '\n';
     text += line;
   }

@@ -19,8 +19,8 @@ enum class BarrierClosed : int {
 
 /// What the user sets of a row of `NoFlowStrings`; conductivity, thickness, porosity and bottom are fixed.
 struct BarrierRow {
-  std::string Label;
-  Color color;
+  std::string Label{};
+  Color color{};
   BarrierClosed Closed = BarrierClosed::kOpen;
 };
 

@@ -14,13 +14,13 @@ inline constexpr double kNoAverageHead = -9999.0;  ///< no estimate
 
 /// A row of `Inhomogeneities`.  A value counts only while its switch is set.
 struct InhomogeneityRow {
-  std::string Label;
+  std::string Label{};
   double HydCond = 0.0;   ///< [length/d]
   double Recharge = 0.0;  ///< added recharge, positive into the aquifer [length/d]
   double Porosity = 0.0;
   double BottomElevation = 0.0;  ///< aquifer base inside
   double AverageHead = 0.0;
-  Color color;
+  Color color{};
   bool ChangeK = false, ChangeR = false, ChangeP = false, ChangeB = false, ChangeA = false;
 };
 

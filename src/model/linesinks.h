@@ -16,7 +16,7 @@ enum class LinesinkLocation : int { kUnknown = 0, kCentreline = 1, kBoundary = 2
 
 /// What the user sets of a row of `LinesinkStrings`.  Lengths in computation units.
 struct LinesinkRow {
-  std::string Label;
+  std::string Label{};
   bool HeadSpecified = true;
   double StartingHead = 0.0;  ///< of a discharge-specified string the sink density [length^2/d]
   double EndingHead = 0.0;

@@ -26,8 +26,8 @@ struct ParticleRow {
 enum class LabelType : int { kPermanent = 0, kHydrography = 1 };
 
 struct TextLabelRow {
-  std::string Text;
-  FontChoice font;
+  std::string Text{};
+  FontChoice font{};
   LabelType type = LabelType::kPermanent;
   double ScalerX = 0.0;  ///< width of the window in which it was placed [map units]
 };

@@ -14,7 +14,7 @@ class Recordset;
 
 /// A row of `Wells` without its place.  Lengths in computation units.
 struct WellRow {
-  std::string Label;
+  std::string Label{};
   bool HeadSpecified = false;
   bool Pond = false;  ///< a circular area sink of radius `Radius`
   double Head = 0.0;  ///< head, or discharge [length^3/d], positive out of the aquifer; of a

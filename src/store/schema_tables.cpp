@@ -151,7 +151,8 @@ constexpr std::array kWells{Required("VID", kLong),
                             Number("Head", "0.0"),
                             Number("Radius", "1.0"),
                             Given("NParticles", kLong, "-1"),
-                            GivenText("Label", 32, "", kOptional),
+                            // 64: an image well's label is "Mirror_" and that of its source; the dialog allows 32
+                            GivenText("Label", 64, "", kOptional),
                             Number("Setback", "1.0"),
                             Given("Transient", kLong, "0"),
                             Given("Cyclic", kLong, "0"),
@@ -217,7 +218,7 @@ constexpr std::array kTPResults{
 
 constexpr std::array kFIResults{Text("Label", 32, kOptional), Required("PID", kLong), Number("TotalFlux")};
 
-constexpr std::array kWLResults{Text("Label", 32, kOptional),
+constexpr std::array kWLResults{Text("Label", 64, kOptional),  // as Wells.Label
                                 Text("VadoxLabel", 32, kOptional),
                                 Number("X"),
                                 Number("Y"),
