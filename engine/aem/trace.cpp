@@ -289,6 +289,8 @@ void PathTracer::Arrive(const Event& event, const Motion& motion, double days) {
   time_ += days;
   switch (event.kind) {
     case EventKind::kWindow:
+      place_.at = {std::clamp(place_.at.real(), options_.window.left, options_.window.right),
+                   std::clamp(place_.at.imag(), options_.window.bottom, options_.window.top)};
       AddPointHere();
       return End(PathEnd::kWindow);
     case EventKind::kBoundary:
