@@ -25,7 +25,7 @@ struct DrawCall {
   double opacity = 1.0;
 };
 
-class DisplayList final : public DrawingDevice {
+class DisplayList : public DrawingDevice {
  public:
   DisplayList() = default;
   DisplayList(int width, int height, int dpi) : width_(width), height_(height), dpi_(dpi) {}
