@@ -1,0 +1,27 @@
+// What every drawing routine gets.
+#pragma once
+
+#include "core/types.h"
+
+namespace ormel {
+
+struct Ormel;
+class VgGdi;
+
+struct MapCanvas {
+  Ormel& ormel;
+  VgGdi& vg;
+};
+
+/// The paper of the map; erasing paints in it.
+inline constexpr Color kMapBackground = QBColor(15);
+inline constexpr Color kSelectedColor = QBColor(12);
+
+/// The colour of an element by its mode, `normal` being its kind's own.
+constexpr Color ColorOfMode(DrawMode mode, Color normal) {
+  if (mode == DrawMode::kSelected) return kSelectedColor;
+  if (mode == DrawMode::kErase) return kMapBackground;
+  return normal;
+}
+
+}  // namespace ormel

@@ -1,0 +1,162 @@
+#include <array>
+
+#include "core/command.h"
+#include "core/ormel.h"
+#include "store/bulk.h"
+#include "store/database.h"
+#include "store/recordset.h"
+#include "view/symbols.h"
+#include "view/vg_gdi.h"
+#include "view/whpa_drawing.h"
+
+namespace ormel {
+namespace {
+
+/// A kind of element in the order of drawing.
+struct ElementLayer {
+  const char* name;
+  bool with_elements;  ///< drawn only while "Elements" is on
+  void (*draw)(const MapCanvas&);
+};
+
+void DrawFlow(const MapCanvas& canvas) {
+  ElemDrawUniformFlow(canvas, DrawMode::kNormal);
+}
+
+constexpr std::array kElementLayers{
+    ElementLayer{"Uniform Flow", false, DrawFlow},
+    ElementLayer{"Wells", true, ElemDrawAllWells},
+    ElementLayer{"Linesinks", true, ElemDrawAllLinesinks},
+    ElementLayer{"Barriers", true, ElemDrawAllNoFlow},
+    ElementLayer{"Inhomogeneities", true, ElemDrawAllInhos},
+    ElementLayer{"Stream Boundaries", true, ElemDrawAllStreamBoundarys},
+    ElementLayer{"WHPAs", true, ElemDrawAllWHPAs},
+    ElementLayer{"Test Points", false, ModelDrawAllTestPoints},
+    ElementLayer{"Particles", false, ModelDrawAllParticles},
+    ElementLayer{"Flux Lines", false, ModelDrawAllFluxInspect},
+    ElementLayer{"Capture Zones", false, ModelDrawAllCapzones},
+    ElementLayer{"Text", false, ModelDrawAllText},
+};
+
+/// A point element: what one query by the vertex gives.
+bool PlaceOf(Ormel& ormel, Vid vid, MapPoint& at) {
+  RowReader rows(ormel.db(), "select X,Y from Vertices where VID=?", {vid});
+  if (!rows.Next()) return false;
+  at = {rows.Double(0), rows.Double(1)};
+  return true;
+}
+
+void DrawWellOf(const MapCanvas& canvas, Vid vid, Pid, DrawMode mode) {
+  MapPoint at;
+  RowReader rows(canvas.ormel.db(), "select Setback,Radius from Wells where VID=?", {vid});
+  if (rows.Next() && PlaceOf(canvas.ormel, vid, at))
+    ElemDrawWell(canvas, at, rows.Double(0), rows.Double(1), mode);
+}
+
+void DrawLinesinkOf(const MapCanvas& canvas, Vid, Pid pid, DrawMode mode) {
+  ElemDrawLinesinkString(canvas, pid, mode);
+}
+
+void DrawBarrierOf(const MapCanvas& canvas, Vid, Pid pid, DrawMode mode) {
+  RowReader rows(canvas.ormel.db(), "select Closed,Color from NoFlowStrings where PID=?", {pid});
+  if (!rows.Next()) return;
+  const bool digitizing = canvas.ormel.mouse.LineInProgress && canvas.ormel.mouse.CurrentPID == pid;
+  ElemDrawNoFlowString(canvas, pid, rows.Bool(0) && !digitizing, {static_cast<std::int32_t>(rows.Long(1))},
+                       mode);
+}
+
+void DrawUniformFlowOf(const MapCanvas& canvas, Vid, Pid, DrawMode mode) {
+  ElemDrawUniformFlow(canvas, mode);
+}
+
+void DrawInhoOf(const MapCanvas& canvas, Vid, Pid pid, DrawMode mode) {
+  RowReader rows(canvas.ormel.db(), "select Color from Inhomogeneities where PID=?", {pid});
+  if (rows.Next()) ElemDrawInho(canvas, pid, {static_cast<std::int32_t>(rows.Long(0))}, mode);
+}
+
+void DrawTestPointOf(const MapCanvas& canvas, Vid vid, Pid, DrawMode mode) {
+  MapPoint at;
+  if (!PlaceOf(canvas.ormel, vid, at)) return;
+  double difference = 0.0;
+  if (canvas.ormel.solution.ValidSolution) {
+    RowReader rows(canvas.ormel.db(), "select Difference from TPResults where VID=?", {vid});
+    if (rows.Next()) difference = rows.Double(0);
+  }
+  ModelDrawTestPoint(canvas, at, {}, 0.0, difference, mode);
+}
+
+void DrawParticleOf(const MapCanvas& canvas, Vid vid, Pid, DrawMode mode) {
+  MapPoint at;
+  if (PlaceOf(canvas.ormel, vid, at)) ModelDrawParticle(canvas, at, mode);
+}
+
+void DrawFluxOf(const MapCanvas& canvas, Vid, Pid pid, DrawMode mode) {
+  ModelDrawFluxInspect(canvas, pid, mode);
+}
+
+void DrawCapzoneOf(const MapCanvas& canvas, Vid, Pid pid, DrawMode mode) {
+  ModelDrawCapzone(canvas, pid, mode, false);
+}
+
+void DrawVertexOf(const MapCanvas& canvas, Vid vid, Pid, DrawMode mode) {
+  MapPoint at;
+  if (PlaceOf(canvas.ormel, vid, at)) ElemDrawVertex(canvas, at, mode);
+}
+
+void DrawLabelOf(const MapCanvas& canvas, Vid, Pid, DrawMode mode) {
+  Recordset* labels = canvas.ormel.project.bound.TextLabels.get();
+  if (labels == nullptr || !labels->HasRow()) return;  // the bound recordset stands on the label
+  const std::string text = labels->Get<std::string>("Text"), font = labels->Get<std::string>("FontName");
+  canvas.vg.vgGDItext(
+      text, {labels->Get<double>("X"), labels->Get<double>("Y")},
+      {.font = font,
+       .size = labels->Get<int>("FontSize"),
+       .bold = labels->Get<bool>("FontBold"),
+       .italic = labels->Get<bool>("FontItalic"),
+       .color = ColorOfMode(mode, labels->Get<int>("LabelType") == 0 ? QBColor(0) : QBColor(13))});
+}
+
+struct SingleElement {
+  Element element;
+  bool marks_vertex;  ///< a selected string shows which of its vertices is selected
+  void (*draw)(const MapCanvas&, Vid, Pid, DrawMode);
+};
+constexpr std::array kSingleElements{
+    SingleElement{Element::kWell, false, DrawWellOf},
+    SingleElement{Element::kLinesink, true, DrawLinesinkOf},
+    SingleElement{Element::kBarrier, true, DrawBarrierOf},
+    SingleElement{Element::kUniformFlow, false, DrawUniformFlowOf},
+    SingleElement{Element::kInhomogeneity, true, DrawInhoOf},
+    SingleElement{Element::kTestPoint, false, DrawTestPointOf},
+    SingleElement{Element::kParticle, false, DrawParticleOf},
+    SingleElement{Element::kFluxLine, true, DrawFluxOf},
+    SingleElement{Element::kCapzone, true, DrawCapzoneOf},
+    SingleElement{Element::kTextLabel, false, DrawLabelOf},
+    SingleElement{Element::kWhpaBoundaryVertex, false, DrawVertexOf},
+};
+
+}  // namespace
+
+void ElemDrawAll(const MapCanvas& canvas) {
+  const bool elements = canvas.ormel.menus.Checked("layermenu", kLayerElements);
+  for (const ElementLayer& layer : kElementLayers) {
+    if (layer.with_elements && !elements) continue;
+    canvas.vg.BeginLayer(layer.name);
+    layer.draw(canvas);
+  }
+}
+
+void DrawOneElement(const MapCanvas& canvas, Element element, Vid vid, Pid pid, DrawMode mode) {
+  for (const SingleElement& single : kSingleElements) {
+    if (single.element != element) continue;
+    single.draw(canvas, vid, pid, mode);
+    if (mode == DrawMode::kSelected && single.marks_vertex && vid >= 0) DrawVertexOf(canvas, vid, pid, mode);
+  }
+}
+
+void DrawSelection(const MapCanvas& canvas) {
+  const Selection& selection = canvas.ormel.selection;
+  DrawOneElement(canvas, selection.SelectedType, selection.vid, selection.pid, DrawMode::kSelected);
+}
+
+}  // namespace ormel

@@ -1,0 +1,184 @@
+#include <bit>
+#include <cstdint>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "core/command.h"
+#include "core/ormel.h"
+#include "store/bulk.h"
+#include "store/database.h"
+#include "view/symbols.h"
+#include "view/vertex_chains.h"
+#include "view/vg_gdi.h"
+
+namespace ormel {
+namespace {
+
+constexpr double kLinesinkWidth = 1.5;
+constexpr double kBarrierWidth = 2.0;
+
+void MarkVertices(const MapCanvas& canvas, std::span<const MapPoint> points, Color color, double pen_width) {
+  for (const MapPoint& point : points)
+    canvas.vg.vgGDISymbol(point, VgSymbol::kDiamond, color, color, 1.0, pen_width);
+}
+
+void DrawRing(const MapCanvas& canvas, std::span<const MapPoint> points, double width, Color color) {
+  canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, width, color);
+  if (points.size() > 2) canvas.vg.vgGDILine(points.back(), points.front(), PenStyle::kSolid, width, color);
+}
+
+Color LinesinkColor(bool head_specified, bool drain, bool far_field) {
+  if (!head_specified) return QBColor(5);
+  if (drain) return QBColor(6);
+  return far_field ? QBColor(3) : Rgb(0, 0, 255);
+}
+
+void DrawLinesink(const MapCanvas& canvas, std::span<const MapPoint> points, Color normal, DrawMode mode) {
+  const double shadow = canvas.ormel.gui.LinesinkShadow;
+  if (shadow > 0.0) canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, shadow, QBColor(15));
+  canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, kLinesinkWidth, ColorOfMode(mode, normal));
+  const bool marked =
+      mode != DrawMode::kNormal || canvas.ormel.menus.Checked("ShowVertices", kLinesinkVertices);
+  if (marked) MarkVertices(canvas, points, mode == DrawMode::kErase ? kMapBackground : QBColor(0), 1.0);
+}
+
+void DrawBarrier(const MapCanvas& canvas, std::span<const MapPoint> points, bool closed, Color color,
+                 DrawMode mode) {
+  const Color shown = ColorOfMode(mode, color);
+  if (closed)
+    DrawRing(canvas, points, kBarrierWidth, shown);
+  else
+    canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, kBarrierWidth, shown);
+}
+
+struct PlaceHash {
+  std::size_t operator()(const MapPoint& p) const {
+    const std::uint64_t x = std::bit_cast<std::uint64_t>(p.x), y = std::bit_cast<std::uint64_t>(p.y);
+    return static_cast<std::size_t>((x * 0x9E3779B97F4A7C15U) ^ (y + (x >> 29U)));
+  }
+};
+
+/// Which domains have a corner in common with another one.  Such corners are copied, and so equal to the last
+/// digit.
+std::unordered_set<Pid> DomainsWithSharedCorner(const VertexChains& chains) {
+  std::unordered_map<MapPoint, Pid, PlaceHash> owner;
+  std::unordered_set<Pid> shared;
+  for (const VertexChains::Chain& chain : chains.chains())
+    for (const MapPoint& point : chains.Points(chain)) {
+      const auto [it, fresh] = owner.try_emplace(point, chain.pid);
+      if (fresh || it->second == chain.pid) continue;
+      shared.insert(it->second);
+      shared.insert(chain.pid);
+    }
+  return shared;
+}
+
+void DrawDomain(const MapCanvas& canvas, std::span<const MapPoint> points, Color color, bool shared,
+                DrawMode mode) {
+  DrawRing(canvas, points, 1.0, ColorOfMode(mode, color));
+  const bool asked = canvas.ormel.menus.Checked("ShowVertices", kInhomogeneityVertices);
+  const bool digitizing = canvas.ormel.mouse.MouseMode == MouseMode::kDigitize;
+  if (asked && (mode == DrawMode::kSelected || shared || digitizing))
+    MarkVertices(canvas, points, mode == DrawMode::kErase ? kMapBackground : Rgb(128, 128, 128), 2.0);
+  if (mode == DrawMode::kSelected) MarkVertices(canvas, points, QBColor(0), 1.0);
+}
+
+void DrawFluxLine(const MapCanvas& canvas, std::span<const MapPoint> points, DrawMode mode) {
+  canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, 1.0, ColorOfMode(mode, QBColor(5)));
+  MarkVertices(canvas, points, mode == DrawMode::kErase ? kMapBackground : QBColor(0), 1.0);
+}
+
+void DrawCapzone(const MapCanvas& canvas, std::span<const MapPoint> points, DrawMode mode, bool vertices) {
+  if (points.empty()) return;
+  const Color color = ColorOfMode(mode, QBColor(9));
+  canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, 1.0, color);
+  if (mode == DrawMode::kSelected) MarkVertices(canvas, points, QBColor(0), 1.0);
+  if (mode == DrawMode::kErase) MarkVertices(canvas, points, color, 1.0);
+  if (vertices) MarkVertices(canvas, points, color, 1.5);
+}
+
+}  // namespace
+
+void ElemDrawAllLinesinks(const MapCanvas& canvas) {
+  const Named named(canvas.ormel, "ElemDrawAllLinesinks");
+  const VertexChains chains(canvas.ormel.db(), "LinesinkStrings");
+  RowReader rows(canvas.ormel.db(), "select PID,HeadSpecified,Drain,FarField from LinesinkStrings");
+  while (rows.Next())
+    DrawLinesink(canvas, chains.Of(rows.Long(0)), LinesinkColor(rows.Bool(1), rows.Bool(2), rows.Bool(3)),
+                 DrawMode::kNormal);
+}
+
+void ElemDrawLinesinkString(const MapCanvas& canvas, Pid pid, DrawMode mode) {
+  const Named named(canvas.ormel, "ElemDrawLinesinkString");
+  RowReader rows(canvas.ormel.db(), "select HeadSpecified,Drain,FarField from LinesinkStrings where PID=?",
+                 {pid});
+  if (!rows.Next()) return;
+  DrawLinesink(canvas, ChainOf(canvas.ormel.db(), pid),
+               LinesinkColor(rows.Bool(0), rows.Bool(1), rows.Bool(2)), mode);
+}
+
+void ElemDrawAllNoFlow(const MapCanvas& canvas) {
+  const Named named(canvas.ormel, "ElemDrawAllNoFlow");
+  const VertexChains chains(canvas.ormel.db(), "NoFlowStrings");
+  RowReader rows(canvas.ormel.db(), "select PID,Closed,Color from NoFlowStrings");
+  while (rows.Next())
+    DrawBarrier(canvas, chains.Of(rows.Long(0)), rows.Bool(1), {static_cast<std::int32_t>(rows.Long(2))},
+                DrawMode::kNormal);
+}
+
+void ElemDrawNoFlowString(const MapCanvas& canvas, Pid pid, bool closed, Color color, DrawMode mode) {
+  const Named named(canvas.ormel, "ElemDrawNoFlowString");
+  DrawBarrier(canvas, ChainOf(canvas.ormel.db(), pid), closed, color, mode);
+}
+
+void ElemDrawAllInhos(const MapCanvas& canvas) {
+  const Named named(canvas.ormel, "ElemDrawAllInhos");
+  const VertexChains chains(canvas.ormel.db(), "Inhomogeneities");
+  const std::unordered_set<Pid> shared = DomainsWithSharedCorner(chains);
+  RowReader rows(canvas.ormel.db(), "select PID,Color from Inhomogeneities");
+  while (rows.Next())
+    DrawDomain(canvas, chains.Of(rows.Long(0)), {static_cast<std::int32_t>(rows.Long(1))},
+               shared.count(rows.Long(0)) != 0, DrawMode::kNormal);
+}
+
+void ElemDrawInho(const MapCanvas& canvas, Pid pid, Color color, DrawMode mode) {
+  const Named named(canvas.ormel, "ElemDrawInho");
+  const bool asked = canvas.ormel.menus.Checked("ShowVertices", kInhomogeneityVertices);
+  bool shared = false;
+  if (asked) {
+    RowReader rows(canvas.ormel.db(),
+                   "select count(*) from Vertices as a, Vertices as b where a.PID=? and b.X=a.X and b.Y=a.Y "
+                   "and b.PID<>a.PID and b.PID in (select PID from Inhomogeneities)",
+                   {pid});
+    shared = rows.Next() && rows.Long(0) > 0;
+  }
+  DrawDomain(canvas, ChainOf(canvas.ormel.db(), pid), color, shared, mode);
+}
+
+void ModelDrawAllFluxInspect(const MapCanvas& canvas) {
+  const Named named(canvas.ormel, "ModelDrawAllFluxInspect");
+  const VertexChains chains(canvas.ormel.db(), "FluxInspect");
+  RowReader rows(canvas.ormel.db(), "select PID from FluxInspect");
+  while (rows.Next()) DrawFluxLine(canvas, chains.Of(rows.Long(0)), DrawMode::kNormal);
+}
+
+void ModelDrawFluxInspect(const MapCanvas& canvas, Pid pid, DrawMode mode) {
+  const Named named(canvas.ormel, "ModelDrawFluxInspect");
+  DrawFluxLine(canvas, ChainOf(canvas.ormel.db(), pid), mode);
+}
+
+void ModelDrawAllCapzones(const MapCanvas& canvas) {
+  const Named named(canvas.ormel, "ModelDrawAllCapzones");
+  if (!canvas.ormel.menus.Checked("layermenu", kLayerWhpas)) return;
+  const VertexChains chains(canvas.ormel.db(), "Capzones");
+  RowReader rows(canvas.ormel.db(), "select PID from Capzones");
+  while (rows.Next()) DrawCapzone(canvas, chains.Of(rows.Long(0)), DrawMode::kNormal, false);
+}
+
+void ModelDrawCapzone(const MapCanvas& canvas, Pid pid, DrawMode mode, bool vertices) {
+  const Named named(canvas.ormel, "ModelDrawCapzone");
+  DrawCapzone(canvas, ChainOf(canvas.ormel.db(), pid), mode, vertices);
+}
+
+}  // namespace ormel

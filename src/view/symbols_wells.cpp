@@ -1,0 +1,99 @@
+#include <algorithm>
+#include <string>
+#include <unordered_map>
+
+#include "core/command.h"
+#include "core/coordinates.h"
+#include "core/ormel.h"
+#include "store/bulk.h"
+#include "store/database.h"
+#include "text/masks.h"
+#include "text/strings.h"
+#include "view/symbols.h"
+#include "view/vg_gdi.h"
+
+namespace ormel {
+namespace {
+
+/// A computed head below this says that the well has fallen dry [computation length].
+constexpr double kDryHead = -1000.0;
+constexpr std::string_view kMirrorPrefix = "Mirror_";
+
+Color WellColor(DrawMode mode) {
+  if (mode == DrawMode::kDryWell) return QBColor(10);
+  if (mode == DrawMode::kImageWell) return Rgb(170, 170, 170);
+  return ColorOfMode(mode, QBColor(5));
+}
+
+void DrawWellSymbol(const MapCanvas& canvas, MapPoint at, double setback, double radius, DrawMode mode) {
+  const double to_map = 1.0 / BasemapConvert(canvas.ormel);
+  const Color color = WellColor(mode);
+  if (setback > 0.0) canvas.vg.vgGDICircle(at, setback * to_map, PenStyle::kSolid, 1.0, color);
+  const double smallest = kSmallestWell * canvas.vg.vgGDIPixelSize();
+  canvas.vg.vgGDICircle(at, std::max(radius * to_map, smallest), PenStyle::kSolid, 1.0, color);
+}
+
+void DrawWellLabel(const MapCanvas& canvas, MapPoint at, std::string_view label) {
+  const MapRect window = canvas.vg.World();
+  const MapPoint place{at.x + 0.015 * window.Width(), at.y - 0.005 * window.Height()};
+  canvas.vg.vgGDItext(label, place, {.font = "Verdana", .size = 10, .bold = true, .color = Rgb(0, 0, 255)});
+}
+
+bool LabelsShown(const MapCanvas& canvas, DrawMode mode) {
+  return mode != DrawMode::kErase && canvas.ormel.menus.Checked("ShowWellLabels");
+}
+
+/// Deck labels of the wells that the last solve found dry.
+class DryWells {
+ public:
+  explicit DryWells(Ormel& ormel) : mask_("000000") {
+    if (!ormel.solution.ValidSolution) return;
+    RowReader rows(ormel.db(), "select VadoxLabel,Head from WLResults");
+    // The first row of a label counts, as a search for it would find that one.
+    while (rows.Next()) dry_.try_emplace(std::string(rows.Text(0)), rows.Double(1) < kDryHead);
+  }
+  bool Holds(Vid vid) const {
+    if (dry_.empty()) return false;
+    const auto it = dry_.find("WL_" + mask_.Format(static_cast<double>(vid)));
+    return it != dry_.end() && it->second;
+  }
+
+ private:
+  NumberMask mask_;
+  std::unordered_map<std::string, bool> dry_;
+};
+
+DrawMode ModeOfWell(const DryWells& dry, Vid vid, std::string_view label) {
+  if (StartsWithNoCase(label, kMirrorPrefix)) return DrawMode::kImageWell;
+  return dry.Holds(vid) ? DrawMode::kDryWell : DrawMode::kNormal;
+}
+
+}  // namespace
+
+void ElemDrawAllWells(const MapCanvas& canvas) {
+  const Named named(canvas.ormel, "ElemDrawAllWells");
+  const DryWells dry(canvas.ormel);
+  const bool labels = LabelsShown(canvas, DrawMode::kNormal);
+  RowReader rows(canvas.ormel.db(),
+                 "select Wells.VID,Vertices.X,Vertices.Y,Wells.Setback,Wells.Radius,Wells.Label "
+                 "from Wells,Vertices where Wells.VID=Vertices.VID order by Wells.VID");
+  while (rows.Next()) {
+    const MapPoint at{rows.Double(1), rows.Double(2)};
+    if (labels) DrawWellLabel(canvas, at, rows.Text(5));
+    DrawWellSymbol(canvas, at, rows.Double(3), rows.Double(4), ModeOfWell(dry, rows.Long(0), rows.Text(5)));
+  }
+}
+
+void ElemDrawWell(const MapCanvas& canvas, MapPoint at, double setback, double radius, DrawMode mode) {
+  const Named named(canvas.ormel, "ElemDrawWell");
+  if (LabelsShown(canvas, mode)) {
+    RowReader rows(canvas.ormel.db(),
+                   "select Wells.Label from Vertices,Wells where Vertices.X=? and Vertices.Y=? and "
+                   "Wells.VID=Vertices.VID",
+                   {at.x, at.y});
+    if (rows.Next()) DrawWellLabel(canvas, at, rows.Text(0));
+  }
+  DrawWellSymbol(canvas, at, setback, radius, mode);
+}
+
+}  // namespace ormel
