@@ -68,6 +68,9 @@ class PathTracer {
   void Accept(const Trial& trial, double days);
   void FieldEnds(const Trial& trial, double days);
   Event EventOf(const Trial& trial) const;
+  Event EventOnTangent(double days) const {
+    return detail::FirstEvent(field_, options_, mover_.direction(), place_, motion_.Move(place_, days));
+  }
   void Meet(const Event& event, double days);
   void Arrive(const Event& event, const Motion& motion, double days);
   void CrossLine(const Crossing& crossing, const Motion& motion);
@@ -208,8 +211,13 @@ void PathTracer::Advance() {
     next_ = days * std::max(0.2, 0.95 * options_.step / length);
     return;
   }
-  const Event event = EventOf(trial);
-  if (event.kind != EventKind::kNone) return Meet(event, days * event.fraction);
+  if (const Event event = EventOf(trial); event.kind != EventKind::kNone) {
+    // A bad step says that something is ahead but not where; the tangent does.
+    const Event ahead = trial.error > 1.0 ? EventOnTangent(days) : event;
+    if (ahead.kind != EventKind::kNone) return Meet(ahead, days * ahead.fraction);
+    next_ = 0.25 * days;
+    return;
+  }
   const double factor = trial.error > 0.0 ? std::clamp(0.9 * std::pow(trial.error, -0.2), 0.2, 5.0) : 5.0;
   // Near the tip of an element no step is short enough for the error bound: a tiny one is taken as it is.
   const bool tiny = speed * days < kTiny * options_.step && std::fabs(motion_.ds) * days < kTiny;
@@ -240,8 +248,7 @@ Event PathTracer::EventOf(const Trial& trial) const {
 /// The step led to where there is no flow: up to something on the way, or by shorter steps to the last wet
 /// place.
 void PathTracer::FieldEnds(const Trial& trial, double days) {
-  const Event event =
-      detail::FirstEvent(field_, options_, mover_.direction(), place_, motion_.Move(place_, days));
+  const Event event = EventOnTangent(days);
   if (event.kind != EventKind::kNone) return Meet(event, days * event.fraction);
   if (std::abs(motion_.v) * days < kTiny * options_.step) return EndWithoutField(trial.failed);
   next_ = 0.25 * days;
