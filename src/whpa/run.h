@@ -1,0 +1,22 @@
+// The reverse-tracing run of the protection areas: a small stand-alone model of their wells.
+#pragma once
+
+#include <string>
+
+namespace ormel {
+
+struct Ormel;
+class TextFileWriter;
+
+/// The present stem of the run's files (`WHPAText` of the first row); empty when there is none.
+std::string WhpaStem(Ormel& ormel);
+
+/// Writes the deck: one aquifer in uniform flow, a reference point, the areas' wells and their images, and
+/// the trace.  Needs the extents of ModelCheckExtents.
+void WriteWhpaDeck(Ormel& ormel, TextFileWriter& deck, const std::string& stem);
+
+/// Writes the deck, runs the solver and the contour program on it, and draws the areas.  The model's own
+/// files and results stay as they are.
+void ModelRunWHPAs(Ormel& ormel);
+
+}  // namespace ormel
