@@ -5,6 +5,7 @@
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/wells.h"
 #include "solver/outside_programs.h"
 #include "store/bulk.h"
 #include "store/database.h"
@@ -12,8 +13,6 @@
 
 namespace ormel {
 namespace {
-
-constexpr std::string_view kImagePrefix = "Mirror_";
 
 std::string Where(std::string_view condition) {
   return condition.empty() ? std::string() : " where " + std::string(condition);
@@ -29,7 +28,7 @@ std::vector<WhpaWell> EligibleWells(Ormel& ormel) {
       "and Transient=0 order by Label");
   std::vector<WhpaWell> wells;
   while (rows.Next()) {
-    if (rows.Text(0).starts_with(kImagePrefix)) continue;
+    if (IsMirror(rows.Text(0))) continue;
     wells.push_back({std::string(rows.Text(0)),
                      rows.Long(1),
                      {rows.Double(2), rows.Double(3)},
@@ -89,8 +88,7 @@ void RemoveWhpaRows(Ormel& ormel, std::string_view where, bool keep_files) {
   }
   if (!keep_files && !doomed.empty() && doomed.front().pathlines) DeleteRunFiles(ormel, doomed.front().stem);
   for (const Doomed& row : doomed) {
-    // An image's label holds the first 57 characters of its well's.
-    const std::string image = std::string(kImagePrefix) + std::string(TextLeft(row.well, 57));
+    const std::string image = MirrorLabel(row.well);
     ormel.db().Execute("delete from Vertices where VID in (select VID from Wells where Label=?)", {image});
     ormel.db().Execute("delete from Wells where Label=?", {image});
   }

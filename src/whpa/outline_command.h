@@ -1,0 +1,56 @@
+// The command "Outline Capture Zone...": capture zone polygons from the solved model.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/form.h"
+
+namespace ormel {
+
+inline constexpr double kDaysPerYear = 365.0;
+
+/// A well of the solved model that takes water, by its discharge in the results.
+struct CaptureWell {
+  std::string label;
+  Vid vid = -1;
+  MapPoint at;
+  double radius = 0.0;     ///< [computation length]
+  double discharge = 0.0;  ///< [L3/d]
+};
+
+/// Pumping wells of the last solve, by label; images and ponds left out.
+std::vector<CaptureWell> CaptureWells(Ormel& ormel);
+
+struct OutlineRequest {
+  std::vector<CaptureWell> wells;
+  std::vector<double> years{2, 5, 10};
+  double tolerance = 0.002;  ///< in parts of a zone's diagonal
+};
+
+/// Traces and stores one capture zone polygon a well and time, with the label "<well> <n> years"; one of the
+/// same label is replaced.  Gives the number stored.  Cancelled or failed, the zones of whole wells stay.
+int OutlineCaptureZones(Ormel& ormel, const OutlineRequest& request);
+
+/// "Outline Capture Zone": the wells, times and tolerance.
+class OutlineCaptureZoneForm : public Form {
+ public:
+  OutlineCaptureZoneForm(Ormel& ormel, std::vector<CaptureWell> wells);
+  std::string Title() const override { return "Outline Capture Zone"; }
+  std::string_view Name() const override { return "OutlineCaptureZone"; }
+  std::span<const ControlSpec> Controls() const override;
+  OutlineRequest Request() const;
+
+ protected:
+  void Pressed(std::string_view name) override;
+
+ private:
+  std::vector<double> Years() const;
+  bool Check();
+  std::vector<CaptureWell> wells_;
+};
+
+/// The menu command: form, traces, redraw.
+void OutlineCaptureZone(Ormel& ormel);
+
+}  // namespace ormel
