@@ -191,8 +191,6 @@ void StoreZone(Ormel& ormel, const std::string& label, const std::vector<ModelPo
   std::vector<MapPoint> points;
   points.reserve(ring.size());
   for (const ModelPoint& point : ring) points.push_back(MToW(ormel, point));
-  // A capture zone closes by its last vertex, which repeats the first.
-  points.push_back(points.front());
   const Pid pid = AddPolygonWithVertices(ormel, true, points);
   ormel.db().Execute("insert into Capzones (Label,PID) values (?,?)", {label, pid});
 }
