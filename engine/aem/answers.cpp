@@ -1,0 +1,187 @@
+#include "aem/answers.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "aem/strings.h"
+
+namespace aem::detail {
+
+namespace {
+
+double HeadOrNone(const System& s, Complex at) {
+  return s.State(at).head;
+}
+
+struct Range {
+  double low = 1e300, high = -1e300;
+  void Add(double head) {
+    if (head == kNotSet) return;
+    low = std::min(low, head);
+    high = std::max(high, head);
+  }
+};
+
+}  // namespace
+
+double HeadRange(const System& s) {
+  if (s.refused) return 0.0;
+  Range range;
+  for (const WellSource& w : s.wells) range.Add(HeadOrNone(s, w.at));
+  for (const LineSinkString& string : s.model.line_sinks) {
+    if (string.kind == LineSinkKind::kDischarge) continue;
+    for (const LineSinkSegment& g : string.segments) range.Add(g.value);
+  }
+  for (const SinkDisk& d : s.model.disks) range.Add(HeadOrNone(s, d.at));
+  Box box;
+  const Window& w = s.model.layout;
+  if (w.set) {
+    box.Add({w.left, w.bottom});
+    box.Add({w.right, w.top});
+  } else {
+    box = s.extent;
+  }
+  for (int i = 0; i <= 4; ++i)
+    for (int j = 0; j <= 4; ++j)
+      range.Add(HeadOrNone(
+          s, {box.left + 0.25 * i * (box.right - box.left), box.bottom + 0.25 * j * (box.top - box.bottom)}));
+  return range.high > range.low ? range.high - range.low : 0.0;
+}
+
+std::vector<WellResult> WellResults(const System& s) {
+  std::vector<WellResult> results(s.wells.size());
+  if (s.refused) return results;
+  ParallelFor(s.options.threads, results.size(), [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) {
+      const PointState state = s.State(s.wells[i].at);
+      results[i] = {s.wells[i].discharge, state.head,
+                    s.model.wells[i].by_head ? s.model.wells[i].value : kNotSet,
+                    state.status == PointStatus::kDry};
+    }
+  });
+  return results;
+}
+
+std::vector<DiskResult> DiskResults(const System& s) {
+  std::vector<DiskResult> results;
+  if (s.refused) return results;
+  for (const DiskSource& d : s.disks)
+    results.push_back({d.rate, d.rate * M_PI * d.radius * d.radius, HeadOrNone(s, d.at)});
+  return results;
+}
+
+double SegmentDischarge(const System& s, int string, int segment) {
+  double sum = 0.0;
+  for (int p : s.segment_pieces[string][segment]) sum += 0.5 * s.pieces[p].Length() * s.moments[p][0];
+  return sum;
+}
+
+double PieceHeadError(const System& s, int p, const Stage& stage) {
+  const Piece& piece = s.pieces[p];
+  const PieceOwner& o = s.owners[p];
+  double worst = 0.0;
+  for (int i = 1; i < 10; ++i) {
+    const double parameter = piece.tip ? 0.1 * i : -1.0 + 0.2 * i + 0.03;
+    const double x = PositionOf(piece, parameter);
+    const Complex toward = piece.Direction() * Complex{0.0, 1.0};
+    const PointState state = s.State(piece.Global(x), toward);
+    const double given = stage.At(o.segment, o.start + 0.5 * (1.0 + x) * (o.end - o.start));
+    const double head = s.ZoneAt(piece.Global(x), toward).Head(state.potential);
+    worst = std::max(worst, std::abs(head - given));
+  }
+  return worst;
+}
+
+std::vector<StringResult> StringResults(const System& s) {
+  std::vector<StringResult> results(s.model.line_sinks.size());
+  if (s.refused) return results;
+  for (std::size_t k = 0; k < results.size(); ++k) {
+    const LineSinkString& string = s.model.line_sinks[k];
+    const Stage stage(string, s.tolerance);
+    results[k].segments.resize(string.segments.size());
+    ParallelFor(s.options.threads, string.segments.size(), [&](std::size_t begin, std::size_t end) {
+      for (std::size_t i = begin; i < end; ++i) {
+        const LineSinkSegment& g = string.segments[i];
+        SegmentResult& r = results[k].segments[i];
+        r.discharge = SegmentDischarge(s, int(k), int(i));
+        const double length = std::abs(g.to - g.from);
+        r.density = length > 0.0 ? r.discharge / length : 0.0;
+        r.calculated_head = HeadOrNone(s, 0.5 * (g.from + g.to));
+        if (string.kind == LineSinkKind::kDischarge) continue;
+        r.specified_head = g.value;
+        r.width = string.width;
+        if (!Resists(string))
+          for (int p : s.segment_pieces[k][i]) r.error = std::max(r.error, PieceHeadError(s, p, stage));
+      }
+    });
+    for (const SegmentResult& r : results[k].segments) results[k].discharge += r.discharge;
+  }
+  return results;
+}
+
+namespace {
+
+/// Jump (left minus right of a to b) and head difference at a position of the side.
+struct Across {
+  double jump = 0.0, head = 0.0, factor = 0.0;
+};
+
+Across AcrossAt(const System& s, Complex a, Complex b, double position) {
+  Across result;
+  const Complex p = a + position * (b - a);
+  const int e = s.EdgeAt(p);
+  if (e < 0) return result;
+  const JumpEdge& edge = s.edges[e];
+  const bool along = Dot(edge.to - edge.from, b - a) > 0.0;
+  const Complex toward = (edge.to - edge.from) * Complex{0.0, 1.0};
+  const double left = s.Field(p, toward).omega.real(), right = s.Field(p, -toward).omega.real();
+  const double sign = along ? 1.0 : -1.0;
+  result.jump = sign * (left - right);
+  result.head = sign * (edge.left.Head(left) - edge.right.Head(right));
+  result.factor = sign * (edge.left.conductivity - edge.right.conductivity) /
+                  (edge.left.conductivity + edge.right.conductivity);
+  return result;
+}
+
+}  // namespace
+
+std::vector<DomainResult> DomainResults(const System& s) {
+  std::vector<DomainResult> results(s.model.domains.size());
+  if (s.refused) return results;
+  for (std::size_t d = 0; d < results.size(); ++d) {
+    DomainResult& r = results[d];
+    const std::vector<LabelledPoint>& ring = s.model.domains[d].ring;
+    const double area = SignedArea(s.rings[d]);
+    const double inside = area >= 0.0 ? 1.0 : -1.0;  // left of the ring is inside when counter-clockwise
+    r.area = std::abs(area);
+    r.recharge_sink = s.model.domains[d].recharge_sink;
+    const std::size_t n = ring.size();
+    double total = 0.0, length = 0.0;
+    for (std::size_t i = 0; i < n; ++i) {
+      const Complex a = ring[i].at, b = ring[(i + 1) % n].at;
+      DomainVertexResult v;
+      v.node = a;
+      v.centre = 0.5 * (a + b);
+      const double near = 1e-3;
+      const Across node = AcrossAt(s, a, b, near), end = AcrossAt(s, a, b, 1.0 - near),
+                   middle = AcrossAt(s, a, b, 0.5);
+      v.jump_node = inside * node.jump;
+      v.jump_parabolic = inside * (middle.jump - 0.5 * (node.jump + end.jump));
+      v.factor = inside * middle.factor;
+      v.delta_node = inside * node.head;
+      v.delta_centre = inside * middle.head;
+      total += std::abs(b - a) * inside * (node.jump + 4.0 * middle.jump + end.jump) / 6.0;
+      length += std::abs(b - a);
+      r.vertices.push_back(v);
+    }
+    r.mean_jump = length > 0.0 ? total / length : 0.0;
+    const Complex a = ring[0].at, b = ring[1 % n].at;
+    const Zone zone = s.zones.At(0.5 * (a + b) + 1e-5 * inside * (b - a) * Complex{0.0, 1.0});
+    r.conductivity = zone.conductivity;
+    r.base = zone.base;
+    r.porosity = zone.porosity;
+  }
+  return results;
+}
+
+}  // namespace aem::detail

@@ -1,0 +1,36 @@
+// What a solved system says about its elements; declared for Solution, which documents it.
+#pragma once
+
+#include "aem/system.h"
+
+namespace aem::detail {
+
+class Stage;
+
+double HeadRange(const System& s);
+
+// places.cpp
+SinkHit NearestSink(const System& s, Complex point, double distance);
+Crossing FirstCrossing(const System& s, Complex from, Complex to);
+double SinkDensity(const System& s, int string, int segment, double position);
+bool Percolates(const System& s, int string, int segment, double position);
+
+// answers.cpp
+std::vector<WellResult> WellResults(const System& s);
+std::vector<DiskResult> DiskResults(const System& s);
+std::vector<StringResult> StringResults(const System& s);
+double SegmentDischarge(const System& s, int string, int segment);
+/// Largest difference between calculated head and stage at points of the piece that are no control points
+/// [L].
+double PieceHeadError(const System& s, int piece, const Stage& stage);
+std::vector<DomainResult> DomainResults(const System& s);
+
+// flux.cpp
+/// Flow across the straight line from its left to its right [L3/d].
+double Flux(const System& s, Complex from, Complex to);
+
+// check.cpp
+Checks Check(const System& s);
+Balance WaterBalance(const System& s);
+
+}  // namespace aem::detail

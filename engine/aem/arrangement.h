@@ -1,0 +1,34 @@
+// Rings of domains and walls cut at each other's vertices and crossings, so that every edge has one zone on
+// each side and carries one jump of the potential, however many rings and walls run along it.
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include "aem/geometry.h"
+
+namespace aem::detail {
+
+struct System;
+
+struct ArrangementEdge {
+  int from = -1, to = -1;  ///< nodes
+  int wall = -1;           ///< in the model, -1 none; the edge runs as the wall does
+  int domain = -1;         ///< one whose ring runs here, -1 none
+  int segment = -1;        ///< vertex of the wall, else of the domain, that the edge follows
+};
+
+struct Arrangement {
+  std::vector<Complex> nodes;
+  std::vector<ArrangementEdge> edges;
+};
+
+/// Fills System::rings with the domains' rings through the common nodes.  Vertices closer than the tolerance
+/// are one; a vertex that close to another's edge lies on it.
+Arrangement Arrange(System& system);
+
+/// Makes jump edges, their pieces, unknowns and control points where the zones differ or a wall runs.
+/// Pre: System::zones.
+void BuildJumps(System& system, const Arrangement& arrangement);
+
+}  // namespace aem::detail

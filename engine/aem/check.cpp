@@ -1,0 +1,102 @@
+// Errors between control points, and the water balance.
+#include <algorithm>
+#include <cmath>
+
+#include "aem/answers.h"
+#include "aem/strings.h"
+
+namespace aem::detail {
+
+namespace {
+
+void Worse(WorstError* worst, double value, const std::string& label) {
+  if (value <= worst->value) return;
+  worst->value = value;
+  worst->label = label;
+}
+
+void CheckStringHeads(const System& s, Checks* checks) {
+  for (std::size_t k = 0; k < s.model.line_sinks.size(); ++k) {
+    const LineSinkString& string = s.model.line_sinks[k];
+    if (string.kind == LineSinkKind::kDischarge || Resists(string)) continue;
+    const Stage stage(string, s.tolerance);
+    std::vector<double> errors(string.segments.size(), 0.0);
+    ParallelFor(s.options.threads, errors.size(), [&](std::size_t begin, std::size_t end) {
+      for (std::size_t i = begin; i < end; ++i)
+        for (int p : s.segment_pieces[k][i]) errors[i] = std::max(errors[i], PieceHeadError(s, p, stage));
+    });
+    for (std::size_t i = 0; i < errors.size(); ++i)
+      Worse(&checks->line_sink_head, errors[i], string.segments[i].origin.label);
+  }
+}
+
+void CheckEdges(const System& s, Checks* checks) {
+  std::vector<double> errors(s.edges.size(), 0.0);
+  ParallelFor(s.options.threads, errors.size(), [&](std::size_t begin, std::size_t end) {
+    for (std::size_t e = begin; e < end; ++e) {
+      const JumpEdge& edge = s.edges[e];
+      if (edge.wall >= 0) continue;
+      const Complex toward = (edge.to - edge.from) * Complex{0.0, 1.0};
+      for (int p : edge.pieces)
+        for (int i = 1; i < 10; ++i) {
+          const Piece& piece = s.pieces[p];
+          const Complex at = piece.Global(-1.0 + 0.2 * i + 0.03);
+          const double left = edge.left.Head(s.Field(at, toward).omega.real());
+          const double right = edge.right.Head(s.Field(at, -toward).omega.real());
+          errors[e] = std::max(errors[e], std::abs(left - right));
+        }
+    }
+  });
+  for (std::size_t e = 0; e < errors.size(); ++e)
+    if (s.edges[e].domain >= 0)
+      Worse(&checks->domain_head_jump, errors[e], s.model.domains[s.edges[e].domain].origin.label);
+}
+
+}  // namespace
+
+Checks Check(const System& s) {
+  Checks checks;
+  if (s.refused) return checks;
+  checks.head_range = HeadRange(s);
+  CheckStringHeads(s, &checks);
+  CheckEdges(s, &checks);
+  return checks;
+}
+
+Balance WaterBalance(const System& s) {
+  Balance b;
+  if (s.refused) return b;
+  double entering = 0.0;
+  const auto count = [&](double discharge, double* group) {
+    *group += discharge;
+    entering += std::max(0.0, -discharge);
+  };
+  for (const WellSource& w : s.wells) count(w.discharge, &b.wells);
+  for (const DiskSource& d : s.disks) count(d.rate * M_PI * d.radius * d.radius, &b.disks);
+  for (const AreaSource& a : s.areas) count(a.Rate() * a.Area(), &b.recharge);
+  for (std::size_t k = 0; k < s.model.line_sinks.size(); ++k) {
+    double* const groups[] = {&b.line_sinks_discharge, &b.line_sinks_head, &b.drains, &b.streams};
+    for (std::size_t i = 0; i < s.model.line_sinks[k].segments.size(); ++i)
+      count(SegmentDischarge(s, int(k), int(i)), groups[int(s.model.line_sinks[k].kind)]);
+  }
+  // Outside a circle around everything the flow is analytic: the trapezoidal rule converges geometrically.
+  Box box = s.extent;
+  const Complex centre = box.Middle();
+  const double radius = std::max(1.0, 2.0 * box.Diagonal());
+  constexpr int kPoints = 128;
+  std::vector<double> outward(kPoints);
+  ParallelFor(s.options.threads, kPoints, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) {
+      const Complex ray = std::polar(1.0, 2.0 * M_PI * double(i) / kPoints);
+      outward[i] = Dot(std::conj(s.Field(centre + radius * ray, {}).w), ray);
+    }
+  });
+  for (double q : outward) b.infinity += q * 2.0 * M_PI * radius / kPoints;
+  if (b.infinity < 0.0) entering -= b.infinity;
+  b.throughflow = entering;
+  b.error = b.wells + b.partial_wells + b.theis_wells + b.disks + b.line_sinks_discharge + b.line_sinks_head +
+            b.drains + b.streams + b.recharge + b.infinity;
+  return b;
+}
+
+}  // namespace aem::detail

@@ -1,0 +1,108 @@
+// Potential and discharge at a point.
+#include <atomic>
+#include <cmath>
+#include <thread>
+
+#include "aem/system.h"
+
+namespace aem::detail {
+
+namespace {
+
+Side SideOf(const Piece& piece, Complex toward) {
+  if (toward == Complex{}) return piece.kind == PieceKind::kDoublet ? Side::kLeft : Side::kMean;
+  return Cross(piece.to - piece.from, toward) > 0.0 ? Side::kLeft : Side::kRight;
+}
+
+}  // namespace
+
+Flow System::Field(Complex at, Complex toward) const {
+  const Complex uniform = model.aquifer.uniform_flow;
+  Flow sum{x[0] - std::conj(uniform) * (at - origin), std::conj(uniform)};
+  for (const WellSource& w : wells) {
+    const Flow f = WellInfluence(w, at);
+    sum.omega += w.discharge * f.omega;
+    sum.w += w.discharge * f.w;
+  }
+  for (const DiskSource& d : disks) {
+    const Flow f = DiskInfluence(d, at);
+    sum.omega += d.rate * f.omega;
+    sum.w += d.rate * f.w;
+  }
+  for (const AreaSource& a : areas) {
+    const Flow f = a.Influence(at);
+    sum.omega += f.omega;
+    sum.w += f.w;
+  }
+  for (std::size_t p = 0; p < pieces.size(); ++p) {
+    const Flow f =
+        Evaluate(pieces[p], &coefficients[p * kMaxBasis], moments[p], at, SideOf(pieces[p], toward));
+    sum.omega += f.omega;
+    sum.w += f.w;
+  }
+  return sum;
+}
+
+int System::EdgeAt(Complex at) const {
+  if (edge_index.Empty()) return -1;
+  thread_local std::vector<int> found;
+  Box box;
+  box.Add(at);
+  edge_index.Find(box, &found);
+  for (int e : found) {
+    const Complex along = edges[e].to - edges[e].from;
+    const Complex local = (2.0 * at - edges[e].from - edges[e].to) / along;
+    if (std::abs(local.imag()) < 2e-12 && std::abs(local.real()) <= 1.0) return e;
+  }
+  return -1;
+}
+
+Zone System::ZoneAt(Complex at, Complex toward) const {
+  const int e = EdgeAt(at);
+  if (e < 0) return zones.At(at);
+  const Complex along = edges[e].to - edges[e].from;
+  const bool left = toward == Complex{} || Cross(along, toward) > 0.0;
+  return left ? edges[e].left : edges[e].right;
+}
+
+PointState System::State(Complex at, Complex toward) const {
+  PointState state;
+  if (refused) return state;
+  const int e = EdgeAt(at);
+  if (e >= 0 && toward == Complex{}) toward = (edges[e].to - edges[e].from) * Complex{0.0, 1.0};
+  const Zone zone = ZoneAt(at, toward);
+  const Flow flow = Field(at, toward);
+  state.potential = flow.omega.real();
+  state.discharge = std::conj(flow.w);
+  state.base = zone.base;
+  state.conductivity = zone.conductivity;
+  state.porosity = zone.porosity;
+  state.thickness = zone.Thickness(state.potential);
+  state.net_recharge = zones.Recharge(at);
+  for (const DiskSource& d : disks)
+    if (std::abs(at - d.at) < d.radius) state.net_recharge += d.rate;
+  state.status = state.potential > 0.0 ? PointStatus::kOk : PointStatus::kDry;
+  if (state.status == PointStatus::kOk) state.head = zone.Head(state.potential);
+  return state;
+}
+
+void ParallelFor(int threads, std::size_t count, const std::function<void(std::size_t, std::size_t)>& body) {
+  const std::size_t block = std::max<std::size_t>(1, std::min<std::size_t>(256, count / (4 * threads) + 1));
+  if (threads <= 1 || count <= block) {
+    body(0, count);
+    return;
+  }
+  std::atomic<std::size_t> next{0};
+  const auto work = [&] {
+    for (;;) {
+      const std::size_t begin = next.fetch_add(block);
+      if (begin >= count) return;
+      body(begin, std::min(count, begin + block));
+    }
+  };
+  std::vector<std::jthread> pool;
+  for (int t = 1; t < threads; ++t) pool.emplace_back(work);
+  work();
+}
+
+}  // namespace aem::detail

@@ -1,0 +1,41 @@
+#include "aem/grading.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace aem::detail {
+
+namespace {
+
+constexpr double kRatio = 0.2;  ///< each part towards a corner is this much of the one before
+
+/// Number of divisions that a corner asks for: the sharper, the stronger is its singularity.
+int Levels(EndShape e) {
+  if (e.tip) return 0;
+  const double turn = std::abs(e.turn);
+  if (turn < 0.03) return 0;
+  if (turn < 0.2) return 1;
+  if (turn < 0.7) return 2;
+  return 3;
+}
+
+}  // namespace
+
+std::vector<Part> Divide(EndShape start, EndShape end) {
+  const int left = Levels(start), right = Levels(end);
+  std::vector<double> cuts{0.0};
+  const bool both = (left > 0 || start.tip) && (right > 0 || end.tip);
+  const double reach_left = both ? 0.5 : 1.0, reach_right = both ? 0.5 : 1.0;
+  for (int k = left; k >= 1; --k) cuts.push_back(reach_left * std::pow(kRatio, k) * (both ? 1.0 : 1.5));
+  if (both) cuts.push_back(0.5);
+  for (int k = 1; k <= right; ++k)
+    cuts.push_back(1.0 - reach_right * std::pow(kRatio, k) * (both ? 1.0 : 1.5));
+  cuts.push_back(1.0);
+  std::vector<Part> parts;
+  for (std::size_t i = 0; i + 1 < cuts.size(); ++i) parts.push_back({cuts[i], cuts[i + 1], false, false});
+  parts.front().tip_at_start = start.tip;
+  parts.back().tip_at_end = end.tip;
+  return parts;
+}
+
+}  // namespace aem::detail

@@ -1,0 +1,183 @@
+// Line-doublets along domain edges and walls: pieces, unknowns, control points.
+//
+// The jump is continuous along edges, so that no end of a piece is a singular point: its unknowns are values
+// at nodes and bubbles P_{n+1} - P_{n-1} on pieces.  Where m edges meet, each of the m sectors between them
+// has its own level of the potential; jumps are differences of levels and one level is free, so m - 1
+// unknowns remain and the strengths sum to zero around the node.  One edge alone ends there: its jump is
+// zero.
+#include <algorithm>
+#include <cmath>
+
+#include "aem/arrangement.h"
+#include "aem/grading.h"
+#include "aem/system.h"
+
+namespace aem::detail {
+
+namespace {
+
+constexpr int kJumpSize = 4;
+constexpr int kJumpPoints = 7;
+
+/// A jump as a sum of unknowns.
+using Combination = std::vector<std::pair<int, double>>;
+
+struct Junction {
+  std::vector<std::pair<double, int>>
+      edges;  ///< angle at which it leaves, edge (negative - 1 where it arrives)
+};
+
+struct Ends {
+  Combination start, end;  ///< of each edge
+  EndShape start_shape, end_shape;
+};
+
+double TurnAt(const std::vector<std::pair<double, int>>& around, std::size_t i) {
+  if (around.size() != 2) return 1.5;
+  return std::abs(std::remainder(around[1 - i].first - around[i].first + M_PI, 2.0 * M_PI));
+}
+
+/// Levels of the sectors around a node become unknowns; every edge gets its jump there.
+void MakeNode(System& s, Junction* node, std::vector<Ends>* ends) {
+  auto& around = node->edges;
+  std::sort(around.begin(), around.end());
+  const std::size_t m = around.size();
+  std::vector<int> level(m, -1);
+  for (std::size_t i = 1; i < m; ++i) level[i] = s.NewUnknown();
+  for (std::size_t i = 0; i < m; ++i) {
+    // Sector i lies counter-clockwise of edge i: left of it, seen from the node.
+    const int left = level[i], right = level[(i + m - 1) % m];
+    const bool arrives = around[i].second < 0;
+    const int edge = arrives ? -around[i].second - 1 : around[i].second;
+    Combination jump;
+    const double sign = arrives ? -1.0 : 1.0;
+    if (left != right) {
+      if (left >= 0) jump.emplace_back(left, sign);
+      if (right >= 0) jump.emplace_back(right, -sign);
+    }
+    const EndShape shape{m == 1, m == 1 ? 0.0 : TurnAt(around, i)};
+    if (arrives) {
+      (*ends)[edge].end = jump;
+      (*ends)[edge].end_shape = shape;
+    } else {
+      (*ends)[edge].start = jump;
+      (*ends)[edge].start_shape = shape;
+    }
+  }
+}
+
+void AddTerm(std::vector<Term>* terms, int unknown, int n, double value) {
+  for (Term& t : *terms)
+    if (t.unknown == unknown) {
+      t.coefficient[n] += value;
+      return;
+    }
+  Term t;
+  t.unknown = unknown;
+  t.coefficient[n] = value;
+  terms->push_back(t);
+}
+
+/// Unknowns of a piece whose jump at `from` and `to` is given.
+void MakeTerms(System& s, int index, const Combination& at_from, const Combination& at_to, double sign) {
+  std::vector<Term>* terms = &s.terms[index];
+  const Piece& piece = s.pieces[index];
+  if (piece.tip) {
+    for (const auto& [unknown, factor] : at_from) AddTerm(terms, unknown, 0, sign * factor);
+  } else {
+    for (const auto& [unknown, factor] : at_from) {
+      AddTerm(terms, unknown, 0, 0.5 * sign * factor);
+      AddTerm(terms, unknown, 1, -0.5 * sign * factor);
+    }
+    for (const auto& [unknown, factor] : at_to) {
+      AddTerm(terms, unknown, 0, 0.5 * sign * factor);
+      AddTerm(terms, unknown, 1, 0.5 * sign * factor);
+    }
+  }
+  const int reach = piece.tip ? 1 : 2;
+  for (int n = reach; n < piece.size; ++n) {
+    const int bubble = s.NewUnknown();
+    AddTerm(terms, bubble, n, 1.0);
+    AddTerm(terms, bubble, n - reach, -1.0);
+  }
+}
+
+void AddControls(System& s, int index, bool reversed) {
+  const Piece& p = s.pieces[index];
+  const JumpEdge& edge = s.edges[s.owners[index].edge];
+  const GaussRule rule = Gauss(kJumpPoints);
+  for (int q = 0; q < rule.size; ++q) {
+    Control c;
+    c.parameter = p.tip ? 0.5 * (1.0 + rule.x[q]) : rule.x[q];
+    // Weights are those of the length: dX = 4U dU on a tip piece.
+    c.weight = 0.5 * p.Length() * rule.w[q] * (p.tip ? 2.0 * c.parameter : 1.0);
+    c.at = p.Global(PositionOf(p, c.parameter));
+    c.toward = p.Direction() * Complex{0.0, 1.0};
+    c.piece = index;
+    c.condition = edge.wall >= 0 ? Condition::kWall : Condition::kEdge;
+    c.zone = reversed ? edge.right : edge.left;
+    c.right = reversed ? edge.left : edge.right;
+    s.controls.push_back(c);
+  }
+}
+
+void MakePieces(System& s, int e, const Ends& ends) {
+  const Complex from = s.edges[e].from, to = s.edges[e].to;
+  const std::vector<Part> parts = Divide(ends.start_shape, ends.end_shape);
+  Combination at_start = ends.start;
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    const Part& part = parts[i];
+    Combination at_end = ends.end;
+    if (i + 1 < parts.size()) at_end = {{s.NewUnknown(), 1.0}};
+    const bool reversed = part.tip_at_start;
+    Piece piece;
+    piece.kind = PieceKind::kDoublet;
+    piece.size = kJumpSize;
+    piece.tip = part.tip_at_start || part.tip_at_end;
+    PieceOwner owner;
+    owner.edge = e;
+    owner.start = reversed ? part.end : part.start;
+    owner.end = reversed ? part.start : part.end;
+    piece.from = from + owner.start * (to - from);
+    piece.to = from + owner.end * (to - from);
+    const int index = s.AddPiece(piece, owner);
+    MakeTerms(s, index, reversed ? at_end : at_start, reversed ? at_start : at_end, reversed ? -1.0 : 1.0);
+    AddControls(s, index, reversed);
+    s.edges[e].pieces.push_back(index);
+    at_start = at_end;
+  }
+}
+
+}  // namespace
+
+void BuildJumps(System& s, const Arrangement& arrangement) {
+  std::vector<Junction> nodes(arrangement.nodes.size());
+  std::vector<std::pair<Complex, Complex>> lines;
+  for (const ArrangementEdge& e : arrangement.edges) {
+    JumpEdge edge;
+    edge.from = arrangement.nodes[e.from];
+    edge.to = arrangement.nodes[e.to];
+    edge.wall = e.wall;
+    edge.domain = e.domain;
+    edge.segment = e.segment;
+    const Complex middle = 0.5 * (edge.from + edge.to);
+    const Complex aside = 1e-5 * (edge.to - edge.from) * Complex{0.0, 1.0};
+    edge.left = s.zones.At(middle + aside);
+    edge.right = s.zones.At(middle - aside);
+    const bool differ = edge.left.conductivity != edge.right.conductivity || !edge.left.SameHeads(edge.right);
+    if (e.wall < 0 && !differ) continue;
+    const int index = int(s.edges.size());
+    const double leaving = std::arg(edge.to - edge.from);
+    nodes[e.from].edges.emplace_back(leaving, index);
+    nodes[e.to].edges.emplace_back(std::arg(edge.from - edge.to), -index - 1);
+    lines.emplace_back(edge.from, edge.to);
+    s.edges.push_back(std::move(edge));
+  }
+  std::vector<Ends> ends(s.edges.size());
+  for (Junction& node : nodes)
+    if (!node.edges.empty()) MakeNode(s, &node, &ends);
+  for (std::size_t e = 0; e < s.edges.size(); ++e) MakePieces(s, int(e), ends[e]);
+  s.edge_index = SegmentIndex(lines);
+}
+
+}  // namespace aem::detail

@@ -1,0 +1,76 @@
+#include "aem/linear.h"
+
+#include <lapacke.h>
+
+#include <algorithm>
+#include <cmath>
+
+extern "C" void openblas_set_num_threads(int threads);
+
+namespace aem::detail {
+
+namespace {
+
+constexpr std::size_t kThreadsPay = 700;  ///< unknowns from which a second thread helps
+
+void ScaleRows(std::vector<double>* matrix, std::vector<double>* right, std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i) {
+    double* row = matrix->data() + i * n;
+    double largest = 0.0;
+    for (std::size_t j = 0; j < n; ++j) largest = std::max(largest, std::abs(row[j]));
+    if (largest == 0.0) continue;
+    const double factor = 1.0 / largest;
+    for (std::size_t j = 0; j < n; ++j) row[j] *= factor;
+    (*right)[i] *= factor;
+  }
+}
+
+/// right - matrix x, and the largest entry relative to the size of its terms.
+double Residual(const std::vector<double>& matrix, const std::vector<double>& right,
+                const std::vector<double>& x, std::vector<double>* residual) {
+  const std::size_t n = right.size();
+  double worst = 0.0;
+  for (std::size_t i = 0; i < n; ++i) {
+    const double* row = matrix.data() + i * n;
+    double sum = right[i], size = std::abs(right[i]);
+    for (std::size_t j = 0; j < n; ++j) {
+      sum -= row[j] * x[j];
+      size += std::abs(row[j] * x[j]);
+    }
+    (*residual)[i] = sum;
+    if (!std::isfinite(sum)) return 2.0;
+    if (size > 0.0) worst = std::max(worst, std::abs(sum) / size);
+  }
+  return worst;
+}
+
+}  // namespace
+
+double SolveDense(std::vector<double>* matrix, std::vector<double>* right, std::size_t n, int threads) {
+  openblas_set_num_threads(n < kThreadsPay ? 1 : threads);
+  ScaleRows(matrix, right, n);
+  for (double v : *matrix)
+    if (!std::isfinite(v)) return 2.0;
+  // LAPACK sees the transpose of our rows; factor that and solve with the transpose.
+  std::vector<double> factors = *matrix;
+  std::vector<lapack_int> pivots(n);
+  const lapack_int size = lapack_int(n);
+  if (LAPACKE_dgetrf_work(LAPACK_COL_MAJOR, size, size, factors.data(), size, pivots.data()) != 0) return 1.0;
+  std::vector<double> x = *right, residual(n);
+  LAPACKE_dgetrs_work(LAPACK_COL_MAJOR, 'T', size, 1, factors.data(), size, pivots.data(), x.data(), size);
+  double worst = Residual(*matrix, *right, x, &residual);
+  for (int round = 0; round < 3 && worst > 1e-15 && worst < 1.0; ++round) {
+    LAPACKE_dgetrs_work(LAPACK_COL_MAJOR, 'T', size, 1, factors.data(), size, pivots.data(), residual.data(),
+                        size);
+    std::vector<double> better = x;
+    for (std::size_t i = 0; i < n; ++i) better[i] += residual[i];
+    const double now = Residual(*matrix, *right, better, &residual);
+    if (now >= worst) break;
+    x = better;
+    worst = now;
+  }
+  *right = x;
+  return worst;
+}
+
+}  // namespace aem::detail

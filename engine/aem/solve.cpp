@@ -1,0 +1,169 @@
+// The iteration: linearise, assemble, solve, look at what changed.
+#include <algorithm>
+#include <cmath>
+
+#include "aem/equations.h"
+#include "aem/linear.h"
+#include "aem/system.h"
+
+namespace aem::detail {
+
+namespace {
+
+constexpr double kHeadTolerance = 1e-9;  ///< change of head, relative to the range, that ends the iteration
+
+/// Influence of every unknown at every control point, held whole.
+class DenseField {
+ public:
+  explicit DenseField(const System& s) : s_(s), rows_(s.controls.size()), columns_(s.x.size()) {}
+
+  bool Assemble(const std::function<bool(double)>& go_on) {
+    matrix_.resize(rows_ * columns_);
+    given_.resize(rows_);
+    local_.resize(rows_);
+    System bare = Bare();
+    const std::size_t chunk = std::max<std::size_t>(64, rows_ / 16);
+    for (std::size_t start = 0; start < rows_; start += chunk) {
+      const std::size_t count = std::min(chunk, rows_ - start);
+      ParallelFor(s_.options.threads, count, [&](std::size_t begin, std::size_t end) {
+        for (std::size_t q = start + begin; q < start + end; ++q) {
+          InfluenceRow(s_, s_.controls[q], &matrix_[q * columns_]);
+          given_[q] = bare.Field(s_.controls[q].at, s_.controls[q].toward).omega.real();
+          local_[q] = LocalValues(s_, s_.controls[q]);
+        }
+      });
+      if (!go_on(double(start + count) / double(rows_))) return false;
+    }
+    return true;
+  }
+
+  void Values(const std::vector<double>& x, std::vector<double>* field, std::vector<double>* strength) const {
+    field->resize(rows_);
+    strength->resize(rows_);
+    for (std::size_t q = 0; q < rows_; ++q) {
+      double sum = given_[q], own = 0.0;
+      const double* row = &matrix_[q * columns_];
+      for (std::size_t j = 0; j < columns_; ++j) sum += row[j] * x[j];
+      for (int i = 0; i < local_[q].count; ++i) own += local_[q].value[i] * x[local_[q].unknown[i]];
+      (*field)[q] = sum;
+      (*strength)[q] = own;
+    }
+  }
+
+  double Solve(const std::vector<Linearised>& linear, std::vector<double>* x) const {
+    std::vector<double> matrix(columns_ * columns_, 0.0), right(columns_, 0.0);
+    std::vector<std::vector<std::pair<std::size_t, double>>> tests(columns_);
+    for (std::size_t q = 0; q < rows_; ++q)
+      for (int i = 0; i < local_[q].count; ++i)
+        tests[local_[q].unknown[i]].emplace_back(q, local_[q].value[i] * s_.controls[q].weight);
+    ParallelFor(s_.options.threads, columns_, [&](std::size_t begin, std::size_t end) {
+      for (std::size_t j = begin; j < end; ++j) {
+        double* out = &matrix[j * columns_];
+        for (const auto& [q, weight] : tests[j]) {
+          const Linearised& l = linear[q];
+          const double factor = weight * l.a;
+          const double* row = &matrix_[q * columns_];
+          if (factor != 0.0)
+            for (std::size_t i = 0; i < columns_; ++i) out[i] += factor * row[i];
+          for (int i = 0; i < local_[q].count; ++i)
+            out[local_[q].unknown[i]] += weight * l.b * local_[q].value[i];
+          right[j] += weight * (l.r - l.a * given_[q]);
+        }
+      }
+    });
+    const double residual = SolveDense(&matrix, &right, columns_, s_.options.threads);
+    if (residual < 1e-6) *x = right;
+    return residual;
+  }
+
+ private:
+  /// The system with every unknown at zero: what is given.
+  System Bare() const {
+    System bare = s_;
+    std::fill(bare.x.begin(), bare.x.end(), 0.0);
+    bare.SetCoefficients();
+    return bare;
+  }
+
+  const System& s_;
+  std::size_t rows_, columns_;
+  std::vector<double> matrix_, given_;
+  std::vector<LocalRow> local_;
+};
+
+double HeadAt(const Control& c, double field, double strength) {
+  return c.condition == Condition::kEdge || c.condition == Condition::kWall
+             ? c.zone.Head(field + 0.5 * strength)
+             : c.zone.Head(field);
+}
+
+}  // namespace
+
+IterationReport System::Iterate(int asked, const ProgressCallback& progress) {
+  IterationReport report;
+  if (refused) return report;
+  asked = std::max(1, asked);
+  bool depends = false;
+  for (const Control& c : controls) depends = depends || DependsOnHead(*this, c);
+  const auto tell = [&](double fraction, const char* what) {
+    return !progress || progress({report.iterations + 1, asked, fraction, report.change, what});
+  };
+  DenseField field(*this);
+  if (!field.Assemble([&](double part) { return tell(0.8 * part, "assembling"); })) {
+    report.cancelled = true;
+    return report;
+  }
+  std::vector<double> values, strengths, new_values, new_strengths;
+  field.Values(x, &values, &strengths);
+  const int limit = depends ? asked + options.extra_iterations : 1;
+  while (report.iterations < limit) {
+    std::vector<Linearised> linear;
+    linear.reserve(controls.size());
+    for (std::size_t q = 0; q < controls.size(); ++q)
+      linear.push_back(Linearise(*this, controls[q], values[q], strengths[q]));
+    if (!tell(0.85, "solving")) {
+      report.cancelled = true;
+      return report;
+    }
+    std::vector<double> next = x;
+    report.residual = field.Solve(linear, &next);
+    if (!(report.residual < 1e-6)) {
+      Add(Severity::kFatal, {},
+          "The system of equations has no single solution: look for elements that state two conditions at "
+          "one "
+          "place, or for a region without any given head.");
+      report.findings.push_back(findings.back());
+      return report;
+    }
+    field.Values(next, &new_values, &new_strengths);
+    double change = 0.0, low = 1e300, high = -1e300;
+    for (std::size_t q = 0; q < controls.size(); ++q) {
+      const double head = HeadAt(controls[q], new_values[q], new_strengths[q]);
+      change = std::max(change, std::abs(head - HeadAt(controls[q], values[q], strengths[q])));
+      low = std::min(low, head);
+      high = std::max(high, head);
+    }
+    x = next;
+    SetCoefficients();
+    values.swap(new_values);
+    strengths.swap(new_strengths);
+    ++report.iterations;
+    ++iterations_done;
+    report.change = change;
+    report.converged = !depends || change <= kHeadTolerance * std::max(high - low, 1e-3);
+    if (!tell(1.0, "iteration done")) {
+      report.cancelled = true;
+      break;
+    }
+    if (report.converged && report.iterations >= std::min(asked, depends ? asked : 1)) break;
+  }
+  converged = report.converged;
+  if (!report.converged && !report.cancelled) {
+    Add(Severity::kWarning, {},
+        "The iteration has not converged: heads still change.  Continue the solution with more iterations.");
+    report.findings.push_back(findings.back());
+  }
+  return report;
+}
+
+}  // namespace aem::detail

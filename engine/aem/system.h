@@ -1,0 +1,121 @@
+// The insides of a Solution: elements as arrays, unknowns, control points.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "aem/aquifer.h"
+#include "aem/piece.h"
+#include "aem/solution.h"
+#include "aem/sources.h"
+
+namespace aem::detail {
+
+/// Coefficients that an unknown gives to a piece: c_n += coefficient[n] * x[unknown].
+struct Term {
+  int unknown = -1;
+  std::array<double, kMaxBasis> coefficient{};
+};
+
+/// Where a piece comes from.  Sinks: a part of a segment.  Doublets: a part of an edge of the arrangement.
+struct PieceOwner {
+  int string = -1, segment = -1;  ///< of a sink
+  double start = 0.0, end = 1.0;  ///< position of the piece's `from` and `to` along that segment
+  int edge = -1;                  ///< of a doublet: index in System::edges
+};
+
+/// A straight edge that carries a jump of the potential: between zones, or a wall, or both.
+struct JumpEdge {
+  Complex from, to;
+  Zone left, right;
+  int wall = -1;                  ///< index in the model's walls, -1: a change of properties only
+  int domain = -1, segment = -1;  ///< a domain whose ring runs here (or the wall's), and its vertex before
+  std::vector<int> pieces;        ///< in order from `from` to `to`
+};
+
+enum class Condition : unsigned char {
+  kHead,        ///< potential of the given head
+  kResistance,  ///< flow through a bed
+  kEdge,        ///< one head on both sides
+  kWall,        ///< no flow, or flow by the difference in head
+};
+
+/// A control point: a * field + b * strength = r, moments of which make the equations.
+struct Control {
+  Complex at, toward;      ///< `toward`: on which side of elements through the point it lies, 0 if anywhere
+  int piece = -1;          ///< the piece that it belongs to
+  int unknown = -1;        ///< of an element that is no piece
+  double parameter = 0.0;  ///< on the piece
+  double weight = 1.0;
+  Condition condition = Condition::kHead;
+  double head = 0.0;  ///< given
+  Zone zone;          ///< at the point; for an edge that on the left
+  Zone right;         ///< for an edge that on the right
+};
+
+/// Potential and discharge from everything but what the caller adds.
+struct System {
+  Model model;
+  Options options;
+  std::vector<Finding> findings;
+  bool refused = false;
+  double time = 0.0;
+
+  Zones zones;
+  std::vector<std::vector<Complex>> rings;  ///< of the domains, cleaned
+  Box extent;                               ///< around all elements and the layout window
+  double tolerance = 0.0;                   ///< distance below which vertices are one [L]
+  Complex origin;                           ///< where uniform flow has potential 0
+
+  std::vector<WellSource> wells;  ///< the model's wells in order
+  std::vector<DiskSource> disks;
+  std::vector<AreaSource> areas;
+  std::vector<Piece> pieces;
+  std::vector<PieceOwner> owners;
+  std::vector<std::vector<Term>> terms;
+  std::vector<double> coefficients;  ///< kMaxBasis a piece
+  std::vector<Moments> moments;
+  std::vector<JumpEdge> edges;
+  SegmentIndex edge_index;                      ///< over edges
+  std::vector<std::pair<int, int>> segment_of;  ///< string and segment of each entry of segment_index
+  SegmentIndex segment_index;
+  std::vector<std::vector<std::vector<int>>> segment_pieces;  ///< [string][segment] in order
+
+  // unknowns; x[0] is the constant
+  std::vector<double> x;
+  std::vector<Control> controls;
+  std::vector<unsigned char> flags;  ///< states of conditions that switch, one a segment or piece
+  int iterations_done = 0;
+  bool converged = false;
+
+  explicit System(Model m, Options o);
+
+  void Add(Severity severity, const Origin& origin_of, std::string text);
+
+  // build.cpp
+  void Build();
+  int NewUnknown() {
+    x.push_back(0.0);
+    return int(x.size()) - 1;
+  }
+  int AddPiece(const Piece& piece, const PieceOwner& owner);
+  void SetCoefficients();  ///< from x
+
+  // field.cpp
+  /// Everything: omega with real part the potential, w = Qx - i Qy.
+  Flow Field(Complex at, Complex toward) const;
+  Zone ZoneAt(Complex at, Complex toward) const;
+  PointState State(Complex at, Complex toward = {}) const;
+  /// The edge through the point, -1 if none.
+  int EdgeAt(Complex at) const;
+
+  // solve.cpp
+  IterationReport Iterate(int asked, const ProgressCallback& progress);
+};
+
+/// Runs body(i) for i in [0, count) on up to `threads` threads, in blocks.
+void ParallelFor(int threads, std::size_t count, const std::function<void(std::size_t, std::size_t)>& body);
+
+}  // namespace aem::detail
