@@ -65,8 +65,8 @@ const Value& FieldRef::value() const {
   return std::as_const(recordset_).Get(index_);
 }
 
-void FieldRef::Set(Value value) const {
-  recordset_.Set(index_, std::move(value));
+void FieldRef::Set(const Value& value) const {
+  recordset_.Set(index_, value);
 }
 
 // --- Recordset ---
@@ -76,7 +76,7 @@ Recordset::~Recordset() = default;
 Recordset::Recordset(Recordset&&) noexcept = default;
 Recordset& Recordset::operator=(Recordset&&) noexcept = default;
 
-Recordset::Recordset(std::shared_ptr<Connection> connection, std::string_view sql,
+Recordset::Recordset(const std::shared_ptr<Connection>& connection, std::string_view sql,
                      std::vector<Value> parameters)
     : rows_(MakeRows(connection, sql, std::move(parameters))) {
   rows_->Open();
@@ -262,11 +262,11 @@ const Value& Recordset::Get(std::size_t index) const {
                    "The rows have no field at position " + std::to_string(index) + ".");
 }
 
-void Recordset::Set(std::string_view field, Value value) {
-  Set(FieldIndex(field), std::move(value));
+void Recordset::Set(std::string_view field, const Value& value) {
+  Set(FieldIndex(field), value);
 }
 
-void Recordset::Set(std::size_t index, Value value) {
+void Recordset::Set(std::size_t index, const Value& value) {
   if (editing_ == Editing::kNo) {
     throw StoreError(StoreErrorCode::kUpdateWithoutEdit,
                      "A field is to be changed without AddNew or Edit before it.");

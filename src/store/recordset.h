@@ -48,7 +48,7 @@ class FieldRef {
   std::int64_t AsLong() const { return value().AsLong(); }
   double AsDouble() const { return value().AsDouble(); }
   std::string AsText() const { return value().AsText(); }
-  void Set(Value value) const;
+  void Set(const Value& value) const;
 
  private:
   Recordset& recordset_;
@@ -64,7 +64,8 @@ struct Bookmark {
 class Recordset {
  public:
   Recordset();  // open on nothing
-  Recordset(std::shared_ptr<Connection> connection, std::string_view sql, std::vector<Value> parameters);
+  Recordset(const std::shared_ptr<Connection>& connection, std::string_view sql,
+            std::vector<Value> parameters);
   ~Recordset();
   Recordset(Recordset&&) noexcept;
   Recordset& operator=(Recordset&&) noexcept;
@@ -121,8 +122,8 @@ class Recordset {
   T Get(std::string_view field) const;  // double, std::int64_t, int, bool, std::string
   template <class T>
   T Get(std::size_t index) const;
-  void Set(std::string_view field, Value value);
-  void Set(std::size_t index, Value value);
+  void Set(std::string_view field, const Value& value);
+  void Set(std::size_t index, const Value& value);
   bool HasField(std::string_view field) const;
   std::size_t FieldCount() const;
   const std::string& FieldName(std::size_t index) const;

@@ -211,6 +211,21 @@ TEST(Schema, AFieldThatAnOlderFileLacksIsTold) {
       StoreErrorCode::kWrongType);
 }
 
+TEST(Schema, TheDocumentTellsEveryField) {
+  const std::string document = test::ReadAll(std::string(ORMEL_SOURCE_DIR) + "/docs/formats.md");
+  for (const schema::Table& table : schema::Tables()) {
+    std::string line;
+    for (const schema::Field& field : table.fields) {
+      line += (line.empty() ? "" : ", ") + std::string(field.name) + " " + schema::TypeName(field);
+      if (field.automatic) line += " automatic";
+      if (field.has_default)
+        line += "=" + (field.default_value.empty() ? "\"\"" : std::string(field.default_value));
+      if (!field.required) line += "?";
+    }
+    EXPECT_THAT(document, HasSubstr("| `" + std::string(table.name) + "` | " + line + " |"));
+  }
+}
+
 TEST(Schema, NothingHalfMadeIsLeft) {
   const test::TempDir folder;
   const std::string path = folder / "new.orm";
