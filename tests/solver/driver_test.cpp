@@ -1,0 +1,336 @@
+// The run: its decisions, its failures, and what is left of each.
+#include "solver/driver.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "model/model_settings.h"
+#include "solver/fixture_project.h"
+#include "text/files.h"
+
+namespace ormel::test {
+namespace {
+
+constexpr const char* kResults =
+    "! discharge specified wells\r\n 250.5,300,0.3,850,21.25,WL_000001\r\n"
+    "@ 111.12,222.22,1,.2,12.5,2,0,10,22.4,0,0,0,0,0,TP_000500\r\n";
+
+ProcessResult Ended(int exit_code = 0, int signal = 0) {
+  ProcessResult result;
+  result.started = true;
+  result.exit_code = exit_code;
+  result.signal = signal;
+  return result;
+}
+
+/// A solver that writes its files and a contour program that writes its own.
+struct SolverProject : FixtureProject {
+  SolverProject() {
+    InstallPrograms();
+    Run("update Model set ViewErrorLog=1, ViewMessageLog=1");
+    processes.on_run = [this](const ProcessRequest& request, const auto& line, const auto&) {
+      if (request.program.ends_with("CONTOUR.EXE")) {
+        WriteAll(dir / "town.CTR", "LEVEL 10\r\n");
+        return Ended();
+      }
+      line("PROGRESS 50 Solving");
+      line("something else");
+      return solve(request);
+    };
+    solve = [this](const ProcessRequest&) { return WriteResults(); };
+  }
+  ProcessResult WriteResults() {
+    for (const char* file : {"town.SOL", "town.GRD", "town.PTH"}) WriteAll(dir / file, "new");
+    WriteAll(dir / "town.XTR", kResults);
+    WriteAll(dir / "message.log", "solved\n");
+    WriteAll(dir / "error.log", "*\n");
+    return Ended();
+  }
+  /// A first solve, so that a solution stands.
+  void Solve() {
+    ModelRunVadox(ormel, {});
+    ASSERT_TRUE(ormel.solution.ValidSolution);
+    processes.requests.clear();
+    ui.viewed_files.clear();
+    ui.boxes.clear();
+    view.zooms.clear();
+  }
+  double WellHead() { return Number("select Head from WLResults where VadoxLabel='WL_000001'"); }
+
+  std::function<ProcessResult(const ProcessRequest&)> solve;
+};
+
+TEST(Driver, NewRunSolvesContoursLoadsAndShows) {
+  SolverProject p;
+  ModelRunVadox(p.ormel, {.AskFirst = true, .ZoomAfter = true, .ViewLogs = true});
+  EXPECT_TRUE(p.ui.boxes.empty()) << p.ui.LastText();
+  ASSERT_EQ(p.processes.requests.size(), 2U);
+  EXPECT_EQ(p.processes.requests[1].arguments, (std::vector<std::string>{"town", "10", "2.5", "30"}));
+  const SolutionState& s = p.ormel.solution;
+  EXPECT_TRUE(s.ValidSolution && s.GridValid && s.ContoursValid && s.PathlinesValid);
+  EXPECT_EQ(p.WellHead(), 21.25);
+  EXPECT_EQ(p.Number("select ModelHead from TPResults where VID=500"), 22.4);
+  EXPECT_EQ(p.ormel.note, "CURRENT");
+  EXPECT_EQ(p.ui.wait_texts.back(), "Computing contours...");
+  EXPECT_EQ(p.ui.wait_depth, 0);
+  EXPECT_EQ(p.ui.progress, std::vector<double>{0.5});
+  EXPECT_EQ(p.view.zooms, std::vector<Zoom>{Zoom::kRedraw});
+  EXPECT_TRUE(p.ormel.menus.Checked("layermenu", kLayerContours));
+  EXPECT_TRUE(p.ormel.menus.Enabled("RESULTS_TABLE"));
+  // The error log says nothing but its first line.
+  EXPECT_EQ(p.ui.viewed_files, std::vector<std::string>{p.dir / "message.log"});
+  for (const auto& entry : std::filesystem::directory_iterator(p.dir.path()))
+    EXPECT_EQ(entry.path().string().find(".before"), std::string::npos) << entry.path();
+}
+
+TEST(Driver, DecidesByStateRequestAndAnswer) {
+  const struct {
+    const char* name;
+    SolveRequest request;
+    bool solution, sol_file;
+    int prompt;  ///< button pressed, -1: no prompt expected
+    const char* deck;
+    bool logs;
+  } cases[] = {
+      {"keep", {.KeepSolution = true, .ViewLogs = true}, false, false, -1, "REGRID.DAT", true},
+      {"first solve", {.AskFirst = true, .ViewLogs = true}, false, false, -1, "town", true},
+      {"solution file gone", {.AskFirst = true, .ViewLogs = true}, true, false, -1, "REGRID.DAT", true},
+      {"asked, yes", {.AskFirst = true, .ViewLogs = true}, true, true, 0, "town", true},
+      {"asked, no", {.AskFirst = true, .ViewLogs = true}, true, true, 1, "REGRID.DAT", false},
+      {"asked, cancel", {.AskFirst = true, .ViewLogs = true}, true, true, 2, nullptr, false},
+      {"not asked", {.ViewLogs = false}, true, true, -1, "REGRID.DAT", false},
+  };
+  for (const auto& c : cases) {
+    SolverProject p;
+    if (c.solution) p.Solve();
+    if (!c.sol_file) std::filesystem::remove(p.dir / "town.SOL");
+    if (c.prompt >= 0)
+      p.ui.OnForm("SolvePrompt",
+                  [&](Form& form) { form.Click("SolveOption(" + std::to_string(c.prompt) + ")"); });
+    ModelRunVadox(p.ormel, c.request);
+    EXPECT_EQ(p.ui.shown_forms.size(), c.prompt >= 0 ? 1U : 0U) << c.name;
+    EXPECT_EQ(!p.ui.viewed_files.empty(), c.logs) << c.name;
+    if (c.deck == nullptr) {
+      EXPECT_TRUE(p.processes.requests.empty()) << c.name;
+      EXPECT_TRUE(p.ormel.solution.ValidSolution) << c.name;
+    } else {
+      ASSERT_FALSE(p.processes.requests.empty()) << c.name;
+      EXPECT_EQ(p.processes.requests[0].arguments.back(), c.deck) << c.name;
+    }
+  }
+}
+
+TEST(Driver, AsksForMoreIterationsThanOne) {
+  const struct {
+    std::optional<std::string> answer;
+    int iterations;
+  } cases[] = {{"7", 7}, {std::nullopt, 1}, {"-3", 1}, {"2.9", 2}, {"99999", 32767}};
+  for (const auto& c : cases) {
+    SolverProject p;
+    p.Run("update Model set SOLVERIterations=1");
+    p.ui.InputTo("Warning", c.answer);
+    ModelRunVadox(p.ormel, {});
+    EXPECT_EQ(p.ui.input_boxes.at(0).initial, "2");
+    EXPECT_EQ(p.Number("select SOLVERIterations from Model"), c.iterations);
+    EXPECT_NE(ReadAll(p.dir / "town.DAT").find(" solve " + std::to_string(c.iterations) + " 0 0 1"),
+              std::string::npos);
+  }
+}
+
+/// What must be as before after a run that does not count.
+void ExpectAsBefore(SolverProject& p) {
+  EXPECT_EQ(p.WellHead(), 21.25);
+  EXPECT_EQ(p.Number("select ModelHead from TPResults where VID=500"), 22.4);
+  const SolutionState& s = p.ormel.solution;
+  EXPECT_TRUE(s.ValidSolution && s.GridValid && s.ContoursValid && s.PathlinesValid);
+  EXPECT_TRUE(p.ormel.menus.Enabled("RESULTS_TABLE"));
+  EXPECT_TRUE(p.ormel.menus.Checked("layermenu", kLayerContours));
+  for (const char* file : {"town.SOL", "town.GRD", "town.PTH", "town.XTR", "town.CTR", "message.log"}) {
+    ASSERT_TRUE(FileExists(p.dir / file)) << file;
+    EXPECT_NE(ReadAll(p.dir / file), "half") << file;
+  }
+  EXPECT_FALSE(FileExists(p.dir / "VADOX.OPS"));
+}
+
+TEST(Driver, CancelledRunLeavesEverythingAsItWas) {
+  for (const bool again : {true, false}) {
+    SolverProject p;
+    p.Solve();
+    p.ui.cancel = [] { return true; };
+    p.processes.on_run = [&](const ProcessRequest&, const auto&, const auto& cancelled) {
+      for (const char* file : {"town.SOL", "town.GRD", "town.PTH", "town.XTR"})
+        WriteAll(p.dir / file, "half");
+      WriteAll(p.dir / "VADOX.OPS", "stopped");
+      ProcessResult result = Ended(1);
+      result.cancelled = cancelled();
+      return result;
+    };
+    if (again) {
+      p.ui.OnForm("SolvePrompt", [](Form& form) { form.Click("SolveOption(0)"); });
+      ModelRunVadox(p.ormel, {.AskFirst = true});
+    } else {
+      p.ui.InputTo("Continue Solution", "5");
+      ModelRunVadox(p.ormel, {.ContinueSolve = true});
+    }
+    ExpectAsBefore(p);
+    EXPECT_TRUE(p.ui.boxes.empty());
+    EXPECT_NE(p.ormel.feedback.find("cancelled"), std::string::npos);
+  }
+}
+
+TEST(Driver, RefusedContinuationStartsNothing) {
+  SolverProject p;
+  p.Solve();
+  p.ui.InputTo("Continue Solution", std::nullopt);
+  ModelRunVadox(p.ormel, {.ContinueSolve = true});
+  EXPECT_TRUE(p.processes.requests.empty());
+  EXPECT_TRUE(ReadAll(p.dir / "REGRID.DAT").ends_with(" time          12.5 \r\n"));
+  ExpectAsBefore(p);
+}
+
+TEST(Driver, MissingSolverIsToldAndLosesNothing) {
+  SolverProject p;
+  p.Solve();
+  std::filesystem::remove(p.dir / "VADOX1.EXE");
+  p.processes.environment["Vadox"] = "/opt/vadox";
+  p.processes.on_run = [](const ProcessRequest&, const auto&, const auto&) {
+    ProcessResult result;
+    result.failure = "No such file or directory";
+    return result;
+  };
+  p.ui.OnForm("SolvePrompt", [](Form& form) { form.Click("SolveOption(0)"); });
+  p.ui.AnswerTo("Model Changed!", {ormel::Answer::kNo});
+  ModelRunVadox(p.ormel, {.AskFirst = true});
+  ASSERT_EQ(p.ui.boxes.size(), 3U);
+  EXPECT_EQ(p.ui.boxes[0].text, "VADOX1.EXE does not exist in the ormel directory!");
+  EXPECT_EQ(p.ui.boxes[1].text, "No such file or directory\n/opt/vadox/VADOX1.EXE");
+  EXPECT_EQ(p.ui.boxes[1].icon, Icon::kStop);
+  ExpectAsBefore(p);
+}
+
+TEST(Driver, FatalStopsAreToldAndLoadNothing) {
+  const struct {
+    const char* name;
+    const char* words;  ///< of VADOX.OPS
+    ProcessResult result;
+    const char* text;
+  } cases[] = {
+      {"words", "Line 7 of the deck\nis bad\n", Ended(3),
+       "Ormel Encountered a fatal error: \n\nLine 7 of the deck\nis bad\n"},
+      {"words and a clean end", "x", Ended(0), "Ormel Encountered a fatal error: \n\nx\n"},
+      {"crash", nullptr, Ended(0, 11), "VADOX1.EXE was stopped by signal 11 without a message."},
+      {"code", nullptr, Ended(2), "VADOX1.EXE ended with code 2 without a message."},
+      {"no results", nullptr, Ended(0), "VADOX1.EXE ended without its results file"},
+  };
+  for (const auto& c : cases) {
+    for (const bool fresh : {true, false}) {
+      SolverProject p;
+      p.Solve();
+      p.solve = [&](const ProcessRequest&) {
+        if (c.words != nullptr) WriteAll(p.dir / "VADOX.OPS", c.words);
+        return c.result;
+      };
+      if (fresh) p.ui.OnForm("SolvePrompt", [](Form& form) { form.Click("SolveOption(0)"); });
+      ModelRunVadox(p.ormel, {.AskFirst = fresh});
+      ASSERT_EQ(p.ui.boxes.size(), 1U) << c.name;
+      EXPECT_EQ(p.ui.LastTitle(), "Fatal execution error") << c.name;
+      EXPECT_NE(p.ui.LastText().find(c.text), std::string::npos) << c.name << ": " << p.ui.LastText();
+      const SolutionState& s = p.ormel.solution;
+      EXPECT_FALSE(s.ValidSolution || s.GridValid || s.ContoursValid || s.PathlinesValid) << c.name;
+      EXPECT_FALSE(FileExists(p.dir / "VADOX.OPS"));
+      EXPECT_EQ(p.WellHead(), fresh ? 0.0 : 21.25) << c.name;
+      EXPECT_EQ(p.processes.requests.size(), 1U) << "no contours, " << c.name;
+    }
+  }
+}
+
+TEST(Driver, HalfAnExtractionFileAsks) {
+  SolverProject p;
+  p.solve = [&](const ProcessRequest&) {
+    p.WriteResults();
+    WriteAll(p.dir / "town.XTR", std::string(kResults).substr(0, 50));
+    return Ended();
+  };
+  p.ui.AnswerTo("Import error", {ormel::Answer::kNo});
+  ModelRunVadox(p.ormel, {});
+  EXPECT_EQ(p.ui.LastTitle(), "Import error");
+  EXPECT_EQ(p.WellHead(), 0.0);
+  EXPECT_TRUE(p.ormel.solution.ValidSolution);
+}
+
+TEST(Driver, FailingContourProgramKeepsTheResults) {
+  for (const bool missing : {true, false}) {
+    SolverProject p;
+    if (missing) std::filesystem::remove(p.dir / "CONTOUR.EXE");
+    p.processes.on_run = [&](const ProcessRequest& request, const auto&, const auto&) {
+      if (!request.program.ends_with("CONTOUR.EXE")) return p.WriteResults();
+      ProcessResult result = Ended(1);
+      result.started = !missing;
+      return result;
+    };
+    ModelRunVadox(p.ormel, {});
+    EXPECT_EQ(p.ui.boxes.size(), missing ? 2U : 1U);
+    EXPECT_TRUE(p.ormel.solution.ValidSolution);
+    EXPECT_FALSE(p.ormel.solution.ContoursValid);
+    EXPECT_EQ(p.WellHead(), 21.25);
+  }
+}
+
+TEST(Driver, ErrorLogIsOfferedWhenItSpeaks) {
+  SolverProject p;
+  p.Run("update Model set ViewMessageLog=0");
+  p.solve = [&](const ProcessRequest&) {
+    p.WriteResults();
+    WriteAll(p.dir / "error.log", "*\r\nWL_000001 is dry\r\n");
+    return Ended();
+  };
+  ModelRunVadox(p.ormel, {.ViewLogs = true});
+  EXPECT_EQ(p.ui.viewed_files, std::vector<std::string>{p.dir / "error.log"});
+}
+
+TEST(Driver, ModelFolderThatIsGoneIsToldAndLosesNothing) {
+  SolverProject p;
+  p.Solve();
+  const std::string folder = p.ormel.project.OrmelBasePath;
+  p.ormel.project.OrmelBasePath = p.dir / "gone";
+  p.ormel.solution.ValidSolution = false;
+  ModelRunVadox(p.ormel, {});
+  EXPECT_EQ(p.ui.LastTitle(), "Unhandled Error -- Contact the ZRB");
+  EXPECT_NE(p.ui.LastText().find("Unhandled error in ModelRunVadox"), std::string::npos);
+  EXPECT_NE(p.ui.LastText().find("gone/town.DAT"), std::string::npos) << p.ui.LastText();
+  EXPECT_EQ(p.WellHead(), 21.25);
+  EXPECT_TRUE(p.processes.requests.empty());
+  p.ormel.project.OrmelBasePath = folder;
+}
+
+TEST(Driver, SolutionTimeWantsASolution) {
+  SolverProject p;
+  SolutionTime(p.ormel);
+  EXPECT_EQ(p.ui.LastTitle(), "Can't set time");
+  p.Solve();
+  p.ui.InputTo("Solution Time", "-1");
+  SolutionTime(p.ormel);
+  EXPECT_TRUE(p.processes.requests.empty());
+  p.ui.InputTo("Solution Time", "30.5");
+  SolutionTime(p.ormel);
+  EXPECT_EQ(p.ui.input_boxes.back().initial, "12.5");
+  EXPECT_NE(ReadAll(p.dir / "REGRID.DAT").find(" time          30.5 \r\n"), std::string::npos);
+  EXPECT_NE(ReadAll(p.dir / "REGRID.DAT").find(" message regrid.log\r\n"), std::string::npos);
+}
+
+TEST(Driver, RunFilesAndErrorNumbers) {
+  SolverProject p;
+  for (const int index : {0, 1, 5, 8, -1}) RUN_FILES(p.ormel, index);
+  EXPECT_EQ(p.ui.viewed_files,
+            (std::vector<std::string>{p.dir / "town.DAT", p.dir / "ERROR.LOG", p.dir / "town.XTR"}));
+  OrmelErrorAnalysis(p.ormel, "Oops", 91);
+  EXPECT_EQ(p.ui.LastText(), "Oops (error number 91)");
+  EXPECT_EQ(p.ui.boxes.back().icon, Icon::kNone);
+  OrmelErrorAnalysis(p.ormel, "Oops", 3051);
+  EXPECT_TRUE(p.ui.LastText().starts_with("Oops (error number 3051)\n\n The file might be 'read only'."));
+  EXPECT_EQ(p.ui.boxes.back().icon, Icon::kStop);
+}
+
+}  // namespace
+}  // namespace ormel::test
