@@ -54,8 +54,7 @@ class SolveRun {
     CommitSoFar(ormel_);
     Transaction rows(ormel_.db());
     model_ = ReadModel(ormel_);
-    SetFilesAside();
-    if (!WriteDeck()) {
+    if (!Prepare(rows)) {
       Undo(rows);
       return;
     }
@@ -105,6 +104,17 @@ class SolveRun {
     if (model_.TRACECompute != 0) kept_.Replace(StemFile(ormel_, ".PTH"));
     DeleteTolerantly(ModelFile(ormel_, "VADOX1.INI"));
     DeleteTolerantly(ModelFile(ormel_, "VADOX.OPS"));
+  }
+
+  /// False when the user gives up.  A failure here has not run anything: all stays as it was.
+  bool Prepare(Transaction& rows) {
+    try {
+      SetFilesAside();
+      return WriteDeck();
+    } catch (...) {
+      Undo(rows);
+      throw;
+    }
   }
 
   /// False when the user gives up.

@@ -304,6 +304,18 @@ TEST(Driver, ModelFolderThatIsGoneIsToldAndLosesNothing) {
   p.ormel.project.OrmelBasePath = folder;
 }
 
+TEST(Driver, DeckThatCannotBeWrittenLosesNothing) {
+  SolverProject p;
+  p.Solve();
+  p.Run("drop table INResults");  // found missing when others are empty already
+  p.ui.OnForm("SolvePrompt", [](Form& form) { form.Click("SolveOption(0)"); });
+  p.ui.AnswerTo("Model Changed!", {ormel::Answer::kNo});
+  ModelRunVadox(p.ormel, {.AskFirst = true});
+  EXPECT_NE(p.ui.boxes.at(0).text.find("Unhandled error in ToolsWriteVadoxElements"), std::string::npos);
+  EXPECT_LE(p.ui.wait_depth, 0);
+  ExpectAsBefore(p);
+}
+
 TEST(Driver, SolutionTimeWantsASolution) {
   SolverProject p;
   SolutionTime(p.ormel);

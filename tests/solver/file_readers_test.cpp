@@ -28,12 +28,12 @@ TEST(ContourFile, ReadsOverlappingColumnsByWhatCanBelongToANumber) {
   Files files;
   const std::string path = files.Put(
       "LEVEL 12.34\r\n"
-      "           1250.50      +2300.25\r\n"
-      "      -1234567.125 -98765432.5\r\n"
-      "          0.000001+123456789.123\r\n"
+      "             1250.50      +2300.25\r\n"
+      "        -1234567.125   -98765432.5\r\n"
+      "            0.000001+123456789.123\r\n"
       "LEVEL -5\r\n"
       "LEVEL 1E2\r\n"
-      "              1 2.          +7\r\n");
+      "                1 2.            +7\r\n");
   std::vector<ContourLine> lines;
   EXPECT_FALSE(ReadContourFile(path, [&](const ContourLine& line) { lines.push_back(line); }));
   ASSERT_EQ(lines.size(), 3U);
@@ -75,7 +75,7 @@ TEST(ContourFile, TellsDamageWithItsLine) {
 }
 
 constexpr const char* kPoint =
-    "       100.000000    -200.500000   1.2500000E+01   3.6500000E+02     21.000000\n";
+    "         100.000000   -200.500000 1.2500000E+01 3.6500000E+02     21.000000\n";
 
 TEST(PathFile, ReadsCompletePaths) {
   Files files;
