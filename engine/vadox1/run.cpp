@@ -82,28 +82,35 @@ void RunDeck(const std::string& file, Logs& logs) {
   Session(std::move(deck), logs, StemOf(file)).Run();
 }
 
-/// Runs the deck and returns the words for the user when it did not end cleanly.
+std::string FileWords(const files::FileError& error) {
+  return std::string(error.what()) + "\nCheck that the folder can be written to and that the disk has room.";
+}
+
+/// Runs the deck and returns the words for the user when it did not end cleanly; the error log has them too.
 std::string RunAndExplain(const std::string& file, Logs& logs, int& status) {
   status = kFatal;
+  std::string words;
   try {
     RunDeck(file, logs);
     status = kClean;
     return {};
   } catch (const Interrupted& end) {
     status = kInterrupted;
-    return end.what();
+    words = end.what();
   } catch (const files::FileError& error) {
-    return std::string(error.what()) +
-           "\nCheck that the folder can be written to and that the disk has room.";
+    words = FileWords(error);
   } catch (const Fatal& error) {
-    return error.what();
+    if (error.in_error_log()) return error.what();
+    words = error.what();
   } catch (const std::bad_alloc&) {
-    return "The model needs more memory than this machine has. Close other programs, or use fewer elements "
-           "or a "
-           "coarser grid.";
+    words =
+        "The model needs more memory than this machine has. Close other programs, or use fewer elements or a "
+        "coarser grid.";
   } catch (const std::exception& error) {
-    return fmt::format("The solver met an error of its own: {}. Keep the deck and report it.", error.what());
+    words = fmt::format("The solver met an error of its own: {}. Keep the deck and report it.", error.what());
   }
+  logs.Error(words);
+  return words;
 }
 
 }  // namespace
@@ -123,13 +130,9 @@ int RunSolver(const std::vector<std::string>& arguments) {
   int status = kClean;
   std::string failure = RunAndExplain(file, logs, status);
   try {
-    if (!failure.empty()) logs.Error(failure);
     logs.Write();
   } catch (const files::FileError& error) {
-    if (failure.empty()) {
-      failure =
-          std::string(error.what()) + "\nCheck that the folder can be written to and that the disk has room.";
-    }
+    if (failure.empty()) failure = FileWords(error);
     status = kFatal;
   }
   if (status != kClean) {

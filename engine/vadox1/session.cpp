@@ -22,14 +22,39 @@ void TellProgress(int percent, const std::string& text) {
   std::fflush(stdout);
 }
 
+namespace {
+
+/// How long commands take beside each other, for the progress.
+struct WorkWeight {
+  double operator()(const SolveCommand&) const { return 60.0; }
+  double operator()(const GridCommand&) const { return 20.0; }
+  double operator()(const TraceCommand&) const { return 20.0; }
+  double operator()(const ExtractCommand&) const { return 4.0; }
+  double operator()(const SaveCommand&) const { return 1.0; }
+  double operator()(const LoadCommand&) const { return 4.0; }
+  template <class Other>
+  double operator()(const Other&) const {
+    return 0.0;
+  }
+};
+
+double WorkOf(const Action& action) {
+  return std::visit(WorkWeight{}, action);
+}
+
+}  // namespace
+
 Session::Session(Deck deck, Logs& logs, std::string deck_name)
     : deck_(std::move(deck)), logs_(logs), deck_name_(std::move(deck_name)), layout_(deck_.model.layout) {}
 
 void Session::Run() {
   for (const aem::Finding& finding : deck_.findings) logs_.Report(finding, true);
+  work_all_ = 1e-9;
+  for (const Command& command : deck_.commands) work_all_ += WorkOf(command.action);
   for (const Command& command : deck_.commands) {
+    work_now_ = WorkOf(command.action);
     std::visit([this](const auto& action) { Do(action); }, command.action);
-    commands_done_ += 1.0;
+    work_done_ += work_now_;
   }
 }
 
@@ -75,7 +100,7 @@ void Session::RefuseIfFatal() {
   }
   if (more > 0) text += fmt::format("and {} more; see the error log.\n", more);
   if (text.empty()) text = "The model cannot be solved.\n";
-  throw Fatal(text);
+  throw Fatal(text, true);
 }
 
 aem::Solution& Session::Solved() {

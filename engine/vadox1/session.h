@@ -14,7 +14,13 @@ namespace vadox1 {
 /// The run cannot go on.  what() is the text for the user: what is wrong and what to do.
 class Fatal : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  explicit Fatal(const std::string& text, bool in_error_log = false)
+      : std::runtime_error(text), in_error_log_(in_error_log) {}
+  /// True when the error log has these words already.
+  bool in_error_log() const { return in_error_log_; }
+
+ private:
+  bool in_error_log_;
 };
 
 /// The user ended the run.
@@ -64,7 +70,7 @@ class Session {
   std::size_t reported_ = 0;  ///< findings of the solution that the logs have
   aem::Window layout_;
   double time_ = 0.0;
-  double commands_done_ = 0.0;
+  double work_done_ = 0.0, work_now_ = 0.0, work_all_ = 1.0;  ///< in the weights of the commands
   int last_percent_ = -1;
   std::string last_text_;
 };
