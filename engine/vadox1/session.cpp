@@ -60,9 +60,8 @@ void Session::Run() {
 
 void Session::Progress(double share_of_command, const std::string& text) {
   if (interrupted.load()) throw Interrupted();
-  const double all = std::max<double>(1.0, static_cast<double>(deck_.commands.size()));
-  const int percent =
-      static_cast<int>(100.0 * (commands_done_ + std::clamp(share_of_command, 0.0, 1.0)) / all);
+  const double done = work_done_ + work_now_ * std::clamp(share_of_command, 0.0, 1.0);
+  const int percent = std::max(last_percent_, static_cast<int>(100.0 * done / work_all_));
   if (percent == last_percent_ && text == last_text_) return;
   last_percent_ = percent;
   last_text_ = text;
