@@ -40,8 +40,12 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"no ambient flow", {800, 1825, 0.2, 20, 0.0}, 0.0, WhpaShape::kCentricCircle, 393.4506, 0},
         Case{"below 0.1", {800, 1825, 0.2, 20, 0.1}, 0.03583379, WhpaShape::kCentricCircle, 393.4506, 0},
         // L = 800 / (2 pi 0.4) = 318.3099; R = L (1.161 + ln(0.39 + 0.573341)); S = L (0.652 T + 0.00278)
-        Case{
-            "between", {800, 1825, 0.2, 20, 0.4}, 0.57334066, WhpaShape::kEccentricCircle, 357.6695, 119.8749},
+        Case{"between",
+             {800, 1825, 0.2, 20, 0.4},
+             0.57334066,
+             WhpaShape::kEccentricCircle,
+             357.6695,
+             119.8749},
         Case{"beyond 1", {800, 1825, 0.2, 20, 0.6}, 1.29001648, WhpaShape::kPathlines, 0, 0},
         // The first well in feet: Q 28251.733 ft^3/d, H 65.6168 ft; the radius is 393.4506 m in feet.
         Case{"feet",
