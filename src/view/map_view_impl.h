@@ -24,6 +24,18 @@ class MapSurface {
   virtual void Update() = 0;
 };
 
+/// What the pointer calls in rooms that the view does not know.  Empty while such a room is not there.
+struct MapHooks {
+  std::function<void()> select;                       ///< selects what lies at the last click
+  std::function<void()> properties;                   ///< edits the selected element
+  std::function<void(MapPoint)> end_move;             ///< the selected vertex goes to this place
+  std::function<void(MapPoint, Color)> inspect;       ///< results at a point
+  std::function<void(MapPoint)> trace;                ///< one streamline from a point
+  std::function<void(Element, Vid, Pid)> info_panel;  ///< of a string or domain
+  std::function<void(int)> stream_vertex;             ///< point 1 or 2 of a stream boundary
+  std::function<void()> basemap_select;               ///< base maps at the last click
+};
+
 class MapViewImpl final : public MapView {
  public:
   /// `surface` may be null.  The view registers itself nowhere: the program puts it into the ports.
@@ -58,7 +70,9 @@ class MapViewImpl final : public MapView {
   /// Call when painting is due, before the picture is shown.
   void BeforePaint();
 
+  Ormel& ormel() { return ormel_; }
   ViewState& state() { return state_; }
+  MapHooks& hooks() { return hooks_; }
   VgGdi& vg() { return vg_; }
   Overlay& overlay() { return overlay_; }
   /// Starts a shape of the overlay: what is drawn on the vector layer goes to it until the object dies.
@@ -88,6 +102,7 @@ class MapViewImpl final : public MapView {
   VgGdi vg_;
   DisplayList idle_;  ///< target of the vector layer outside a drawing
   ViewState state_;
+  MapHooks hooks_;
   Overlay overlay_;
   MapRect drawn_window_;   ///< of the last picture that could be drawn
   std::string layers_of_;  ///< project that the layer switches were set up for

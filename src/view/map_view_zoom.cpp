@@ -242,8 +242,15 @@ void MapViewImpl::ApplyView(const MapRect& window) {
   }
   RunCommand(ormel_, "ZoomActions", [&] {
     overlay_.RemoveGroup(Overlay::Group::kRubber);  // it comes back with the next move of the pointer
+    auto& rubber = ormel_.mouse.Rubber;
+    const double x = vg_.vgGDIDeviceToWorldX(rubber[0], false), y = vg_.vgGDIDeviceToWorldY(rubber[1], false);
     SetWindow(window);
     Redraw();
+    if (vg_.Ready() && ormel_.mouse.LineInProgress) {  // the rubber line keeps its start on the map
+      const DevicePoint start = vg_.vgGDIWorldToDevice(x, y);
+      rubber[0] = static_cast<float>(start.x);
+      rubber[1] = static_cast<float>(start.y);
+    }
     StoreWindow();
     CheckZoomLimit();
     vg_.vgGDIRefresh();

@@ -1,0 +1,348 @@
+#include "view/mouse_actions.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <span>
+
+#include "core/map_view.h"
+#include "core/ormel.h"
+#include "core/status.h"
+#include "model/barriers.h"
+#include "model/digitize.h"
+#include "model/inhomogeneities.h"
+#include "model/linesinks.h"
+#include "model/observations.h"
+#include "model/uniform_flow.h"
+#include "model/vertices.h"
+#include "model/wells.h"
+#include "store/bulk.h"
+#include "store/database.h"
+#include "view/map_view_impl.h"
+
+namespace ormel {
+namespace {
+
+constexpr int kArrowCursor = 0;
+const Overlay::Key kRubberKey{Overlay::Group::kRubber, Element::kNone, 0, {}};
+const Pen kRubberPen{PenStyle::kDash, 1.0, QBColor(8)};
+
+DevicePoint RubberStart(const Ormel& ormel) {
+  return {static_cast<int>(std::lround(ormel.mouse.Rubber[0])),
+          static_cast<int>(std::lround(ormel.mouse.Rubber[1]))};
+}
+
+/// A right click on a vertex of a string or domain opens its information panel.  True when it did.
+bool OpenPanel(const MouseEvent& event) {
+  const Vid vid = ElemFindVertex(event.ormel, event.world);
+  if (vid < 0) return false;
+  RowReader rows(
+      event.ormel.db(),
+      "select PID in (select PID from LinesinkStrings),PID in (select PID from Inhomogeneities),PID "
+      "from Vertices where VID=?",
+      {vid});
+  if (!rows.Next() || !(rows.Bool(0) || rows.Bool(1))) return false;
+  const Element element = rows.Bool(0) ? Element::kLinesink : Element::kInhomogeneity;
+  if (event.view.hooks().info_panel)
+    event.view.hooks().info_panel(element, vid, rows.Long(2));
+  else
+    Inform(event.ormel, kProgramTitle, "The information panels are not available in this version.");
+  return true;
+}
+
+class Selecting final : public MouseAction {
+ public:
+  void Press(const MouseEvent& event) const override {
+    KeepLast(event);
+    StartRubber(event);
+    if (event.view.hooks().select) event.view.hooks().select();
+  }
+  void RightPress(const MouseEvent& event) const override { OpenPanel(event); }
+};
+
+/// One click places something; the procedure ends the mode.
+class Placing : public MouseAction {
+ public:
+  using Place = void (*)(Ormel&);
+  explicit Placing(Place place, bool right_click_ends = false)
+      : place_(place), right_click_ends_(right_click_ends) {}
+  void Press(const MouseEvent& event) const override {
+    KeepLast(event);
+    StartRubber(event);
+    RemoveRubber(event.view);
+    event.ormel.mouse.cursor = kArrowCursor;
+    place_(event.ormel);
+  }
+  void RightPress(const MouseEvent& event) const override {
+    if (right_click_ends_) Cancel(event);
+  }
+  void Cancel(const MouseEvent& event) const override {
+    RemoveRubber(event.view);
+    EndPlacing(event.ormel);
+  }
+
+ private:
+  Place place_;
+  bool right_click_ends_;
+};
+
+void AddUniformFlow(Ormel& ormel) {
+  ElemAddUniformFlow(ormel, false);
+}
+void RecentreAtClick(Ormel& ormel) {
+  ormel.view().ZoomActions(Zoom::kRecentreAtClick);
+}
+
+/// The arrow of the uniform flow follows the pointer until it is placed.
+class PlacingFlow final : public Placing {
+ public:
+  PlacingFlow() : Placing(AddUniformFlow) {}
+  void Move(const MouseEvent& event) const override {
+    constexpr double kLength = 40.0, kBarb = 10.0;  // pixels
+    RowReader rows(event.ormel.db(), "select UNIFLOWOrientation from Model");
+    const double angle = (rows.Next() ? rows.Double(0) : 0.0) * 3.14159265358979 / 180.0;
+    const double u = std::cos(angle), v = -std::sin(angle);  // rows grow downward
+    const auto at = [&](double along, double aside) {
+      return DevicePoint{event.device.x + static_cast<int>(std::lround(along * u - aside * v)),
+                         event.device.y + static_cast<int>(std::lround(along * v + aside * u))};
+    };
+    const DevicePoint shape[] = {event.device, at(kLength, 0.0), at(kLength - kBarb, kBarb * 0.5),
+                                 at(kLength - kBarb, -kBarb * 0.5)};
+    for (std::size_t i = 0; i < 4; ++i) {
+      event.ormel.mouse.Rubber[4 + 2 * i] = static_cast<float>(shape[i].x);
+      event.ormel.mouse.Rubber[5 + 2 * i] = static_cast<float>(shape[i].y);
+    }
+    const MapViewImpl::OverlayShape overlay(event.view, kRubberKey);
+    const Pen pen{PenStyle::kSolid, 1.0, QBColor(2)};
+    for (std::size_t i : {0U, 2U, 3U})
+      event.view.vg().target()->Polyline(std::array{shape[1], shape[i]}, pen);
+  }
+};
+
+/// Vertices by clicks, a right click ends.
+class Digitizing final : public MouseAction {
+ public:
+  using Vertex = void (*)(Ormel&, bool first);
+  using End = void (*)(Ormel&);
+  Digitizing(Vertex vertex, End end, std::size_t fewest) : vertex_(vertex), end_(end), fewest_(fewest) {}
+
+  void Press(const MouseEvent& event) const override {
+    const bool first = !event.ormel.mouse.LineInProgress;
+    KeepLast(event);
+    StartRubber(event);
+    RemoveRubber(event.view);
+    vertex_(event.ormel, first);
+    StartAtLastVertex(event);
+  }
+  void Move(const MouseEvent& event) const override {
+    if (event.ormel.mouse.LineInProgress) DrawRubberLine(event);
+  }
+  void RightPress(const MouseEvent& event) const override {
+    RemoveRubber(event.view);
+    if (event.ormel.mouse.LineInProgress)
+      end_(event.ormel);
+    else
+      AbandonDigitizing(event.ormel);  // nothing was drawn: the row made for it goes
+  }
+  void Cancel(const MouseEvent& event) const override {
+    Ormel& ormel = event.ormel;
+    const Pid pid = ormel.mouse.CurrentPID;
+    const char* table = PolygonTable(ormel.mouse.MouseElement);
+    const bool half_drawn = ormel.mouse.LineInProgress && table != nullptr && pid != kNoPolygon &&
+                            VerticesOf(ormel, pid).size() < fewest_;
+    if (!half_drawn) return RightPress(event);
+    RemoveRubber(event.view);
+    EndDigitizing(ormel);
+    DeletePolygonElement(ormel, table, pid);
+    ormel.view().ZoomActions(Zoom::kRedrawInPlace);
+    ormel.view().TurnOnMenus();
+  }
+
+ private:
+  /// The vertex may have gone to a corner of another domain.
+  static void StartAtLastVertex(const MouseEvent& event) {
+    if (event.ormel.mouse.CurrentPID == kNoPolygon) return;
+    RowReader rows(event.ormel.db(), "select X,Y from Vertices where PID=? order by Seq desc",
+                   {event.ormel.mouse.CurrentPID});
+    if (!rows.Next()) return;
+    const DevicePoint at = event.view.vg().vgGDIWorldToDevice(rows.Double(0), rows.Double(1));
+    event.ormel.mouse.Rubber[0] = static_cast<float>(at.x);
+    event.ormel.mouse.Rubber[1] = static_cast<float>(at.y);
+  }
+  Vertex vertex_;
+  End end_;
+  std::size_t fewest_;  ///< points that the element needs
+};
+
+/// The zoom rectangle: dragged, or set by two clicks.
+class ZoomRectangle final : public MouseAction {
+ public:
+  void Press(const MouseEvent& event) const override {
+    if (event.ormel.mouse.LineInProgress) return Apply(event);
+    KeepLast(event);
+    StartRubber(event);
+    event.ormel.mouse.LineInProgress = true;
+  }
+  void Move(const MouseEvent& event) const override {
+    if (event.ormel.mouse.LineInProgress) DrawRubberRectangle(event);
+  }
+  void Release(const MouseEvent& event) const override {
+    if (!event.ormel.mouse.LineInProgress) return;
+    constexpr int kStill = 3;  // a hand is never quite still [pixels]
+    const DevicePoint start = RubberStart(event.ormel);
+    const bool moved =
+        std::abs(event.device.x - start.x) > kStill || std::abs(event.device.y - start.y) > kStill;
+    if (moved) Apply(event);
+  }
+  void RightPress(const MouseEvent& event) const override { Cancel(event); }
+  void Cancel(const MouseEvent& event) const override {
+    RemoveRubber(event.view);
+    EndPlacing(event.ormel);
+  }
+
+ private:
+  static void Apply(const MouseEvent& event) {
+    Ormel& ormel = event.ormel;
+    const VgGdi& vg = event.view.vg();
+    const DevicePoint start = RubberStart(ormel);
+    const double x = vg.vgGDIDeviceToWorldX(start.x, false), y = vg.vgGDIDeviceToWorldY(start.y, false);
+    KeepLast(event);
+    RemoveRubber(event.view);
+    ormel.mouse.LineInProgress = false;
+    ormel.view().ZoomActions(Zoom::kApplyRectangle, {std::min(x, event.world.x), std::max(x, event.world.x),
+                                                     std::max(y, event.world.y), std::min(y, event.world.y)});
+    ormel.view().TurnOnMenus();
+  }
+};
+
+/// Two clicks give the stream boundary of a protection area.
+class StreamBoundary final : public MouseAction {
+ public:
+  void Press(const MouseEvent& event) const override {
+    const bool first = !event.ormel.mouse.LineInProgress;
+    KeepLast(event);
+    StartRubber(event);
+    RemoveRubber(event.view);
+    if (event.view.hooks().stream_vertex) event.view.hooks().stream_vertex(first ? 1 : 2);
+    event.ormel.mouse.LineInProgress = first;
+    if (!first) EndPlacing(event.ormel);
+  }
+  void Move(const MouseEvent& event) const override {
+    if (event.ormel.mouse.LineInProgress) DrawRubberLine(event);
+  }
+  void RightPress(const MouseEvent& event) const override { Cancel(event); }
+  void Cancel(const MouseEvent& event) const override {
+    RemoveRubber(event.view);
+    EndPlacing(event.ormel);
+  }
+};
+
+/// Picks base maps; the mode stays until the right click.
+class BasemapSelection final : public MouseAction {
+ public:
+  void Press(const MouseEvent& event) const override {
+    KeepLast(event);
+    StartRubber(event);
+    if (event.view.hooks().basemap_select) event.view.hooks().basemap_select();
+  }
+  void RightPress(const MouseEvent& event) const override { Cancel(event); }
+  void Cancel(const MouseEvent& event) const override {
+    EndPlacing(event.ormel);
+    event.ormel.view().ZoomActions(Zoom::kRedrawInPlace);
+  }
+};
+
+const Selecting kSelecting;
+const Placing kWell{ElemAddWell}, kTestPoint{ModelAddTestPoint}, kParticle{ModelAddParticle},
+    kText{ModelAddText, true}, kRecentre{RecentreAtClick};
+const PlacingFlow kFlow;
+const BasemapSelection kBasemaps;
+const ZoomRectangle kRectangle;
+const Digitizing kLinesink{ElemAddLinesinkVertex, ElemEndLinesinkString, 2},
+    kBarrier{ElemAddNoFlowVertex, ElemEndNoFlowString, 2},
+    kInhomogeneity{ElemAddInhoVertex, ElemEndInhomogeneity, 3},
+    kFluxLine{ModelAddFluxVertex, ModelEndFluxInspect, 2}, kCapzone{ModelAddCZVertex, ModelEndCapzone, 3};
+const StreamBoundary kStream;
+const MouseAction kNothing;
+
+struct ActionRow {
+  MouseMode mode;
+  Element element;
+  const MouseAction* action;
+};
+const ActionRow kActions[] = {
+    {MouseMode::kPlace, Element::kWell, &kWell},
+    {MouseMode::kPlace, Element::kUniformFlow, &kFlow},
+    {MouseMode::kPlace, Element::kUniformFlowArrow, &kFlow},
+    {MouseMode::kPlace, Element::kTestPoint, &kTestPoint},
+    {MouseMode::kPlace, Element::kParticle, &kParticle},
+    {MouseMode::kPlace, Element::kTextLabel, &kText},
+    {MouseMode::kPlace, Element::kRecentre, &kRecentre},
+    {MouseMode::kPlace, Element::kBaseMapSelection, &kBasemaps},
+    {MouseMode::kRectangle, Element::kZoomRectangle, &kRectangle},
+    {MouseMode::kDigitize, Element::kLinesink, &kLinesink},
+    {MouseMode::kDigitize, Element::kBarrier, &kBarrier},
+    {MouseMode::kDigitize, Element::kInhomogeneity, &kInhomogeneity},
+    {MouseMode::kDigitize, Element::kFluxLine, &kFluxLine},
+    {MouseMode::kDigitize, Element::kCapzone, &kCapzone},
+    {MouseMode::kDigitize, Element::kStreamBoundary, &kStream},
+};
+
+const MouseAction* FindAction(MouseMode mode, Element element) {
+  for (const ActionRow& row : kActions)
+    if (row.mode == mode && row.element == element) return row.action;
+  return nullptr;
+}
+
+void DrawRubber(const MouseEvent& event, std::span<const DevicePoint> shape) {
+  event.ormel.mouse.Rubber[2] = static_cast<float>(event.device.x);
+  event.ormel.mouse.Rubber[3] = static_cast<float>(event.device.y);
+  const MapViewImpl::OverlayShape overlay(event.view, kRubberKey);
+  event.view.vg().target()->Polyline(shape, kRubberPen);
+}
+
+}  // namespace
+
+const MouseAction& SelectAction() {
+  return kSelecting;
+}
+
+const MouseAction& CurrentAction(const Ormel& ormel) {
+  const MouseState& mouse = ormel.mouse;
+  if (mouse.MovePending) return MoveAction();
+  if (mouse.MouseMode == MouseMode::kSelect) return kSelecting;
+  const MouseAction* found = FindAction(mouse.MouseMode, mouse.MouseElement);
+  return found != nullptr ? *found : kNothing;
+}
+
+bool HasAction(MouseMode mode, Element element) {
+  return mode == MouseMode::kSelect || FindAction(mode, element) != nullptr;
+}
+
+void KeepLast(const MouseEvent& event) {
+  event.ormel.mouse.LastX = event.world.x;
+  event.ormel.mouse.LastY = event.world.y;
+}
+
+void StartRubber(const MouseEvent& event) {
+  for (const std::size_t i : {0U, 2U}) {
+    event.ormel.mouse.Rubber[i] = static_cast<float>(event.device.x);
+    event.ormel.mouse.Rubber[i + 1] = static_cast<float>(event.device.y);
+  }
+}
+
+void DrawRubberLine(const MouseEvent& event) {
+  DrawRubber(event, std::array{RubberStart(event.ormel), event.device});
+}
+
+void DrawRubberRectangle(const MouseEvent& event) {
+  const DevicePoint a = RubberStart(event.ormel), b = event.device;
+  DrawRubber(event, std::array{a, DevicePoint{b.x, a.y}, b, DevicePoint{a.x, b.y}, a});
+}
+
+void RemoveRubber(MapViewImpl& view) {
+  view.overlay().RemoveGroup(Overlay::Group::kRubber);
+  view.vg().vgGDIRefresh();
+}
+
+}  // namespace ormel

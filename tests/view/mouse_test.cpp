@@ -1,0 +1,310 @@
+#include "view/mouse.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "core/command.h"
+#include "model/barriers.h"
+#include "model/digitize.h"
+#include "model/inhomogeneities.h"
+#include "model/linesinks.h"
+#include "model/observations.h"
+#include "view/map_fixture.h"
+#include "view/mouse_actions.h"
+
+namespace ormel::test {
+namespace {
+
+/// A hand on the mouse: positions in map units, two pixels a unit.
+struct MouseProject : MapProject {
+  int selected = 0;
+  std::vector<MapPoint> moves;
+  MouseProject() {
+    map.hooks().select = [this] { ++selected; };
+    map.hooks().end_move = [this](MapPoint at) { moves.push_back(at); };
+  }
+  static DevicePoint At(double x, double y) {
+    return {static_cast<int>((x + 100) * 2), static_cast<int>(400 - (y + 100) * 2)};
+  }
+  void Press(double x, double y, int shift = 0) { Map_MouseDown(map, MouseButton::kLeft, shift, At(x, y)); }
+  void Move(double x, double y) { Map_MouseMove(map, MouseButton::kNone, 0, At(x, y)); }
+  void Release(double x, double y) { Map_MouseUp(map, MouseButton::kLeft, 0, At(x, y)); }
+  void Click(double x, double y) {
+    Press(x, y);
+    Release(x, y);
+  }
+  void RightClick(double x, double y) { Map_MouseDown(map, MouseButton::kRight, 0, At(x, y)); }
+  std::vector<std::string> Overlaid() {
+    RecordingDevice top;
+    map.PaintOverlay(top);
+    return top.Lines();
+  }
+  void ExpectSelectMode() {
+    EXPECT_EQ(ormel.mouse.MouseMode, MouseMode::kSelect);
+    EXPECT_EQ(ormel.mouse.MouseElement, Element::kNone);
+    EXPECT_FALSE(ormel.mouse.LineInProgress);
+    EXPECT_FALSE(ormel.mouse.MenusOff);
+    EXPECT_EQ(ormel.mouse.CurrentPID, kNoPolygon);
+    EXPECT_EQ(ormel.activity, "Select");
+    EXPECT_EQ(ormel.feedback, "Click mouse button to select element");
+  }
+};
+
+void Label(Form& form) {
+  form.SetText("tbLabel", "new one");
+  form.Click("OK");
+}
+
+TEST(Mouse, HasAnActionForEveryPairOfTheTable) {
+  const std::array<std::pair<MouseMode, Element>, 15> pairs{{
+      {MouseMode::kPlace, Element::kWell},
+      {MouseMode::kPlace, Element::kUniformFlow},
+      {MouseMode::kPlace, Element::kUniformFlowArrow},
+      {MouseMode::kPlace, Element::kTestPoint},
+      {MouseMode::kPlace, Element::kParticle},
+      {MouseMode::kPlace, Element::kTextLabel},
+      {MouseMode::kPlace, Element::kRecentre},
+      {MouseMode::kPlace, Element::kBaseMapSelection},
+      {MouseMode::kRectangle, Element::kZoomRectangle},
+      {MouseMode::kDigitize, Element::kLinesink},
+      {MouseMode::kDigitize, Element::kBarrier},
+      {MouseMode::kDigitize, Element::kInhomogeneity},
+      {MouseMode::kDigitize, Element::kFluxLine},
+      {MouseMode::kDigitize, Element::kCapzone},
+      {MouseMode::kDigitize, Element::kStreamBoundary},
+  }};
+  for (const auto& [mode, element] : pairs)
+    EXPECT_TRUE(HasAction(mode, element)) << static_cast<int>(element);
+  EXPECT_FALSE(HasAction(MouseMode::kDigitize, Element::kWell));
+}
+
+TEST(Mouse, AddsAWellFromClickToRedraw) {
+  MouseProject t;
+  t.ui.OnForm("WellProperties", [&](Form& form) {
+    EXPECT_EQ(form.Text("tbData(0)"), "10");
+    EXPECT_EQ(t.ormel.mouse.cursor, 0) << "an arrow while the dialog is open";
+    Label(form);
+  });
+  BeginPlacing(t.ormel, Element::kWell, "Add Well", "Click mouse at location for new well");
+  EXPECT_TRUE(t.ormel.mouse.MenusOff);
+  t.Click(10, 20);
+  t.ExpectSelectMode();
+  EXPECT_EQ(t.Number("select Y from Vertices"), 20.0);
+  EXPECT_THAT(t.Overlaid(), ::testing::ElementsAre("circle 5 at 220,160 r3"));
+  EXPECT_EQ(t.Drawn("Wells").size(), 1U);
+  EXPECT_TRUE(t.Overlaid().empty()) << "now it is part of the picture";
+}
+
+struct StringCase {
+  const char* what;
+  void (*begin)(Ormel&);
+  const char* form;
+  const char* table;
+  Element element;
+};
+
+TEST(Mouse, DigitizesStringsAndDomains) {
+  const StringCase cases[] = {
+      {"barrier", ElemAddNoFlowString, "NoFlowString", "NoFlowStrings", Element::kBarrier},
+      {"domain", ElemAddInhomogeneity, "Inhomogeneity", "Inhomogeneities", Element::kInhomogeneity},
+      {"linesinks", ElemAddLinesinkString, "LinesinkString", "LinesinkStrings", Element::kLinesink},
+      {"flux line", ModelAddFluxInspect, "FluxInspectDialog", "FluxInspect", Element::kFluxLine},
+      {"capture zone", ModelAddCapzone, "FluxInspectDialog", "Capzones", Element::kCapzone},
+  };
+  for (const StringCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    MouseProject t;
+    t.ui.OnForm(c.form, [](Form& form) {
+      form.SetText("tbLabel", "new one");
+      if (form.Has("chkChangeP")) form.SetChecked("chkChangeP", true);
+      if (form.Has("tbData(2)")) form.SetText("tbData(2)", "0.3");
+      form.Click("OK");
+    });
+    c.begin(t.ormel);
+    EXPECT_EQ(t.ormel.mouse.MouseMode, MouseMode::kDigitize);
+    EXPECT_EQ(t.ormel.mouse.MouseElement, c.element);
+    t.Click(0, 0);
+    EXPECT_TRUE(t.ormel.mouse.LineInProgress);
+    t.Move(30, 0);
+    EXPECT_THAT(t.Overlaid(), ::testing::Contains("line 8 style1 200,200 260,200")) << "the rubber line";
+    t.Click(50, 0);
+    t.Click(50, 50);
+    EXPECT_THAT(t.Overlaid(), ::testing::Not(::testing::Contains(::testing::HasSubstr("style1"))));
+    t.Move(0, 50);
+    EXPECT_THAT(t.Overlaid(), ::testing::Contains("line 8 style1 300,100 200,100"));
+    t.RightClick(0, 50);
+    t.ExpectSelectMode();
+    EXPECT_THAT(t.Overlaid(), ::testing::Not(::testing::Contains(::testing::HasSubstr("style1"))));
+    EXPECT_EQ(t.Number("select count(*) from Vertices"), 3.0);
+    EXPECT_EQ(t.Number(std::string("select count(*) from ") + c.table), 1.0);
+    EXPECT_EQ(t.Text("select Seq from Vertices where X=50 and Y=50"), "201");
+  }
+}
+
+TEST(Mouse, EscapeLeavesNoHalfDrawnElement) {
+  for (const int points : {0, 1, 2, 3}) {
+    SCOPED_TRACE(points);
+    MouseProject t;
+    t.ui.OnForm("Inhomogeneity", [](Form& form) {
+      form.SetChecked("chkChangeP", true);
+      form.SetText("tbData(2)", "0.3");
+      Label(form);
+    });
+    ElemAddInhomogeneity(t.ormel);
+    for (int i = 0; i < points; ++i) t.Click(i * 20, i * i * 10);
+    t.Move(90, 90);
+    EXPECT_TRUE(Map_KeyDown(t.map, MapKey::kEscape));
+    t.ExpectSelectMode();
+    EXPECT_EQ(t.Number("select count(*) from Inhomogeneities"), points < 3 ? 0.0 : 1.0);
+    EXPECT_EQ(t.Number("select count(*) from Polygons"), points < 3 ? 0.0 : 1.0);
+    EXPECT_EQ(t.Number("select count(*) from Vertices"), points < 3 ? 0.0 : 3.0);
+    EXPECT_FALSE(Map_KeyDown(t.map, MapKey::kEscape)) << "nothing left to leave";
+  }
+}
+
+TEST(Mouse, ZoomsToADraggedRectangleWhateverItsFirstCorner) {
+  const std::array<std::array<double, 4>, 2> drags{{{-50, -50, 50, 50}, {50, 50, -50, -50}}};
+  for (const auto& d : drags) {
+    MouseProject t;
+    t.map.ZoomActions(Zoom::kStartRectangle);
+    t.Press(d[0], d[1]);
+    t.Move(d[2], d[3]);
+    EXPECT_EQ(t.Overlaid().size(), 1U);
+    t.Release(d[2], d[3]);
+    EXPECT_EQ(t.ormel.window.SolveWindow, (MapRect{-50, 50, 50, -50}));
+    t.ExpectSelectMode();
+    EXPECT_TRUE(t.Overlaid().empty());
+  }
+  MouseProject t;  // two clicks do the same
+  t.map.ZoomActions(Zoom::kStartRectangle);
+  t.Click(-50, -50);
+  EXPECT_EQ(t.ormel.mouse.MouseMode, MouseMode::kRectangle);
+  t.Click(50, 50);
+  EXPECT_EQ(t.ormel.window.SolveWindow, (MapRect{-50, 50, 50, -50}));
+  t.ExpectSelectMode();
+}
+
+TEST(Mouse, RecentresAtAClick) {
+  MouseProject t;
+  t.map.ZoomActions(Zoom::kRecentre);
+  t.Click(30, 40);
+  EXPECT_EQ(t.ormel.window.SolveWindow, (MapRect{-70, 130, 140, -60}));
+  t.ExpectSelectMode();
+  EXPECT_EQ(t.ormel.mouse.cursor, 0);
+}
+
+TEST(Mouse, SelectsAndMoves) {
+  MouseProject t;
+  const Pid pid = t.AddPolygon("0,0 20,0 20,20");
+  t.Click(21, 1);
+  EXPECT_EQ(t.selected, 1);
+  EXPECT_EQ(t.ormel.mouse.LastX, 21.0);
+  t.ormel.selection = {.SelectedType = Element::kLinesink, .vid = 2, .pid = pid};
+  t.ormel.mouse.MovePending = true;
+  t.Press(20, 0);
+  EXPECT_TRUE(t.ormel.mouse.MoveActive);
+  EXPECT_EQ(t.ormel.feedback, "Place cursor at new vertex location and release mouse button");
+  t.Move(40, -10);
+  EXPECT_THAT(t.Overlaid(), ::testing::Contains("line 12 style1 200,200 280,220"));
+  EXPECT_THAT(t.Overlaid(), ::testing::Contains("line 12 style1 240,160 280,220"));
+  t.Release(40, -10);
+  EXPECT_TRUE(t.Overlaid().empty());
+  EXPECT_EQ(t.moves, (std::vector<MapPoint>{{40.0, -10.0}}));
+  EXPECT_FALSE(t.ormel.mouse.MovePending);
+  EXPECT_EQ(t.selected, 1) << "the press of a move selects nothing";
+}
+
+TEST(Mouse, SnapsToTheEditorGrid) {
+  MouseProject t;
+  t.ormel.db().Execute("update Model set EDITGRIDSnap=True,EDITGRIDSpacing=10");
+  t.map.SetUpLayers();
+  t.Redraw();
+  t.ui.OnForm("NoFlowString", Label);
+  ElemAddNoFlowString(t.ormel);
+  t.Click(13, 27);
+  EXPECT_EQ(t.Number("select X from Vertices"), 10.0);
+  EXPECT_EQ(t.Number("select Y from Vertices"), 30.0);
+  t.Move(36, 36);
+  EXPECT_EQ(t.ui.panels[Panel::kX], "X: 40.0 m");
+}
+
+TEST(Mouse, ShiftInspectsOnlyWithASolution) {
+  MouseProject t;
+  for (const int shift : {kShiftKey, kShiftKey | kCtrlKey}) {
+    t.Press(0, 0, shift);
+    EXPECT_EQ(t.ui.LastTitle(), "Error");
+    EXPECT_EQ(t.ui.LastText(), "No solution is present.  Solve the model and try again.");
+  }
+  EXPECT_EQ(t.selected, 0);
+  std::vector<std::string> asked;
+  t.map.hooks().inspect = [&](MapPoint, Color color) { asked.push_back("inspect " + ColorName(color)); };
+  t.map.hooks().trace = [&](MapPoint) { asked.push_back("trace"); };
+  t.ormel.solution.ValidSolution = true;
+  t.Press(0, 0, kShiftKey);
+  t.Press(0, 0, kShiftKey | kCtrlKey);
+  EXPECT_THAT(asked, ::testing::ElementsAre("inspect 12", "trace"));
+}
+
+TEST(Mouse, RightClickOpensAPanelInSelectModeOnly) {
+  MouseProject t;
+  int panels = 0;
+  t.map.hooks().info_panel = [&](Element element, Vid, Pid) {
+    EXPECT_EQ(element, Element::kLinesink);
+    ++panels;
+  };
+  t.ormel.db().Execute("insert into LinesinkStrings (PID,Label) values (?,'LS')", {t.AddPolygon("0,0 20,0")});
+  t.AddWell(-50, -50, "w");
+  t.RightClick(20, 0);
+  t.RightClick(-50, -50);
+  t.RightClick(80, 80);
+  EXPECT_EQ(panels, 1);
+  t.ui.OnForm("NoFlowString", Label);
+  ElemAddNoFlowString(t.ormel);
+  t.Click(60, 60);
+  t.Click(70, 60);
+  t.RightClick(20, 0);
+  EXPECT_EQ(panels, 1) << "it ends the string instead";
+  t.ExpectSelectMode();
+}
+
+TEST(Mouse, IsDeafWhileDisabledOrWithoutAProject) {
+  MouseProject t;
+  t.map.DisableMouse();
+  t.Click(0, 0);
+  t.map.EnableMouse();
+  t.ormel.project.ProjectOpen = false;
+  t.Click(0, 0);
+  EXPECT_FALSE(Map_KeyDown(t.map, MapKey::kLeft));
+  t.ormel.feedback = "old";
+  t.Move(0, 0);
+  EXPECT_EQ(t.ormel.feedback, "");
+  EXPECT_EQ(t.ui.panels[Panel::kX], "");
+  EXPECT_EQ(t.selected, 0);
+  t.ormel.project.ProjectOpen = true;
+  t.Click(0, 0);
+  EXPECT_EQ(t.selected, 1);
+}
+
+TEST(Keys, PanAndZoomOutsideOfModes) {
+  const struct {
+    MapKey key;
+    MapRect window;
+  } cases[] = {{MapKey::kLeft, {-150, 50, 100, -100}}, {MapKey::kRight, {-50, 150, 100, -100}},
+               {MapKey::kUp, {-100, 100, 150, -50}},   {MapKey::kDown, {-100, 100, 50, -150}},
+               {MapKey::kPageUp, {-50, 50, 50, -50}},  {MapKey::kPageDown, {-200, 200, 200, -200}}};
+  for (const auto& c : cases) {
+    MouseProject t;
+    EXPECT_TRUE(Map_KeyDown(t.map, c.key));
+    EXPECT_EQ(t.ormel.window.SolveWindow, c.window);
+  }
+  MouseProject t;
+  t.map.ZoomActions(Zoom::kRecentre);
+  EXPECT_FALSE(Map_KeyDown(t.map, MapKey::kLeft));
+  EXPECT_TRUE(Map_KeyDown(t.map, MapKey::kEscape));
+  t.ExpectSelectMode();
+}
+
+}  // namespace
+}  // namespace ormel::test
