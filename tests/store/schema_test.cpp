@@ -114,6 +114,7 @@ TEST(Schema, ANewProjectHasItsDefaults) {
 TEST(Schema, RulesHoldOnEveryWayOfWriting) {
   ProjectFixture project;
   project.db.Execute("insert into Wells (VID,Label) values (1,'a')");
+  project.db.Execute("insert into TestPoints (VID,Label) values (1,'a')");
   const struct {
     const char* sql;
     StoreErrorCode code;
@@ -123,8 +124,8 @@ TEST(Schema, RulesHoldOnEveryWayOfWriting) {
       {"insert into Wells (Label) values ('x')", StoreErrorCode::kRequired, "Wells", "VID"},
       {"insert into FluxInspect (PID) values (1)", StoreErrorCode::kRequired, "FluxInspect", "Label"},
       {"insert into Wells (VID) values (1)", StoreErrorCode::kDuplicateKey, "Wells", "VID"},
-      {"update Wells set Label='123456789012345678901234567890123'", StoreErrorCode::kTooLong, "Wells",
-       "Label"},
+      {"update TestPoints set Label='123456789012345678901234567890123'", StoreErrorCode::kTooLong,
+       "TestPoints", "Label"},
       {"update Wells set Head='abc'", StoreErrorCode::kWrongType, "Wells", "Head"},
       {"update Wells set Head=9e999", StoreErrorCode::kWrongType, "Wells", "Head"},
       {"update Wells set Head=null", StoreErrorCode::kRequired, "Wells", "Head"},
@@ -148,8 +149,8 @@ TEST(Schema, RulesHoldOnEveryWayOfWriting) {
   // Sizes count characters, not bytes.
   std::string label;
   for (int i = 0; i < 32; ++i) label += "\u00fc";
-  project.db.Execute("update Wells set Label=?", {label});
-  EXPECT_EQ(FailureOf([&] { project.db.Execute("update Wells set Label=?", {label + "x"}); }),
+  project.db.Execute("update TestPoints set Label=?", {label});
+  EXPECT_EQ(FailureOf([&] { project.db.Execute("update TestPoints set Label=?", {label + "x"}); }),
             StoreErrorCode::kTooLong);
   BulkInsert rows(project.db, "Capzones", {"Label", "PID"});
   EXPECT_EQ(FailureOf([&] { rows.Row(label + "x", 1); }), StoreErrorCode::kTooLong);
@@ -188,7 +189,7 @@ TEST(Schema, OtherProgramsFindASoundFile) {
       "1\n");
   EXPECT_EQ(Tool(project.path,
                  "select type,\\\"notnull\\\",dflt_value from pragma_table_info('Wells') where name='Label'"),
-            "VARCHAR(32)|0|''\n");
+            "VARCHAR(64)|0|''\n");
   EXPECT_EQ(Tool(project.path, "select count(*),sum(X) from Vertices"), "1000|500500.0\n");
 }
 
