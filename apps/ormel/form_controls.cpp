@@ -3,6 +3,7 @@
 #include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCommandLinkButton>
 #include <QFocusEvent>
 #include <QListWidget>
 #include <QPlainTextEdit>
@@ -65,6 +66,12 @@ QWidget* MakeButton(const ControlSpec& spec, FormDialog& dialog) {
   button->setAutoDefault(false);
   QObject::connect(button, &QAbstractButton::clicked, &dialog,
                    [&dialog, name = spec.name] { dialog.Do([&](Form& form) { form.Click(name); }); });
+  return button;
+}
+
+QWidget* MakeChoice(const ControlSpec& spec, FormDialog& dialog) {
+  auto* button = static_cast<QCommandLinkButton*>(MakeButton<QCommandLinkButton>(spec, dialog));
+  button->setDescription(ToQString(spec.tip));
   return button;
 }
 
@@ -180,30 +187,36 @@ void UpdateValue(QWidget& widget, const ControlState& state) {
 
 struct KindRow {
   ControlKind kind;
-  Placement placement;
+  ControlPlace place;
   bool caption;  ///< a label beside or above the editor
   QWidget* (*make)(const ControlSpec&, FormDialog&);
   void (*update)(QWidget&, const ControlState&);
 };
 
 constexpr std::array kKinds = {
-    KindRow{ControlKind::kLabel, Placement::kField, true, MakeLabel, UpdateValue},
-    KindRow{ControlKind::kText, Placement::kField, true, MakeEdit, UpdateEdit},
-    KindRow{ControlKind::kMultiline, Placement::kTall, true, MakeMultiline, UpdateMultiline},
-    KindRow{ControlKind::kNumber, Placement::kField, true, MakeEdit, UpdateEdit},
-    KindRow{ControlKind::kCheck, Placement::kWide, false, MakeToggle<QCheckBox>, UpdateToggle},
-    KindRow{ControlKind::kOption, Placement::kWide, false, MakeToggle<QRadioButton>, UpdateToggle},
-    KindRow{ControlKind::kButton, Placement::kInline, false, MakeButton<QPushButton>, UpdateButton},
-    KindRow{ControlKind::kColor, Placement::kInline, true, MakeButton<ColorSwatch>, UpdateSwatch},
-    KindRow{ControlKind::kFont, Placement::kInline, true, MakeButton<QPushButton>, UpdateFont},
-    KindRow{ControlKind::kCombo, Placement::kField, true, MakeCombo, UpdateCombo},
-    KindRow{ControlKind::kList, Placement::kTall, true, MakeList, UpdateList},
-    KindRow{ControlKind::kMultiList, Placement::kTall, true, MakeList, UpdateList},
-    KindRow{ControlKind::kNote, Placement::kWide, false, MakeLabel, UpdateLabel},
+    KindRow{ControlKind::kLabel, ControlPlace::kField, true, MakeLabel, UpdateValue},
+    KindRow{ControlKind::kText, ControlPlace::kField, true, MakeEdit, UpdateEdit},
+    KindRow{ControlKind::kMultiline, ControlPlace::kTall, true, MakeMultiline, UpdateMultiline},
+    KindRow{ControlKind::kNumber, ControlPlace::kField, true, MakeEdit, UpdateEdit},
+    KindRow{ControlKind::kCheck, ControlPlace::kWide, false, MakeToggle<QCheckBox>, UpdateToggle},
+    KindRow{ControlKind::kOption, ControlPlace::kWide, false, MakeToggle<QRadioButton>, UpdateToggle},
+    KindRow{ControlKind::kButton, ControlPlace::kInline, false, MakeButton<QPushButton>, UpdateButton},
+    KindRow{ControlKind::kColor, ControlPlace::kInline, true, MakeButton<ColorSwatch>, UpdateSwatch},
+    KindRow{ControlKind::kFont, ControlPlace::kInline, true, MakeButton<QPushButton>, UpdateFont},
+    KindRow{ControlKind::kCombo, ControlPlace::kField, true, MakeCombo, UpdateCombo},
+    KindRow{ControlKind::kList, ControlPlace::kTall, true, MakeList, UpdateList},
+    KindRow{ControlKind::kMultiList, ControlPlace::kTall, true, MakeList, UpdateList},
+    KindRow{ControlKind::kNote, ControlPlace::kWide, false, MakeLabel, UpdateLabel},
 };
+
+constexpr KindRow kChoice{ControlKind::kButton, ControlPlace::kWide, false, MakeChoice, UpdateButton};
 
 const KindRow& RowOf(ControlKind kind) {
   return *std::find_if(kKinds.begin(), kKinds.end(), [kind](const KindRow& row) { return row.kind == kind; });
+}
+
+bool IsChoice(const ControlSpec& spec, bool at_foot) {
+  return !at_foot && spec.kind == ControlKind::kButton && spec.role == ButtonRole::kNone && !spec.tip.empty();
 }
 
 void UpdateCaption(QLabel* label, const std::string& text, const ControlState& state) {
@@ -227,14 +240,11 @@ void FieldEdit::focusOutEvent(QFocusEvent* event) {
   if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason) emit Left();
 }
 
-Placement PlacementOf(ControlKind kind) {
-  return RowOf(kind).placement;
-}
-
-ControlView MakeControl(const ControlSpec& spec, FormDialog& dialog) {
-  const KindRow& row = RowOf(spec.kind);
+ControlView MakeControl(const ControlSpec& spec, bool at_foot, FormDialog& dialog) {
+  const KindRow& row = IsChoice(spec, at_foot) ? kChoice : RowOf(spec.kind);
   ControlView view;
   view.spec = &spec;
+  view.place = row.place;
   view.editor = row.make(spec, dialog);
   view.editor->setObjectName(ToQString(spec.name));
   if (!spec.tip.empty()) view.editor->setToolTip(ToQString(spec.tip));
@@ -242,7 +252,7 @@ ControlView MakeControl(const ControlSpec& spec, FormDialog& dialog) {
     view.caption = new QLabel(&dialog);
     if (view.editor->focusPolicy() != Qt::NoFocus) view.caption->setBuddy(view.editor);
   }
-  if (row.placement == Placement::kField) {
+  if (row.place == ControlPlace::kField) {
     view.unit = new QLabel(&dialog);
     view.unit->setForegroundRole(QPalette::PlaceholderText);
   }

@@ -12,7 +12,7 @@ namespace ormel {
 class FormDialog;
 
 /// How a control takes its place on a page.
-enum class Placement {
+enum class ControlPlace {
   kField,   ///< caption, editor, unit in one row
   kWide,    ///< the whole width; the widget shows its caption itself
   kTall,    ///< caption above an editor that grows
@@ -22,19 +22,20 @@ enum class Placement {
 /// One control on the screen.
 struct ControlView {
   const ControlSpec* spec = nullptr;
+  ControlPlace place = ControlPlace::kField;
   QLabel* caption = nullptr;  ///< null for kinds that carry their caption themselves
   QWidget* editor = nullptr;
   QLabel* unit = nullptr;   ///< null for kinds without one
   QWidget* page = nullptr;  ///< page of the tabs; null outside them
 };
 
-/// Makes the widgets of a control and connects what the user does with them to `dialog`.
-ControlView MakeControl(const ControlSpec& spec, FormDialog& dialog);
+/// Makes the widgets of a control and connects what the user does with them to `dialog`.  A button in the
+/// body of a form that explains itself by a tip becomes one of the ways on that the form offers, tip in view.
+ControlView MakeControl(const ControlSpec& spec, bool at_foot, FormDialog& dialog);
 /// Shows the state.  Emits nothing that would reach the form again.
 void UpdateControl(const ControlView& view, const ControlState& state);
 /// Gives the control the focus with its text selected.
 void FocusControl(const ControlView& view);
-Placement PlacementOf(ControlKind kind);
 
 /// A line of text that selects all of itself with the focus and tells when the user leaves it.
 class FieldEdit : public QLineEdit {

@@ -4,13 +4,12 @@
 #include <QPushButton>
 #include <QShortcut>
 #include <QTabWidget>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <map>
 #include <span>
 #include <utility>
 
-#include "ormel/form_page.h"
 #include "ormel/qt_text.h"
 
 namespace ormel {
@@ -29,22 +28,42 @@ std::size_t FootOf(std::span<const ControlSpec> specs) {
 
 }  // namespace
 
-FormDialog::FormDialog(Form& form, QWidget* parent) : QDialog(parent), form_(form) {
+FormDialog::FormDialog(Form& form, QWidget* parent)
+    : QDialog(parent), form_(form), picture_(new QLabel(this)), column_(new QVBoxLayout) {
   setWindowTitle(ToQString(form.Title()));
   setWindowModality(Qt::ApplicationModal);
   auto* help = new QShortcut(QKeySequence(Qt::Key_F1), this);
   connect(help, &QShortcut::activated, this, [this] { emit HelpAsked(ToQString(form_.HelpTopic())); });
   Build();
   ShowStates();
+  for (auto& [page, content] : pages_) content.AlignColumns();
+}
+
+void FormDialog::SetPicture(const QPixmap& picture) {
+  picture_->setPixmap(picture);
+  picture_->show();
+  if (views_.empty() || views_.front().caption == nullptr) return;
+  QFont heading = font();
+  heading.setPointSizeF(heading.pointSizeF() * 1.4);
+  heading.setBold(true);
+  views_.front().caption->setFont(heading);
+}
+
+void FormDialog::MakeSplash(int milliseconds) {
+  setWindowFlags(Qt::SplashScreen | Qt::FramelessWindowHint);
+  QTimer::singleShot(milliseconds, this, &QDialog::reject);
 }
 
 void FormDialog::Build() {
-  auto* outer = new QVBoxLayout(this);
-  outer->setSpacing(12);
+  auto* row = new QHBoxLayout(this);
+  row->setSpacing(18);
+  row->addWidget(picture_, 0, Qt::AlignTop);
+  row->addLayout(column_, 1);
+  picture_->hide();
+  column_->setSpacing(12);
   const std::span<const ControlSpec> specs = form_.Controls();
   const std::size_t foot = FootOf(specs);
   views_.reserve(specs.size());
-  std::map<QWidget*, FormPage> pages;
   std::vector<const ControlSpec*> buttons;
   for (std::size_t i = 0; i < specs.size(); ++i) {
     const ControlSpec& spec = specs[i];
@@ -52,36 +71,36 @@ void FormDialog::Build() {
       buttons.push_back(&spec);
       continue;
     }
-    QWidget* page = Page(spec, *outer);
-    auto it = pages.find(page);
-    if (it == pages.end()) it = pages.emplace(page, FormPage(page)).first;
-    ControlView& view = AddView(spec);
+    QWidget* page = Page(spec);
+    auto it = pages_.find(page);
+    if (it == pages_.end()) it = pages_.emplace(page, FormPage(page)).first;
+    ControlView& view = AddView(spec, false);
     view.page = spec.tab.empty() ? nullptr : page;
     it->second.Add(view);
   }
-  for (const auto& [page, content] : pages) {
+  for (const auto& [page, content] : pages_) {
     if (tabs_ != nullptr && tabs_->indexOf(page) >= 0) {
       static_cast<QVBoxLayout*>(page->layout())->addStretch(1);
     } else {
       page->layout()->setContentsMargins(0, 0, 0, 0);
     }
   }
-  AddButtonRow(*outer, buttons);
+  AddButtonRow(buttons);
   MarkDefault();
 }
 
-QWidget* FormDialog::Page(const ControlSpec& spec, QVBoxLayout& outer) {
+QWidget* FormDialog::Page(const ControlSpec& spec) {
   if (spec.tab.empty()) {
     // A stretch of controls outside the tabs: before or after them.
-    QWidget* last = outer.count() > 0 ? outer.itemAt(outer.count() - 1)->widget() : nullptr;
+    QWidget* last = column_->count() > 0 ? column_->itemAt(column_->count() - 1)->widget() : nullptr;
     if (last != nullptr && last != tabs_) return last;
     auto* page = new QWidget(this);
-    outer.addWidget(page, 1);
+    column_->addWidget(page, 1);
     return page;
   }
   if (tabs_ == nullptr) {
     tabs_ = new QTabWidget(this);
-    outer.addWidget(tabs_, 1);
+    column_->addWidget(tabs_, 1);
   }
   const QString title = ToQString(spec.tab);
   for (int i = 0; i < tabs_->count(); ++i)
@@ -91,20 +110,20 @@ QWidget* FormDialog::Page(const ControlSpec& spec, QVBoxLayout& outer) {
   return page;
 }
 
-ControlView& FormDialog::AddView(const ControlSpec& spec) {
-  views_.push_back(MakeControl(spec, *this));
+ControlView& FormDialog::AddView(const ControlSpec& spec, bool at_foot) {
+  views_.push_back(MakeControl(spec, at_foot, *this));
   return views_.back();
 }
 
-void FormDialog::AddButtonRow(QVBoxLayout& outer, const std::vector<const ControlSpec*>& buttons) {
+void FormDialog::AddButtonRow(const std::vector<const ControlSpec*>& buttons) {
   auto* row = new QHBoxLayout;
-  outer.addLayout(row);
+  column_->addLayout(row);
   for (const ControlSpec* spec : buttons)
-    if (spec->role == ButtonRole::kNone) row->addWidget(AddView(*spec).editor);
+    if (spec->role == ButtonRole::kNone) row->addWidget(AddView(*spec, true).editor);
   row->addStretch(1);
   for (const ControlSpec* spec : buttons) {
     if (spec->role == ButtonRole::kNone) continue;
-    QWidget* button = AddView(*spec).editor;
+    QWidget* button = AddView(*spec, true).editor;
     button->setMinimumWidth(88);
     row->addWidget(button);
   }

@@ -4,14 +4,16 @@
 #include <QDialog>
 #include <exception>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/form.h"
 #include "ormel/form_controls.h"
+#include "ormel/form_page.h"
 
-class QPushButton;
+class QPixmap;
 class QTabWidget;
 class QVBoxLayout;
 
@@ -24,6 +26,11 @@ class FormDialog : public QDialog {
   Q_OBJECT
  public:
   FormDialog(Form& form, QWidget* parent);
+
+  /// A picture beside the controls.
+  void SetPicture(const QPixmap& picture);
+  /// Without a title bar, and accepted by itself after a while.
+  void MakeSplash(int milliseconds);
 
   /// Runs modally until the form hides itself.  A failure inside one of the form's reactions closes the
   /// dialog and is thrown from here, out of the toolkit's event loop.
@@ -41,10 +48,10 @@ class FormDialog : public QDialog {
 
  private:
   void Build();
-  void AddButtonRow(QVBoxLayout& outer, const std::vector<const ControlSpec*>& buttons);
+  void AddButtonRow(const std::vector<const ControlSpec*>& buttons);
   void MarkDefault();
-  QWidget* Page(const ControlSpec& spec, QVBoxLayout& outer);
-  ControlView& AddView(const ControlSpec& spec);
+  QWidget* Page(const ControlSpec& spec);
+  ControlView& AddView(const ControlSpec& spec, bool at_foot);
   void ShowStates();
   void ShowTabs();
   void TakeFocusRequest();
@@ -52,6 +59,9 @@ class FormDialog : public QDialog {
 
   Form& form_;
   std::vector<ControlView> views_;
+  std::map<QWidget*, FormPage> pages_;
+  QLabel* picture_;
+  QVBoxLayout* column_;
   QTabWidget* tabs_ = nullptr;
   long shown_revision_ = -1;
   bool busy_ = false;

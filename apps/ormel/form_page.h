@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 #include <QWidget>
 #include <string>
+#include <vector>
 
 #include "ormel/form_controls.h"
 
@@ -17,6 +18,8 @@ class FormPage {
   explicit FormPage(QWidget* page);
 
   void Add(const ControlView& view);
+  /// Lines the fields outside frames up with one another; once the captions have their texts.
+  void AlignColumns();
 
  private:
   void StartGroup(const std::string& group);
@@ -24,11 +27,15 @@ class FormPage {
   void AddWide(const ControlView& view);
   void AddTall(const ControlView& view);
   void AddInline(const ControlView& view);
+  bool JoinsCheck(const ControlView& view) const;
 
   QVBoxLayout* column_;
   QGridLayout* grid_ = nullptr;
   QHBoxLayout* inline_row_ = nullptr;  ///< the row that a further inline control joins
+  QWidget* check_ =
+      nullptr;  ///< the check box or option added last; a field without caption stands beside it
   std::string group_;
+  std::vector<QGridLayout*> open_grids_;  ///< those outside frames
 };
 
 }  // namespace ormel

@@ -8,6 +8,12 @@
 
 #include "ormel/qt_text.h"
 
+/// The drawings are in this library, and a program links only what is asked for.  Outside all namespaces, as
+/// the toolkit wants it.
+static void NeedDrawings() {
+  Q_INIT_RESOURCE(ormel);
+}
+
 namespace ormel {
 namespace {
 
@@ -15,6 +21,7 @@ constexpr auto kInk = "#3b4652";  ///< the colour of the drawings that stands fo
 constexpr std::array kSizes = {16, 24, 32, 48, 64};
 
 QByteArray Drawing(const QString& name) {
+  NeedDrawings();
   QFile file(QStringLiteral(":/ormel/icons/%1.svg").arg(name));
   return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
@@ -42,8 +49,8 @@ QIcon IconFrom(const QByteArray& svg) {
 
 }  // namespace
 
-QIcon ToolIcon(std::string_view key, const QPalette& palette) {
-  QByteArray svg = Drawing(ToQString(key));
+QIcon ToolIcon(std::string_view name, const QPalette& palette) {
+  QByteArray svg = Drawing(ToQString(name));
   svg.replace(kInk, palette.color(QPalette::ButtonText).name().toLatin1());
   return IconFrom(svg);
 }

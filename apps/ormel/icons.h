@@ -7,9 +7,9 @@
 
 namespace ormel {
 
-/// The icon of a toolbar button by its key, its ink in the palette's text colour so that it reads on light
-/// and dark grounds.  A key without a drawing gives a null icon.
-QIcon ToolIcon(std::string_view key, const QPalette& palette);
+/// The drawing of that name, its ink in the palette's text colour so that it reads on light
+/// and dark grounds.  A name without a drawing gives a null icon.
+QIcon ToolIcon(std::string_view name, const QPalette& palette);
 
 /// The program's own icon.
 QIcon ProgramIcon();

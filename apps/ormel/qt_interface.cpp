@@ -15,17 +15,20 @@
 #include "ormel/file_filter.h"
 #include "ormel/form_dialog.h"
 #include "ormel/help_viewer.h"
+#include "ormel/icons.h"
 #include "ormel/qt_text.h"
 #include "ormel/text_viewer.h"
 #include "ormel/wait_box.h"
 #include "qtdevice/fonts.h"
 #include "qtdevice/painter_device.h"
+#include "shell/about.h"
 
 namespace ormel {
 namespace {
 
 constexpr int kShowAfter = 400;  ///< milliseconds a command may take before the wait box comes up
 constexpr int kPumpEvery = 25;   ///< milliseconds
+constexpr int kLogo = 64;        ///< pixels
 constexpr int kPumpFor = 10;     ///< milliseconds
 
 struct ButtonsRow {
@@ -193,10 +196,15 @@ std::optional<FontChoice> QtInterface::ChooseFont(const FontChoice& initial) {
 }
 
 void QtInterface::ShowForm(Form& form) {
+  const auto* about = dynamic_cast<const About*>(&form);
+  const bool splash = about != nullptr && about->splash();
+  if (splash && splash_time_ <= 0) return;
   const Asking asking(*this);
   FormDialog dialog(form, Front());
   connect(&dialog, &FormDialog::HelpAsked, this,
           [this](const QString& topic) { ShowHelp(topic.toStdString()); });
+  if (about != nullptr || form.Name() == "Welcome") dialog.SetPicture(ProgramIcon().pixmap(kLogo, kLogo));
+  if (splash) dialog.MakeSplash(splash_time_);
   dialog.Show();
 }
 

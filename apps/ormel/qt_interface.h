@@ -25,6 +25,8 @@ class QtInterface final : public QObject, public UserInterface {
 
   /// The window that dialogs stand before.
   void SetWindow(QWidget* window) { window_ = window; }
+  /// How long the splash box stays; 0 leaves it out.
+  void SetSplashTime(int milliseconds) { splash_time_ = milliseconds; }
   /// A command has asked for patience and has not yet let go.
   bool Waiting() const { return waiting_; }
   /// As if the user had pressed Cancel in the wait box.
@@ -74,6 +76,7 @@ class QtInterface final : public QObject, public UserInterface {
   bool cancel_ = false;
   bool pumping_ = false;
   int asking_ = 0;
+  int splash_time_ = 1800;
   QHash<QString, QString> folders_;  ///< where each kind of file dialog was last used
 };
 

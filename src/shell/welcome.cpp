@@ -34,13 +34,13 @@ constexpr std::array kControls{
                 .kind = ControlKind::kButton,
                 .caption = "Example: Basin and Range",
                 .tip = "Wells in a closed basin"},
+    ControlSpec{.name = kDontShow,
+                .kind = ControlKind::kCheck,
+                .caption = "Don't show this dialog box in the future"},
     ControlSpec{.name = "cmdButton(3)",
                 .kind = ControlKind::kButton,
                 .caption = "Start Ormel",
                 .role = ButtonRole::kReject},
-    ControlSpec{.name = kDontShow,
-                .kind = ControlKind::kCheck,
-                .caption = "Don't show this dialog box in the future"},
 };
 
 struct Example {

@@ -1,0 +1,191 @@
+#include "ormel/main_window.h"
+
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QTimer>
+#include <QUrl>
+
+#include "core/command.h"
+#include "core/ormel.h"
+#include "core/processes.h"
+#include "core/status.h"
+#include "core/user_interface.h"
+#include "ormel/icons.h"
+#include "ormel/map_output.h"
+#include "ormel/menu_actions.h"
+#include "ormel/qt_interface.h"
+#include "ormel/qt_text.h"
+#include "ormel/status_panels.h"
+#include "ormel/tool_buttons.h"
+#include "shell/lifecycle.h"
+#include "shell/menus.h"
+#include "text/files.h"
+
+namespace ormel {
+namespace {
+
+constexpr double kTwipsPerInch = 1440.0;
+
+/// The one local project file of a drop, or nothing.
+QString DroppedProject(const QMimeData& data) {
+  const QList<QUrl> urls = data.urls();
+  if (urls.size() != 1 || !urls.constFirst().isLocalFile()) return {};
+  const QString path = urls.constFirst().toLocalFile();
+  return path.endsWith(QStringLiteral(".orm"), Qt::CaseInsensitive) ? path : QString();
+}
+
+}  // namespace
+
+MainWindow::MainWindow(Ormel& ormel, QtInterface& ui)
+    : ormel_(ormel),
+      ui_(ui),
+      map_(new MapWidget(ormel, this)),
+      panels_(new StatusPanels(this)),
+      output_(std::make_unique<MapOutput>(ormel, *this)) {
+  setWindowIcon(ProgramIcon());
+  setAcceptDrops(true);
+  setMinimumSize(640, 440);
+  setCentralWidget(map_);
+  setStatusBar(panels_);
+  menu_actions_ = new MenuActions(ormel, *menuBar(), [this](std::string_view control, int index) {
+    if (!Busy()) Dispatch(ormel_, control, index);
+    ShowAll();
+  });
+  toolbar_ = new ToolButtons(ormel, this, [this](std::string_view key) {
+    if (!Busy()) DispatchButton(ormel_, key);
+    ShowAll();
+  });
+  addToolBar(toolbar_);
+  map_->SetBusyTest([this] { return Busy(); });
+  connect(map_, &MapWidget::Touched, this, &MainWindow::Refresh);
+  connect(&ui, &QtInterface::PanelChanged, panels_, &StatusPanels::SetPanel);
+  connect(&ui, &QtInterface::CaptionChanged, this, &QWidget::setWindowTitle);
+  connect(&ui, &QtInterface::MenuStateChanged, this, &MainWindow::Refresh);
+  ui.SetWindow(this);
+}
+
+MainWindow::~MainWindow() {
+  ui_.SetWindow(nullptr);
+  map_->SetView(nullptr);
+}
+
+void MainWindow::SetView(MapViewImpl& view) {
+  view_ = &view;
+  map_->SetView(&view);
+  ShowAll();
+}
+
+bool MainWindow::Busy() const {
+  return ormel_.command.depth > 0 || ui_.Waiting();
+}
+
+MainWindow::Shown MainWindow::Present() const {
+  return {ormel_.menus.revision(), ormel_.project.ProjectOpen, ormel_.solution.ValidSolution};
+}
+
+void MainWindow::Refresh() {
+  if (shown_ != Present()) ShowAll();
+}
+
+void MainWindow::ShowAll() {
+  shown_ = Present();
+  menu_actions_->Refresh();
+  toolbar_->Refresh();
+}
+
+void MainWindow::Place(const Placement& placement) {
+  const double pixel = kTwipsPerInch / logicalDpiX();
+  const auto pixels = [pixel](double twips) { return static_cast<int>(std::lround(twips / pixel)); };
+  move(pixels(placement.Left), pixels(placement.Top));
+  resize(pixels(placement.Width), pixels(placement.Height));
+}
+
+std::optional<Placement> MainWindow::PresentPlacement() const {
+  if (isMinimized()) return std::nullopt;
+  const double pixel = kTwipsPerInch / logicalDpiX();
+  Placement placement;
+  placement.Top = pos().y() * pixel;
+  placement.Left = pos().x() * pixel;
+  placement.Width = width() * pixel;
+  placement.Height = height() * pixel;
+  placement.Toolbar = ormel_.menus.Checked("layermenu", kLayerToolbar);
+  return placement;
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  if (Busy()) {
+    event->ignore();
+    AskWhileBusy();
+    return;
+  }
+  Form_Unload(ormel_, PresentPlacement());
+  event->accept();
+}
+
+void MainWindow::AskWhileBusy() {
+  if (!ui_.Waiting() || close_after_wait_) return;
+  const Box box{kProgramTitle, "A run is still going on.\nStop it and close Ormel?", Buttons::kYesNo,
+                Icon::kQuestion};
+  if (ui_.Ask(box) != Answer::kYes) return;
+  close_after_wait_ = true;
+  ui_.RequestCancel();
+  // The command first comes to its end, in the loop that this event interrupts.
+  auto* retry = new QTimer(this);
+  connect(retry, &QTimer::timeout, this, [this, retry] {
+    if (Busy()) return;
+    retry->deleteLater();
+    close();
+  });
+  retry->start(50);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (!Busy() && !DroppedProject(*event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+  const QString path = DroppedProject(*event->mimeData());
+  if (path.isEmpty()) return;
+  event->acceptProposedAction();
+  // After the drop has ended: the other program waits for its answer, and opening may ask questions.
+  QTimer::singleShot(0, this, [this, path] { OpenDropped(path); });
+}
+
+void MainWindow::OpenDropped(const QString& path) {
+  if (Busy()) return;
+  RunCommand(ormel_, "FileOpenProject", [&] { FileOpenProject(ormel_, path.toStdString()); });
+  ShowAll();
+}
+
+void MainWindow::Exit() {
+  QTimer::singleShot(0, this, &QWidget::close);
+}
+
+void MainWindow::FilePrintSetup() {
+  output_->PrintSetup();
+}
+
+void MainWindow::FilePrint() {
+  output_->Print();
+}
+
+void MainWindow::CopyImage() {
+  output_->Copy();
+}
+
+void MainWindow::SaveMapAs() {
+  output_->SaveAs();
+}
+
+void MainWindow::ShowReleaseNotes() {
+  const std::string folder = ormel_.processes().ProgramFolder();
+  for (const char* place : {"/RELEASE.TXT", "/../share/doc/ormel/RELEASE.TXT", "/../../../RELEASE.TXT"})
+    if (FileExists(folder + place)) return ui_.ViewTextFile(folder + place);
+  Inform(ormel_, kProgramTitle, "The file RELEASE.TXT is not in the program's folder " + folder + ".");
+}
+
+}  // namespace ormel

@@ -1,0 +1,74 @@
+// The main window: menus, toolbar, status bar and the map.
+#pragma once
+
+#include <QMainWindow>
+#include <memory>
+#include <optional>
+#include <tuple>
+
+#include "core/window_commands.h"
+#include "ormel/map_widget.h"
+#include "shell/start.h"
+
+namespace ormel {
+
+class MapOutput;
+class MenuActions;
+class QtInterface;
+class StatusPanels;
+class ToolButtons;
+
+class MainWindow : public QMainWindow, public WindowCommands {
+  Q_OBJECT
+ public:
+  MainWindow(Ormel& ormel, QtInterface& ui);
+  ~MainWindow() override;
+
+  /// The view that draws on the map; outlives the window's last event.  The controller has its ports by now.
+  void SetView(MapViewImpl& view);
+  MapWidget& map() { return *map_; }
+  MenuActions& menus() { return *menu_actions_; }
+  ToolButtons& toolbar() { return *toolbar_; }
+  StatusPanels& panels() { return *panels_; }
+
+  void Place(const Placement& placement);
+  /// Nothing while the window is minimised.
+  std::optional<Placement> PresentPlacement() const;
+  /// Shows the state of menus and toolbar if it has changed.
+  void Refresh();
+
+  // WindowCommands
+  void Exit() override;
+  void FilePrintSetup() override;
+  void FilePrint() override;
+  void CopyImage() override;
+  void SaveMapAs() override;
+  void ShowReleaseNotes() override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  bool Busy() const;
+  void AskWhileBusy();
+  void ShowAll();
+  void OpenDropped(const QString& path);
+
+  using Shown = std::tuple<long, bool, bool>;
+  Shown Present() const;
+
+  Ormel& ormel_;
+  QtInterface& ui_;
+  MapViewImpl* view_ = nullptr;
+  MapWidget* map_;
+  StatusPanels* panels_;
+  ToolButtons* toolbar_ = nullptr;
+  MenuActions* menu_actions_ = nullptr;
+  std::unique_ptr<MapOutput> output_;
+  std::optional<Shown> shown_;
+  bool close_after_wait_ = false;
+};
+
+}  // namespace ormel

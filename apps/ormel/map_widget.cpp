@@ -1,0 +1,199 @@
+#include "ormel/map_widget.h"
+
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QWheelEvent>
+#include <array>
+#include <cmath>
+#include <utility>
+
+#include "core/command.h"
+#include "core/ormel.h"
+#include "qtdevice/painter_device.h"
+
+namespace ormel {
+namespace {
+
+constexpr int kFitDelay = 120;    ///< milliseconds of rest before a window of another size is drawn
+constexpr int kWheelDelay = 90;   ///< milliseconds of rest before a zoom by the wheel is drawn
+constexpr double kNotch = 120.0;  ///< angle of one notch of the wheel
+constexpr double kZoomPerNotch = 1.25;
+
+struct CursorRow {
+  int number;
+  Qt::CursorShape shape;
+};
+constexpr std::array kCursors = {CursorRow{0, Qt::ArrowCursor}, CursorRow{2, Qt::CrossCursor},
+                                 CursorRow{3, Qt::WaitCursor}, CursorRow{5, Qt::SizeAllCursor}};
+
+}  // namespace
+
+/// The next picture while the view draws it; the old one is shown until it is done.
+struct MapWidget::PictureInWork {
+  PictureInWork(QSize size, double ratio, int dpi)
+      : image(size, QImage::Format_RGB32),
+        painter(&image),
+        device(painter, size, dpi, dpi),
+        pixel_ratio(ratio) {}
+  QImage image;
+  QPainter painter;
+  QPainterDevice device;
+  double pixel_ratio;
+};
+
+MapWidget::MapWidget(Ormel& ormel, QWidget* parent) : QWidget(parent), ormel_(ormel) {
+  setMouseTracking(true);
+  setFocusPolicy(Qt::StrongFocus);
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setMinimumSize(160, 120);
+  for (QTimer* timer : {&fit_timer_, &wheel_timer_, &paint_timer_}) timer->setSingleShot(true);
+  connect(&fit_timer_, &QTimer::timeout, this, &MapWidget::Fit);
+  connect(&wheel_timer_, &QTimer::timeout, this, &MapWidget::ApplyWheel);
+  connect(&paint_timer_, &QTimer::timeout, this, [this] {
+    if (Ready()) Run("Redraw", [this] { view_->BeforePaint(); });
+  });
+}
+
+MapWidget::~MapWidget() = default;
+
+bool MapWidget::Ready() const {
+  return view_ != nullptr && in_work_ == nullptr && (!busy_ || !busy_());
+}
+
+void MapWidget::Run(const char* name, const std::function<void()>& body) {
+  RunCommand(ormel_, name, body);
+  emit Touched();
+}
+
+QSize MapWidget::PixelSize() const {
+  const double ratio = devicePixelRatioF();
+  return {static_cast<int>(std::lround(width() * ratio)), static_cast<int>(std::lround(height() * ratio))};
+}
+
+DevicePoint MapWidget::ToDevice(QPointF at) const {
+  const double ratio = devicePixelRatioF();
+  return {static_cast<int>(std::floor(at.x() * ratio)), static_cast<int>(std::floor(at.y() * ratio))};
+}
+
+DrawingDevice* MapWidget::BeginPicture() {
+  if (width() < 1 || height() < 1 || in_work_ != nullptr) return nullptr;
+  const double ratio = devicePixelRatioF();
+  const int dpi = static_cast<int>(std::lround(logicalDpiX() * ratio));
+  in_work_ = std::make_unique<PictureInWork>(PixelSize(), ratio, dpi);
+  return &in_work_->device;
+}
+
+void MapWidget::EndPicture() {
+  in_work_->painter.end();
+  picture_ = std::move(in_work_->image);
+  picture_.setDevicePixelRatio(in_work_->pixel_ratio);
+  in_work_.reset();
+  preview_.reset();
+  update();
+}
+
+void MapWidget::Update() {
+  ShowCursor();
+  update();
+  if (!paint_timer_.isActive()) paint_timer_.start(0);
+}
+
+void MapWidget::ShowCursor() {
+  for (const CursorRow& row : kCursors)
+    if (row.number == ormel_.mouse.cursor) setCursor(row.shape);
+}
+
+void MapWidget::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.fillRect(rect(), Qt::white);
+  if (!preview_.isIdentity()) painter.setRenderHint(QPainter::SmoothPixmapTransform);
+  painter.setTransform(preview_);
+  painter.drawImage(QPointF(0, 0), picture_);
+  PaintOverlay(painter);
+}
+
+void MapWidget::PaintOverlay(QPainter& painter) {
+  if (view_ == nullptr) return;
+  const double ratio = devicePixelRatioF();
+  painter.scale(1.0 / ratio, 1.0 / ratio);
+  const int dpi = static_cast<int>(std::lround(logicalDpiX() * ratio));
+  QPainterDevice device(painter, PixelSize(), dpi, dpi);
+  view_->PaintOverlay(device);
+}
+
+void MapWidget::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  fit_timer_.start(kFitDelay);
+}
+
+void MapWidget::Fit() {
+  if (!Ready()) {
+    fit_timer_.start(kFitDelay);
+    return;
+  }
+  Run("Form_Resize", [this] { view_->ApplyView(ormel_.window.SolveWindow); });
+}
+
+void MapWidget::wheelEvent(QWheelEvent* event) {
+  event->accept();
+  if (!Ready() || !ormel_.project.ProjectOpen || dragging_) return;
+  if (wheel_timer_.isActive() && wheel_at_ != event->position()) ApplyWheel();
+  wheel_at_ = event->position();
+  const double closer = std::pow(kZoomPerNotch, event->angleDelta().y() / kNotch);
+  wheel_factor_ /= closer;
+  preview_ = QTransform::fromTranslate(wheel_at_.x(), wheel_at_.y())
+                 .scale(1.0 / wheel_factor_, 1.0 / wheel_factor_)
+                 .translate(-wheel_at_.x(), -wheel_at_.y());
+  update();
+  wheel_timer_.start(kWheelDelay);
+}
+
+void MapWidget::ApplyWheel() {
+  wheel_timer_.stop();
+  if (!Ready()) {
+    wheel_timer_.start(kWheelDelay);
+    return;
+  }
+  const double factor = std::exchange(wheel_factor_, 1.0);
+  preview_.reset();
+  Run("Map_MouseWheel", [&] { view_->ZoomAbout(ToDevice(wheel_at_), factor); });
+}
+
+void MapWidget::mousePressEvent(QMouseEvent* event) {
+  if (wheel_timer_.isActive()) ApplyWheel();
+  if (!Ready()) return;
+  if (event->button() == Qt::MiddleButton) {
+    if (!ormel_.project.ProjectOpen) return;
+    dragging_ = true;
+    drag_from_ = event->position();
+    setCursor(Qt::ClosedHandCursor);
+    return;
+  }
+}
+
+void MapWidget::mouseMoveEvent(QMouseEvent* event) {
+  if (dragging_) {
+    const QPointF shift = event->position() - drag_from_;
+    preview_ = QTransform::fromTranslate(shift.x(), shift.y());
+    update();
+    return;
+  }
+}
+
+void MapWidget::mouseReleaseEvent(QMouseEvent* event) {
+  if (dragging_) {
+    if (event->button() == Qt::MiddleButton) EndDrag(event->position());
+    return;
+  }
+}
+
+void MapWidget::EndDrag(QPointF at) {
+  dragging_ = false;
+  ShowCursor();
+  preview_.reset();
+  update();
+  if (Ready() && at != drag_from_)
+    Run("Map_MouseDrag", [&] { view_->Pan(ToDevice(drag_from_), ToDevice(at)); });
+}
+
+}  // namespace ormel

@@ -1,0 +1,26 @@
+#include "ormel/program.h"
+
+#include "shell/start.h"
+
+namespace ormel {
+
+Program::Program(const Surroundings& surroundings)
+    : solver(ormel, [](Ormel&) {}), window(ormel, ui), view(ormel, &window.map()) {
+  ormel.ports = {&ui,    &view, &solver, &surroundings.processes, &surroundings.settings, &surroundings.clock,
+                 &window};
+  window.SetView(view);
+}
+
+void Program::Start(const std::string& project) {
+  StartSteps steps;
+  steps.place = [this](const Placement& placement) { window.Place(placement); };
+  steps.show = [this] {
+    window.show();
+    window.raise();
+    window.activateWindow();
+  };
+  Form_Load(ormel, project, steps);
+  window.Refresh();
+}
+
+}  // namespace ormel
