@@ -1,6 +1,7 @@
 #include "core/project.h"
 
 #include <array>
+#include <filesystem>
 #include <memory>
 #include <string_view>
 
@@ -33,6 +34,13 @@ constexpr std::array kDataControls{
     DataControl{&BoundRecordsets::Capzones, "select * from Capzones;"},
 };
 
+/// A folder named relative to that of `file`, without final separator.
+std::string FolderBeside(const std::string& file, const std::string& relative) {
+  const std::filesystem::path folder =
+      (std::filesystem::path(file).parent_path() / relative).lexically_normal();
+  return (folder.has_filename() ? folder : folder.parent_path()).string();
+}
+
 }  // namespace
 
 void ReadProjectState(Ormel& ormel) {
@@ -41,6 +49,9 @@ void ReadProjectState(Ormel& ormel) {
   if (names.Next()) {
     project.OrmelBaseName = names.Text(0);
     project.OrmelBasePath = names.Text(1);
+    // A project that is meant to be moved about says "." for its own folder.
+    if (std::filesystem::path(project.OrmelBasePath).is_relative())
+      project.OrmelBasePath = FolderBeside(project.DBName, project.OrmelBasePath);
   }
   RowReader units(ormel.db(), "select ComputeMeters,BasemapMeters from Model");
   if (units.Next()) {

@@ -10,7 +10,8 @@ struct Ormel;
 /// Opens the file for writing as the controller's one connection, and reads from it what the controller
 /// keeps: path and folder, base name and path, units.  Throws StoreError; the controller is then as it was.
 void AttachProject(Ormel& ormel, const std::string& path);
-/// Reads `OrmelBaseName`, `OrmelBasePath` and the units again, after a dialog has changed them.
+/// Reads `OrmelBaseName`, `OrmelBasePath` and the units again, after a dialog has changed them.  A relative
+/// path is seen from the project's folder.
 void ReadProjectState(Ormel& ormel);
 /// Opens the eleven bound recordsets, in their order.
 void LoadDataControls(Ormel& ormel);
