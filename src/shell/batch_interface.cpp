@@ -295,7 +295,7 @@ void BatchInterface::ShowHelp(std::string_view topic) {
 std::vector<std::string> BatchInterface::Unused() const {
   std::vector<std::string> unused;
   for (std::size_t i = 0; i < options_.answers.size(); ++i)
-    if (answer_uses_[i] == 0)
+    if (answer_uses_[i] == 0 && !options_.answers[i].optional)
       unused.push_back("--answer \"" + options_.answers[i].key + "=" + options_.answers[i].value + "\"");
   for (std::size_t i = 0; i < options_.settings.size(); ++i) {
     const BatchSetting& s = options_.settings[i];

@@ -16,6 +16,7 @@ namespace ormel {
 /// An answer to boxes, input boxes and file dialogs whose title is `key`, or whose text begins with it.
 struct BatchAnswer {
   std::string key, value;
+  bool optional = false;  ///< no remark when nothing asks for it
 };
 
 /// A value of one control of a form: text for fields, "yes" or "no" for checks and options, the item's text

@@ -13,15 +13,21 @@
 #include "model/barriers.h"
 #include "model/digitize.h"
 #include "model/inhomogeneities.h"
+#include "model/linesinks.h"
 #include "model/model_settings.h"
+#include "model/observations.h"
+#include "model/uniform_flow.h"
 #include "shell/about.h"
 #include "shell/gui_options_form.h"
 #include "shell/help.h"
 #include "shell/integrity.h"
 #include "shell/lifecycle.h"
 #include "shell/recent_projects.h"
+#include "shell/solve_stamp.h"
 #include "solver/driver.h"
 #include "solver/extents.h"
+#include "text/files.h"
+#include "view/pathlines.h"
 
 namespace ormel::command {
 namespace {
@@ -37,6 +43,16 @@ void CheckOnly(Ormel& ormel, std::string_view control, int index, int count) {
 
 void RedrawInPlace(Ormel& ormel) {
   ormel.view().ZoomActions(ormel::Zoom::kRedrawInPlace);
+}
+
+/// Lets other programs know the solve.  A folder that takes no file has lost nothing by that.
+void StampSolve(Ormel& ormel) {
+  if (!ormel.solution.ValidSolution) return;
+  try {
+    WriteSolveStamp(ormel);
+  } catch (const FileError& e) {
+    Inform(ormel, kProgramTitle, e.what(), Icon::kWarning);
+  }
 }
 
 }  // namespace
@@ -74,6 +90,15 @@ void SaveMapAs(Ormel& ormel, int /*index*/) {
   ormel.ports.window->SaveMapAs();
 }
 
+void AddText(Ormel& ormel, int /*index*/) {
+  ormel.view().ElemTurnOffSelection();
+  BeginPlacing(ormel, Element::kTextLabel, "Add Text", "Click mouse at location for new text");
+}
+
+void DrawCapzone(Ormel& ormel, int /*index*/) {
+  ModelAddCapzone(ormel);
+}
+
 void CopyImage(Ormel& ormel, int /*index*/) {
   ormel.ports.window->CopyImage();
 }
@@ -82,6 +107,18 @@ void Layer(Ormel& ormel, int index) {
   if (index == kLayerRefresh) return ormel.view().ZoomActions(ormel::Zoom::kRedraw);
   Toggle(ormel, "layermenu", index);
   if (index != kLayerToolbar) RedrawInPlace(ormel);
+}
+
+void Pathlines(Ormel& ormel, int /*index*/) {
+  PATHLINES(ormel);
+}
+
+void TimeMarks(Ormel& ormel, int index) {
+  TMARKS(ormel, index);
+}
+
+void ElevationMarks(Ormel& ormel, int index) {
+  ZMARKS(ormel, index == kElevationMarksEnter);
 }
 
 void TestDisplay(Ormel& ormel, int index) {
@@ -121,6 +158,8 @@ void NewElement(Ormel& ormel, int index) {
     case 1:
       ormel.view().ElemTurnOffSelection();
       return BeginPlacing(ormel, Element::kWell, "Add Well", "Click mouse at location for new well");
+    case 2:
+      return ElemAddLinesinkString(ormel);
     case 3:
       return ElemAddNoFlowString(ormel);
     case 4:
@@ -128,6 +167,10 @@ void NewElement(Ormel& ormel, int index) {
     default:
       return;
   }
+}
+
+void UniformFlow(Ormel& ormel, int /*index*/) {
+  ElemUniformFlow(ormel);
 }
 
 void Model(Ormel& ormel, int index) {
@@ -138,9 +181,16 @@ void Model(Ormel& ormel, int index) {
     case 2:
       ormel.solver().ModelRunVadox({.AskFirst = true, .ZoomAfter = true, .ViewLogs = true});
       if (ormel.solution.ValidSolution) Note(ormel, "CURRENT");
-      return;
+      return StampSolve(ormel);
     case 3:
-      return ormel.solver().ModelRunVadox({true, true, true, true, true});
+      ormel.solver().ModelRunVadox({true, true, true, true, true});
+      return StampSolve(ormel);
+    case 4:
+      return BeginParticle(ormel);
+    case 5:
+      return BeginTestPoint(ormel);
+    case 6:
+      return ModelAddFluxInspect(ormel);
     default:
       return;
   }

@@ -13,6 +13,8 @@ void Recent(Ormel& ormel, int index);
 void SaveMapAs(Ormel& ormel, int index);
 
 // &Edit
+void AddText(Ormel& ormel, int index);
+void DrawCapzone(Ormel& ormel, int index);
 void CopyImage(Ormel& ormel, int index);
 
 // &View
@@ -23,13 +25,13 @@ void ElevationMarks(Ormel& ormel, int index);
 void TestDisplay(Ormel& ormel, int index);
 void TestScaling(Ormel& ormel, int index);
 void ShowVertices(Ormel& ormel, int index);
-void ToggleAndRedraw(Ormel& ormel, int index);
 void Haze(Ormel& ormel, int index);
 void WellLabels(Ormel& ormel, int index);
 void SimpleWhpas(Ormel& ormel, int index);
 
 // E&lement
 void NewElement(Ormel& ormel, int index);
+void UniformFlow(Ormel& ormel, int index);
 
 // &Model
 void Model(Ormel& ormel, int index);

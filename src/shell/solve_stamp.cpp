@@ -1,0 +1,201 @@
+#include "shell/solve_stamp.h"
+
+#include <array>
+#include <charconv>
+#include <fstream>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "core/ormel.h"
+#include "model/validity.h"
+#include "solver/outside_programs.h"
+#include "store/bulk.h"
+#include "store/database.h"
+#include "text/files.h"
+#include "text/numbers.h"
+#include "text/strings.h"
+
+namespace ormel {
+namespace {
+
+constexpr std::string_view kHeading = "* Ormel solve stamp 1";
+constexpr const char* kStampExtension = ".RUN";
+
+/// What the solver is told, in the order of identities.
+constexpr std::array<std::string_view, 9> kModelQueries{
+    "select VID,PID,Seq,X,Y from Vertices order by VID",
+    "select VID,Head,Radius,NParticles,Transient,Cyclic,Cycles,SS,Time,TopElev,BottomElev,HeadSpecified,"
+    "PPWell,StartHead,StartElev,Pond,Label from Wells order by VID",
+    "select * from LinesinkStrings order by PID",
+    "select PID,HydCond,Thickness,Porosity,BottomElevation,Closed from NoFlowStrings order by PID",
+    "select PID,HydCond,BottomElevation,AverageHead,Recharge,Porosity,ChangeK,ChangeR,ChangeP,ChangeB,ChangeA"
+    " from Inhomogeneities order by PID",
+    "select * from Particles order by VID",
+    "select VID,ObsHead from TestPoints order by VID",
+    "select PID from FluxInspect order by PID",
+    "select AQBase,AQThickness,AQHydCond,AQRecharge,AQPorosity,BasemapMeters,ComputeMeters,CONTOURShow,"
+    "CONTOURMinimum,CONTOURMaximum,CONTOURInterval,CONTOURLevel,TRACECompute,TRACEStep,TRACEMaxTime,"
+    "UNIFLOWRefX,UNIFLOWRefY,UNIFLOWRefHead,UNIFLOWGradient,UNIFLOWOrientation,UNIFLOWCompute,"
+    "SOLVERIterations from Model"};
+
+/// Fowler, Noll and Vo's hash of 64 bits, variant 1a.
+class Hash {
+ public:
+  void Add(std::string_view text) {
+    for (const char c : text) {
+      value_ ^= static_cast<unsigned char>(c);
+      value_ *= 1099511628211ULL;
+    }
+  }
+  std::uint64_t value() const { return value_; }
+
+ private:
+  std::uint64_t value_ = 14695981039346656037ULL;
+};
+
+template <class T>
+std::string Exactly(T value, int base = 10) {
+  std::array<char, 64> text{};
+  std::to_chars_result end{};
+  if constexpr (std::is_floating_point_v<T>) {
+    end = std::to_chars(text.data(), text.data() + text.size(), value);
+  } else {
+    end = std::to_chars(text.data(), text.data() + text.size(), value, base);
+  }
+  return {text.data(), end.ptr};
+}
+
+/// "<bytes> <hash>" of a file, "-" when it is not there.
+std::string ContentOf(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return "-";
+  Hash hash;
+  std::uint64_t size = 0;
+  std::vector<char> buffer(1U << 16U);
+  while (in.read(buffer.data(), static_cast<std::streamsize>(buffer.size())), in.gcount() > 0) {
+    const auto count = static_cast<std::size_t>(in.gcount());
+    hash.Add({buffer.data(), count});
+    size += count;
+  }
+  return Exactly(size) + " " + Exactly(hash.value(), 16);
+}
+
+struct Wanted {
+  bool contours = false, paths = false;
+};
+
+Wanted ReadWanted(Ormel& ormel) {
+  RowReader model(ormel.db(), "select CONTOURShow,TRACECompute from Model");
+  if (!model.Next()) return {};
+  return {model.Long(0) != 0, model.Long(1) != 0};
+}
+
+std::vector<std::string_view> FilesOfRun(const Wanted& wanted) {
+  std::vector<std::string_view> files{".XTR"};
+  if (wanted.contours) files.insert(files.end(), {".GRD", ".CTR"});
+  if (wanted.paths) files.push_back(".PTH");
+  return files;
+}
+
+std::vector<std::string> StampLines(Ormel& ormel, const Extents& solved) {
+  std::vector<std::string> lines{std::string(kHeading), "model " + Exactly(ModelFingerprint(ormel), 16),
+                                 "extents " + Exactly(solved.x_min) + " " + Exactly(solved.x_max) + " " +
+                                     Exactly(solved.y_min) + " " + Exactly(solved.y_max)};
+  for (const std::string_view extension : FilesOfRun(ReadWanted(ormel)))
+    lines.push_back("file " + std::string(extension) + " " + ContentOf(StemFile(ormel, extension)));
+  return lines;
+}
+
+std::vector<std::string> ReadStamp(const std::string& path) {
+  std::vector<std::string> lines;
+  if (!FileExists(path)) return lines;
+  try {
+    LineReader in(path);
+    for (std::string line; lines.size() < 20 && in.Next(line);) lines.push_back(line);
+  } catch (const FileError&) {
+    lines.clear();
+  }
+  return lines;
+}
+
+std::optional<Extents> ExtentsIn(const std::vector<std::string>& stamp) {
+  if (stamp.size() < 3 || stamp[0] != kHeading) return std::nullopt;
+  const std::vector<std::string> words = ParseString(stamp[2], ' ');
+  if (words.size() != 5 || words[0] != "extents") return std::nullopt;
+  return Extents{Val(words[1]), Val(words[2]), Val(words[3]), Val(words[4])};
+}
+
+/// The reason why the stamp does not stand for the open project; empty when it does.
+std::string Judge(Ormel& ormel, const std::vector<std::string>& stamp) {
+  if (stamp.empty()) return "the project has not been solved yet";
+  const std::optional<Extents> solved = ExtentsIn(stamp);
+  if (!solved) return StemFile(ormel, kStampExtension) + " is damaged";
+  const std::vector<std::string> now = StampLines(ormel, *solved);
+  if (now[1] != stamp[1]) return "the model has been changed since it was solved";
+  for (std::size_t i = 3; i < now.size(); ++i) {
+    const std::string file = StemFile(ormel, ParseString(now[i], ' ')[1]);
+    if (now[i].ends_with(" -")) return file + " is missing";
+    if (i >= stamp.size() || now[i] != stamp[i]) return file + " is not that of the solve";
+  }
+  return {};
+}
+
+void SetLayer(Ormel& ormel, LayerItem layer, bool on) {
+  if (on) {
+    TurnOnLayer(ormel, layer);
+  } else {
+    TurnOffLayer(ormel, layer);
+  }
+}
+
+}  // namespace
+
+std::uint64_t ModelFingerprint(Ormel& ormel) {
+  Hash hash;
+  for (const std::string_view query : kModelQueries) {
+    RowReader rows(ormel.db(), query);
+    hash.Add(query);
+    while (rows.Next()) {
+      for (int column = 0; column < rows.ColumnCount(); ++column) {
+        hash.Add(rows.Get(column).AsText());
+        hash.Add("\x1f");
+      }
+      hash.Add("\x1e");
+    }
+  }
+  return hash.value();
+}
+
+void WriteSolveStamp(Ormel& ormel) {
+  TextFileWriter out(StemFile(ormel, kStampExtension));
+  for (const std::string& line : StampLines(ormel, ormel.window.solved)) out.Line(line);
+  out.Commit();
+}
+
+std::string WhyNotSolved(Ormel& ormel) {
+  return Judge(ormel, ReadStamp(StemFile(ormel, kStampExtension)));
+}
+
+std::string RestoreSolve(Ormel& ormel) {
+  const std::vector<std::string> stamp = ReadStamp(StemFile(ormel, kStampExtension));
+  if (std::string reason = Judge(ormel, stamp); !reason.empty()) return reason;
+  ormel.window.solved = *ExtentsIn(stamp);
+  ormel.window.model = ormel.window.solved;
+  ormel.db().Execute("update Model set SOLVERX0=?, SOLVERY0=?",
+                     {ormel.window.solved.x_min, ormel.window.solved.y_min});
+  const Wanted wanted = ReadWanted(ormel);
+  SolutionState& solution = ormel.solution;
+  solution.ValidSolution = true;
+  solution.GridValid = solution.ContoursValid = wanted.contours;
+  solution.PathlinesValid = wanted.paths;
+  SetLayer(ormel, kLayerContours, wanted.contours);
+  SetLayer(ormel, kLayerPathlines, wanted.paths);
+  SetLayer(ormel, kLayerTestPoints, ormel.db().RowCount("TestPoints") > 0);
+  for (const char* item : {"RESULTS_TABLE", "MODELRUNFILES", "CALIBRATION_STATS"})
+    ormel.menus.Enable(item, true);
+  ormel.menus.Enable("MODEL_CMDS", 3, true);
+  return {};
+}
+
+}  // namespace ormel
