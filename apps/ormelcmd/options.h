@@ -1,0 +1,35 @@
+// The subcommands: each adds itself to the command line and leaves what to do in `Program::run`.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "core/types.h"
+#include "ormelcmd/session.h"
+
+namespace CLI {
+class App;
+}
+
+namespace ormel {
+
+struct Program {
+  CommonOptions common;
+  std::function<int()> run;  ///< set by the subcommand that was given; its exit code
+};
+
+void AddProjectCommands(CLI::App& app, Program& program);  ///< new, set, window
+void AddElementCommands(CLI::App& app, Program& program);  ///< add ...
+void AddSolveCommands(CLI::App& app, Program& program);    ///< solve, deck
+void AddRenderCommand(CLI::App& app, Program& program);
+void AddQueryCommands(CLI::App& app, Program& program);  ///< sql, results
+
+/// "12.5,-3": two numbers.  Throws UserError naming `what`.
+MapPoint ParsePoint(const std::string& text, const std::string& what);
+/// Points separated by blanks or semicolons, in one text or several.
+std::vector<MapPoint> ParsePoints(const std::vector<std::string>& texts, const std::string& what);
+/// "#RRGGBB"
+Color ParseColor(const std::string& text);
+
+}  // namespace ormel

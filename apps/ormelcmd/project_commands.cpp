@@ -1,0 +1,204 @@
+// new, set, window
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "core/command.h"
+#include "core/map_view.h"
+#include "model/model_settings.h"
+#include "ormelcmd/options.h"
+#include "shell/lifecycle.h"
+#include "shell/open_steps.h"
+#include "store/database.h"
+#include "store/schema.h"
+#include "text/files.h"
+#include "text/numbers.h"
+#include "text/strings.h"
+
+namespace ormel {
+namespace {
+
+struct NewOptions {
+  std::string path, description = "New Ormel Project", map_units = "meters", compute_units = "meters";
+  bool overwrite = false;
+};
+
+int New(const CommonOptions& common, const NewOptions& given) {
+  BatchOptions options = MakeBatchOptions(common);
+  const auto set = [&options](const char* form, const std::string& control, const std::string& value) {
+    options.settings.push_back({form, control, value});
+  };
+  options.answers.push_back({"Create New Project Database", given.path});
+  if (given.overwrite) options.answers.push_back({"File Exists", "OK", true});
+  set("NewDatabaseWizard", "tbDesc", given.description);
+  set("NewDatabaseWizard", given.compute_units == "feet" ? "optCompute(0)" : "optCompute(1)", "yes");
+  set("NewDatabaseWizard", given.map_units == "feet" ? "optBasemap(0)" : "optBasemap(1)", "yes");
+  set("ProjectSettings", "ProjectDesc", given.description);
+  Session session(options);
+  RunCommand(session.ormel(), "FileNewProject", [&] { FileNewProject(session.ormel()); });
+  const bool made = session.ormel().project.ProjectOpen;
+  if (!made) throw UserError(given.path + " was not made");
+  return session.Finish();
+}
+
+/// Fields of `Model` that the settings dialog checks, with their controls there.
+struct SettingControl {
+  std::string_view field, control;
+};
+constexpr SettingControl kSettingControls[] = {
+    {"AQBase", "tbBase"},
+    {"AQThickness", "tbThickness"},
+    {"AQHydCond", "tbHydCond"},
+    {"AQRecharge", "tbRecharge"},
+    {"AQPorosity", "tbPorosity"},
+    {"CONTOURShow", "chkContour"},
+    {"CONTOURMinimum", "tbContourMin"},
+    {"CONTOURMaximum", "tbContourMax"},
+    {"CONTOURInterval", "tbContourInt"},
+    {"TRACECompute", "chkComputePaths"},
+    {"TRACEStep", "tbStepSize"},
+    {"TRACEMaxTime", "tbMaxTime"},
+    {"SOLVERIterations", "tbIterations"},
+    {"ViewErrorLog", "chkViewError"},
+    {"ViewMessageLog", "chkViewMessage"},
+};
+
+struct Assignment {
+  std::string table, field, value;
+};
+
+Assignment ParseAssignment(const std::string& text) {
+  BatchSetting parts;
+  if (!ParseBatchSetting(text, parts))
+    throw UserError("\"" + text + "\" is not of the form Model.Field=value");
+  const schema::Table* table = schema::FindTable(parts.form);
+  if (table == nullptr || (table->name != "Model" && table->name != "Project"))
+    throw UserError("only fields of Model and Project can be set, not of \"" + parts.form + "\"");
+  const schema::Field* field = schema::FindField(*table, parts.control);
+  if (field == nullptr)
+    throw UserError("the table " + std::string(table->name) + " has no field \"" + parts.control + "\"");
+  if (field->name == "ProjectVersion") throw UserError("Project.ProjectVersion is kept by the program");
+  const bool is_text = field->type == schema::FieldType::kText && field->name != "AQThickness";
+  const bool is_boolean = field->type == schema::FieldType::kBoolean;
+  if (is_boolean) {
+    parts.value = EqualNoCase(parts.value, "true") || Val(parts.value) != 0.0 ? "-1" : "0";
+  } else if (!is_text && !IsNumeric(parts.value)) {
+    throw UserError(text + ": \"" + parts.value + "\" is not a number");
+  }
+  return {std::string(table->name), std::string(field->name), parts.value};
+}
+
+/// Puts the value into the dialog; false when the dialog has no control for the field.
+bool PutIntoForm(ModelSettings& form, const Assignment& assignment) {
+  for (const SettingControl& entry : kSettingControls) {
+    if (entry.field != assignment.field) continue;
+    if (entry.control.starts_with("chk")) {
+      form.SetChecked(entry.control, Val(assignment.value) != 0.0);
+    } else {
+      form.SetText(entry.control, assignment.value);
+    }
+    return true;
+  }
+  return false;
+}
+
+void Apply(Ormel& ormel, const std::vector<std::string>& texts) {
+  // What the dialog does not hold first: it reads the rest from the store.
+  std::vector<Assignment> for_form;
+  for (const std::string& text : texts) {
+    const Assignment assignment = ParseAssignment(text);
+    const bool in_form =
+        std::any_of(std::begin(kSettingControls), std::end(kSettingControls),
+                    [&assignment](const SettingControl& entry) { return entry.field == assignment.field; });
+    if (in_form) {
+      for_form.push_back(assignment);
+      continue;
+    }
+    Recordset row = ormel.db().OpenRecordset("select * from " + assignment.table);
+    const bool is_number = schema::FindField(*schema::FindTable(assignment.table), assignment.field)->type !=
+                           schema::FieldType::kText;
+    row.Edit();
+    row.Set(assignment.field, is_number ? Value(Val(assignment.value)) : Value(assignment.value));
+    row.Update();
+  }
+  if (for_form.empty()) return;
+  ModelSettings form(ormel);
+  form.Load();
+  form.MarkShown();
+  for (const Assignment& assignment : for_form) PutIntoForm(form, assignment);
+  form.Click("OK");
+  if (form.Result != ModelSettings::kOk) throw UserError("nothing was changed");
+}
+
+struct SetOptions {
+  std::string path;
+  std::vector<std::string> assignments;
+};
+
+int Set(const CommonOptions& common, const SetOptions& given) {
+  Session session(MakeBatchOptions(common));
+  session.OpenForEdit(given.path);
+  session.Edit([&] { Apply(session.ormel(), given.assignments); });
+  return session.Finish();
+}
+
+struct WindowOptions {
+  std::string path, window;
+  bool extents = false;
+};
+
+int Window(const CommonOptions& common, const WindowOptions& given) {
+  MapRect rect;
+  if (!given.extents) {
+    const std::vector<std::string> sides = ParseString(given.window, ',');
+    if (sides.size() != 4) throw UserError("--window takes left,bottom,right,top");
+    const MapPoint low = ParsePoint(sides[0] + "," + sides[1], "--window");
+    const MapPoint high = ParsePoint(sides[2] + "," + sides[3], "--window");
+    if (low.x >= high.x || low.y >= high.y)
+      throw UserError("--window: left must be below right and bottom below top");
+    rect = {low.x, high.x, high.y, low.y};
+  }
+  Session session(MakeBatchOptions(common));
+  session.OpenProject(given.path);
+  RunCommand(session.ormel(), "ZOOM_CMDS_Click", [&] {
+    session.ormel().view().ZoomActions(given.extents ? Zoom::kExtents : Zoom::kApplyWindow, rect);
+  });
+  return session.Finish();
+}
+
+}  // namespace
+
+void AddProjectCommands(CLI::App& app, Program& program) {
+  auto made = std::make_shared<NewOptions>();
+  CLI::App* create = app.add_subcommand("new", "Make a new project");
+  create->add_option("project", made->path, "Path of the new project (.orm)")->required();
+  create->add_option("--description", made->description, "Description of the project")->capture_default_str();
+  create->add_option("--map-units", made->map_units, "Length unit of the map")
+      ->check(CLI::IsMember({"meters", "feet"}))
+      ->capture_default_str();
+  create->add_option("--units", made->compute_units, "Length unit of elevations, properties and rates")
+      ->check(CLI::IsMember({"meters", "feet"}))
+      ->capture_default_str();
+  create->add_flag("--overwrite", made->overwrite, "Replace a project of that name");
+  create->callback(
+      [&program, made] { program.run = [&program, made] { return New(program.common, *made); }; });
+
+  auto set = std::make_shared<SetOptions>();
+  CLI::App* assign = app.add_subcommand(
+      "set", "Set fields of the tables Model and Project, with the checks of the settings dialog");
+  assign->add_option("project", set->path, "The project")->required();
+  assign->add_option("assignments", set->assignments, "Model.Field=value ...")->required();
+  assign->callback([&program, set] { program.run = [&program, set] { return Set(program.common, *set); }; });
+
+  auto window = std::make_shared<WindowOptions>();
+  CLI::App* zoom = app.add_subcommand("window", "Set the map window that the project opens with");
+  zoom->add_option("project", window->path, "The project")->required();
+  CLI::Option* all = zoom->add_flag("--extents", window->extents, "The extents of the model");
+  CLI::Option* sides =
+      zoom->add_option("--window", window->window, "left,bottom,right,top in map units")->excludes(all);
+  zoom->callback([&program, window, all, sides] {
+    if (all->count() + sides->count() == 0) throw CLI::RequiredError("--extents or --window");
+    program.run = [&program, window] { return Window(program.common, *window); };
+  });
+}
+
+}  // namespace ormel
