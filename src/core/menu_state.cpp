@@ -30,4 +30,13 @@ void MenuState::Check(std::string_view control, int index, bool on) {
   if (Checked(control, index) != on) At(control, index).checked = on;
 }
 
+void MenuState::SetCaption(std::string_view control, int index, std::string_view caption) {
+  if (Caption(control, index) != caption) At(control, index).caption = caption;
+}
+
+std::string MenuState::Caption(std::string_view control, int index) const {
+  const Item* item = Find(control, index);
+  return item == nullptr ? std::string() : item->caption;
+}
+
 }  // namespace ormel

@@ -21,6 +21,10 @@ class MenuState {
   void Check(std::string_view control, int index, bool on);
   void Check(std::string_view control, bool on) { Check(control, 0, on); }
 
+  /// A caption that replaces the one of the menu's table; empty for the table's own.
+  void SetCaption(std::string_view control, int index, std::string_view caption);
+  std::string Caption(std::string_view control, int index = 0) const;
+
   /// Grows with each change: a window compares it with the number it last showed.
   long revision() const { return revision_; }
 
@@ -28,6 +32,7 @@ class MenuState {
   struct Item {
     bool enabled = true;
     bool checked = false;
+    std::string caption;
   };
   Item& At(std::string_view control, int index);
   const Item* Find(std::string_view control, int index) const;

@@ -117,13 +117,14 @@ void ElemAddWell(Ormel& ormel) {
       WellRow row = form.Row();
       row.PathlineColor = kDefaultPathlineColor;  // a colour is stored by an edit only
       const MapPoint at = ElemCheckVertices(ormel, form.At());
-      StoreWell(ormel, row, at);
-      ormel.view().DrawWell(at, row.Setback, row.Radius, DrawMode::kNormal);
+      const Vid vid = StoreWell(ormel, row, at);
+      ormel.view().DrawElement(Element::kWell, vid, kSinglePoint, DrawMode::kNormal);
       TurnOnLayer(ormel, kLayerElements);
     }
     ormel.view().Refresh();
+    LeaveMouseMode(ormel);  // before a redraw, which may have something to say in the panels
     if (form.Result == OkCancelForm::kOk) InvalidateSolution(ormel, true, true);
-    EndPlacing(ormel);
+    ormel.view().TurnOnMenus();
   });
 }
 

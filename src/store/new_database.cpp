@@ -97,6 +97,22 @@ void AddRows(Database& database, const NewDatabaseOptions& options, const std::s
   project.Row(options.description, DateTime::Now(), base_name, options.working_directory);
 }
 
+void Fill(const std::string& path, const NewDatabaseOptions& options, const std::string& base_name) {
+  Database database = Database::Create(path);
+  {
+    Transaction transaction(database);
+    try {
+      MakeTables(database, options, base_name);
+      AddRows(database, options, base_name);
+    } catch (...) {
+      transaction.Rollback();
+      throw;
+    }
+    transaction.Commit();
+  }
+  database.Close();
+}
+
 }  // namespace
 
 void DBNewDatabase(const std::string& given_path, const NewDatabaseOptions& given) {
@@ -114,19 +130,14 @@ void DBNewDatabase(const std::string& given_path, const NewDatabaseOptions& give
   // A project that could be made only in part would look like one: the file has another name until it is
   // whole.
   UnfinishedFile file(path);
-  Database database = Database::Create(file.name());
-  {
-    Transaction transaction(database);
-    try {
-      MakeTables(database, options, base_name);
-      AddRows(database, options, base_name);
-    } catch (...) {
-      transaction.Rollback();
-      throw;
-    }
-    transaction.Commit();
+  try {
+    Fill(file.name(), options, base_name);
+  } catch (const StoreError& failure) {  // the user knows the file by the name that was asked for
+    std::string message = failure.what();
+    const std::size_t at = message.find(file.name());
+    if (at != std::string::npos) message.replace(at, file.name().size(), path);
+    throw StoreError(failure.code(), message, failure.table(), failure.field());
   }
-  database.Close();
   file.Keep();
 }
 

@@ -238,7 +238,8 @@ TEST(Schema, NothingHalfMadeIsLeft) {
   std::string message;
   EXPECT_EQ(FailureOf([&] { DBNewDatabase(folder / "other.orm", bad); }, &message), StoreErrorCode::kTooLong);
   EXPECT_THAT(message, HasSubstr("Description"));
-  EXPECT_EQ(FailureOf([&] { DBNewDatabase(folder / "none/x.orm", {}); }), StoreErrorCode::kBadPath);
+  EXPECT_EQ(FailureOf([&] { DBNewDatabase(folder / "none/x.orm", {}); }, &message), StoreErrorCode::kBadPath);
+  EXPECT_THAT(message, HasSubstr("none/x.orm\""));  // the name asked for, not the one it is made under
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
 }
 

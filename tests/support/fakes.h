@@ -144,7 +144,12 @@ class FakeView : public MapView {
   void DrawPoint(Element element, MapPoint at, DrawMode mode) override {
     drawn_points.push_back({element, at, mode});
   }
-  void ElemTurnOffSelection() override { ++selections_off; }
+  void ElemTurnOffSelection() override {
+    ++selections_off;
+    if (ormel == nullptr) return;
+    ormel->selection.SelectedType = Element::kNone;
+    for (int index = 1; index <= 4; ++index) ormel->menus.Enable("EDIT_CMDS", index, false);
+  }
   void ClearMouseMode() override { ++modes_cleared; }
   void TurnOffMenus() override { menus_on = false; }
   void TurnOnMenus() override { menus_on = true; }
@@ -152,6 +157,7 @@ class FakeView : public MapView {
   void SetUpLayers() override {}
   void Refresh() override { ++refreshes; }
 
+  Ormel* ormel = nullptr;  ///< whose selection is turned off
   std::vector<Zoom> zooms;
   MapRect last_rect;
   std::vector<Drawn> drawn;
@@ -225,7 +231,10 @@ struct TestController {
   FakeClock clock;
   Ormel ormel;
 
-  TestController() { ormel.ports = {&ui, &view, &solver, &processes, &settings, &clock}; }
+  TestController() {
+    ormel.ports = {&ui, &view, &solver, &processes, &settings, &clock};
+    view.ormel = &ormel;
+  }
 };
 
 }  // namespace ormel::test

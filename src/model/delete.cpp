@@ -1,0 +1,193 @@
+#include "model/delete.h"
+
+#include <array>
+
+#include "core/command.h"
+#include "core/map_view.h"
+#include "core/ormel.h"
+#include "core/status.h"
+#include "core/user_interface.h"
+#include "model/digitize.h"
+#include "model/move.h"
+#include "model/uniform_flow.h"
+#include "model/validity.h"
+#include "model/vertices.h"
+#include "model/wells.h"
+#include "store/database.h"
+#include "store/recordset.h"
+
+namespace ormel {
+namespace {
+
+constexpr std::array kControls{
+    ControlSpec{.name = "Message", .kind = ControlKind::kNote},
+    ControlSpec{.name = "cmdWhole",
+                .kind = ControlKind::kButton,
+                .caption = "&Entire Element",
+                .role = ButtonRole::kAccept},
+    ControlSpec{.name = "cmdVertex", .kind = ControlKind::kButton, .caption = "&Vertex"},
+    ControlSpec{
+        .name = "Cancel", .kind = ControlKind::kButton, .caption = "Cancel", .role = ButtonRole::kReject}};
+
+void Erase(Ormel& ormel, const Selection& selected) {
+  ormel.view().DrawElement(selected.SelectedType, selected.vid, selected.pid, DrawMode::kErase);
+}
+
+/// The selection is gone: no element, select status.
+void NothingSelected(Ormel& ormel) {
+  ormel.view().ElemTurnOffSelection();
+  ormel.selection.SelectedType = Element::kNone;
+  SelectStatus(ormel);
+  ormel.view().SetUpToolbar();
+  ormel.view().Refresh();
+}
+
+bool Confirmed(Ormel& ormel, const char* question) {
+  return AskOkCancel(ormel, "Confirm", question, Icon::kQuestion);
+}
+
+void DeletePointRow(Ormel& ormel, Recordset& rows, Vid vid) {
+  if (rows.FindKey("VID", vid)) rows.Delete();
+  DeleteVertex(ormel, vid);
+}
+
+void DeletePoint(Ormel& ormel, const Selection& selected, Recordset& rows, const char* question) {
+  if (!Confirmed(ormel, question)) return;
+  Erase(ormel, selected);
+  DeletePointRow(ormel, rows, selected.vid);
+  NothingSelected(ormel);
+}
+
+void DeleteParticle(Ormel& ormel, const Selection& selected) {
+  DeletePoint(ormel, selected, *ormel.project.bound.Particles, "Delete this particle?");
+}
+
+void DeleteTestPoint(Ormel& ormel, const Selection& selected) {
+  DeletePoint(ormel, selected, *ormel.project.bound.TestPoints, "Delete this test point?");
+}
+
+void DeleteTextLabel(Ormel& ormel, const Selection& selected) {
+  const Bookmark label = ormel.project.bound.TextLabels->GetBookmark();
+  if (!Confirmed(ormel, "Delete this label?")) return;
+  ormel.project.bound.TextLabels->SetBookmark(label);
+  Erase(ormel, selected);
+  ormel.project.bound.TextLabels->Delete();
+  NothingSelected(ormel);
+}
+
+void DeleteWell(Ormel& ormel, const Selection& selected) {
+  WellRow row;
+  if (!FindWell(ormel, selected.vid, row) || !Confirmed(ormel, "Delete this element?")) return;
+  Erase(ormel, selected);
+  DeletePointRow(ormel, *ormel.project.bound.Wells, selected.vid);
+  NothingSelected(ormel);
+  if (!IsMirror(row.Label)) InvalidateSolution(ormel, true, true);
+}
+
+void DeleteUniformFlow(Ormel& ormel, const Selection& selected) {
+  if (!Confirmed(ormel, "Remove the current uniform flow field?")) {
+    Inform(ormel, "Operation canceled", "Uniform flow is still in use");
+    return;
+  }
+  Erase(ormel, selected);
+  RemoveUniformFlow(ormel);
+  NothingSelected(ormel);
+  InvalidateSolution(ormel, true, true);
+}
+
+/// A string, domain or line: its question, and what a deletion means for the solution.
+struct PolygonDelete {
+  Element element;
+  const char* question;
+  bool whole_invalidates, vertex_invalidates;
+  const char* vertex_note;
+};
+constexpr const char* kWholeString = "Delete this vertex or the entire string?";
+constexpr std::array kPolygonDeletes{
+    PolygonDelete{Element::kLinesink, kWholeString, true, true, ""},
+    PolygonDelete{Element::kBarrier, kWholeString, true, true, ""},
+    PolygonDelete{Element::kInhomogeneity, kWholeString, true, true, ""},
+    PolygonDelete{Element::kFluxLine, "Delete this vertex or the flux inspection line?", true, false,
+                  "To view the change in this flux inspection line, you must re-solve the model"},
+    PolygonDelete{Element::kCapzone, "Delete this vertex or the entire protection area?", false, false, ""},
+};
+
+void DeleteVertexOf(Ormel& ormel, const Selection& selected) {
+  const auto redraw = [&](Pid pid, Vid vid) {
+    DeletePolygonVertex(ormel, pid, vid);
+    ormel.view().DrawElement(selected.SelectedType, -1, pid, DrawMode::kNormal);
+  };
+  std::vector<Vid> shared;
+  if (selected.SelectedType == Element::kInhomogeneity) shared = SharedCorners(ormel, selected.vid);
+  for (const Vid corner : shared) {
+    VertexRow row;
+    if (FindVertex(ormel, corner, row)) redraw(row.pid, corner);
+  }
+  redraw(selected.pid, selected.vid);
+  if (VerticesOf(ormel, selected.pid).size() != 1) return;
+  if (selected.SelectedType == Element::kLinesink)
+    ElemCheckPhantomLinesinkVertices(ormel, selected.pid);
+  else if (selected.SelectedType == Element::kBarrier && ElemCheckPhantomNoFlowVertices(ormel, selected.pid))
+    ormel.db().Execute("delete from NoFlowStrings where PID=?", {selected.pid});
+}
+
+void DeletePolygonOrVertex(Ormel& ormel, const Selection& selected, const PolygonDelete& kind) {
+  LSConfirm form(ormel, kind.question);
+  ormel.ui().ShowForm(form);
+  if (form.Choice() == DeleteChoice::kNeither) return;
+  // The last vertex of an element is the element.
+  const bool whole = form.Choice() == DeleteChoice::kWhole || VerticesOf(ormel, selected.pid).size() <= 1;
+  Erase(ormel, selected);
+  if (whole)
+    DeletePolygonElement(ormel, PolygonTable(kind.element), selected.pid);
+  else
+    DeleteVertexOf(ormel, selected);
+  NothingSelected(ormel);
+  if (!whole && *kind.vertex_note != '\0') Inform(ormel, "Please Note", kind.vertex_note);
+  if (whole ? kind.whole_invalidates : kind.vertex_invalidates) InvalidateSolution(ormel, true, true);
+}
+
+struct Deleter {
+  Element element;
+  void (*remove)(Ormel&, const Selection&);
+};
+constexpr std::array kDeleters{
+    Deleter{Element::kWell, DeleteWell}, Deleter{Element::kParticle, DeleteParticle},
+    Deleter{Element::kTestPoint, DeleteTestPoint}, Deleter{Element::kTextLabel, DeleteTextLabel},
+    Deleter{Element::kUniformFlow, DeleteUniformFlow}};
+
+}  // namespace
+
+LSConfirm::LSConfirm(Ormel& ormel, std::string message) : Form(ormel) {
+  InitControls();
+  Caption("Message", message);
+}
+
+std::span<const ControlSpec> LSConfirm::Controls() const {
+  return kControls;
+}
+
+void LSConfirm::Pressed(std::string_view name) {
+  Result = static_cast<int>(name == "cmdWhole"    ? DeleteChoice::kWhole
+                            : name == "cmdVertex" ? DeleteChoice::kVertex
+                                                  : DeleteChoice::kNeither);
+  Hide();
+}
+
+void DeletePolygonVertex(Ormel& ormel, Pid pid, Vid vid) {
+  DeleteVertex(ormel, vid);
+  const std::vector<VertexRow> left = VerticesOf(ormel, pid);
+  if (!left.empty()) Resequence(ormel, pid, left.front().vid);
+}
+
+void ElemDeleteElements(Ormel& ormel) {
+  RunEdit(ormel, "ElemDeleteElements", [&] {
+    const Selection selected = ormel.selection;
+    for (const Deleter& deleter : kDeleters)
+      if (deleter.element == selected.SelectedType) deleter.remove(ormel, selected);
+    for (const PolygonDelete& kind : kPolygonDeletes)
+      if (kind.element == selected.SelectedType) DeletePolygonOrVertex(ormel, selected, kind);
+  });
+}
+
+}  // namespace ormel

@@ -1,0 +1,180 @@
+// The bulk commands of "Delete All...".
+#include <array>
+#include <filesystem>
+#include <vector>
+
+#include "core/command.h"
+#include "core/map_view.h"
+#include "core/ormel.h"
+#include "core/status.h"
+#include "core/user_interface.h"
+#include "model/delete.h"
+#include "model/digitize.h"
+#include "model/validity.h"
+#include "model/vertices.h"
+#include "model/wells.h"
+#include "store/bulk.h"
+#include "store/database.h"
+#include "text/files.h"
+
+namespace ormel {
+namespace {
+
+constexpr const char* kTitle = "Delete All";
+
+/// A kind of objects: its question, its rows and the statements that remove them.
+struct BulkKind {
+  DeleteAllItem item;
+  const char* question;
+  const char* plural;
+  const char* count;
+  std::array<const char*, 2> remove;
+  bool invalidates;
+};
+
+constexpr std::array kKinds{
+    BulkKind{DeleteAllItem::kHydrographyLabels,
+             "Delete all hydrography labels from the database?",
+             "Hydrography Labels",
+             "select count(*) from TextLabels where LabelType=1",
+             {"", "delete from TextLabels where LabelType=1"},
+             false},
+    BulkKind{DeleteAllItem::kTestPoints,
+             "Delete all test points from the database?",
+             "Test Points",
+             "select count(*) from TestPoints",
+             {"delete from Vertices where VID in (select VID from TestPoints)", "delete from TestPoints"},
+             true},
+    BulkKind{
+        DeleteAllItem::kParticles,
+        "Delete all particles from the database?  NOTE: particles associated\nwith wells will be retained.",
+        "Particles",
+        "select count(*) from Particles",
+        {"delete from Vertices where VID in (select VID from Particles)", "delete from Particles"},
+        false},
+    BulkKind{DeleteAllItem::kTextLabels,
+             "Delete all text labels from the database?",
+             "Text Labels",
+             "select count(*) from TextLabels where LabelType=0",
+             {"", "delete from TextLabels where LabelType=0"},
+             false},
+    BulkKind{DeleteAllItem::kDischargeWells,
+             "Delete all discharge specified wells from the database?",
+             "Discharge Specified Wells",
+             "select count(*) from Wells where HeadSpecified=0",
+             {"delete from Vertices where VID in (select VID from Wells where HeadSpecified=0)",
+              "delete from Wells where HeadSpecified=0"},
+             true},
+    BulkKind{DeleteAllItem::kHeadWells,
+             "Delete all head specified wells from the database?",
+             "Head Specified Wells",
+             "select count(*) from Wells where HeadSpecified<>0",
+             {"delete from Vertices where VID in (select VID from Wells where HeadSpecified<>0)",
+              "delete from Wells where HeadSpecified<>0"},
+             true},
+};
+
+void DeleteKind(Ormel& ormel, const BulkKind& kind) {
+  if (!AskYesNo(ormel, kTitle, kind.question, Icon::kWarning)) return;
+  const std::string plural = kind.plural;
+  const std::int64_t count = ormel.db().Scalar(kind.count).AsLong();
+  if (count == 0) {
+    Inform(ormel, kTitle, "No " + plural + " were found!");
+    return;
+  }
+  ormel.view().ElemTurnOffSelection();
+  for (const char* statement : kind.remove)
+    if (*statement != '\0') ormel.db().Execute(statement);
+  Inform(ormel, kTitle, std::to_string(count) + " " + plural + " were removed.");
+  if (kind.invalidates) InvalidateSolution(ormel, true, false);
+  ormel.view().ZoomActions(Zoom::kRedrawInPlace);
+}
+
+struct WhpaKind {
+  const char* name;
+  int type;  ///< 0: all
+};
+constexpr std::array kWhpaKinds{WhpaKind{"Simple", 0}, WhpaKind{"Arbitrary Radius", 1},
+                                WhpaKind{"Calculated", 2}, WhpaKind{"Multiple Well", 3}};
+
+struct WhpaRow {
+  std::string well, stem;
+  Vid vid1 = 0, vid2 = 0;
+  int type = 0;
+  bool ran = false;  ///< a run of the solver belongs to it
+};
+
+std::vector<WhpaRow> ReadAreas(Ormel& ormel, int type) {
+  std::vector<WhpaRow> rows;
+  RowReader reader(ormel.db(), "select * from WHPAs where ?=0 or Type=?", {type, type});
+  const int well = reader.Column("Well"), stem = reader.Column("WHPAText"), radius = reader.Column("Radius"),
+            kind = reader.Column("Type"), vid1 = reader.Column("VID1"), vid2 = reader.Column("VID2");
+  while (reader.Next())
+    rows.push_back({.well = std::string(reader.Text(well)),
+                    .stem = std::string(reader.Text(stem)),
+                    .vid1 = vid1 < 0 ? 0 : reader.Long(vid1),
+                    .vid2 = vid2 < 0 ? 0 : reader.Long(vid2),
+                    .type = static_cast<int>(reader.Long(kind)),
+                    .ran = reader.Long(kind) != 1 && reader.Double(radius) == 0.0});
+  return rows;
+}
+
+void DeleteImage(Ormel& ormel, const std::string& label) {
+  const Value vid = ormel.db().Scalar("select VID from Wells where Label=?", {MirrorLabel(label)});
+  if (vid.IsNull()) return;
+  ormel.db().Execute("delete from Wells where VID=?", {vid});
+  DeleteVertex(ormel, vid.AsLong());
+}
+
+void DeleteArea(Ormel& ormel, const WhpaRow& row) {
+  // A circle of arbitrary radius has no stream boundary: the image belongs to another area of that well.
+  if (row.type != 1) DeleteImage(ormel, row.well);
+  for (const Vid vid : {row.vid1, row.vid2})
+    if (vid > 0) DeleteVertex(ormel, vid);
+  if (!row.ran || row.stem.empty() || row.stem == "NONE") return;
+  for (const char* extension : {".DAT", ".SOL", ".XTR", ".PTH", ".CTR", ".GRD"}) {
+    std::error_code ignored;  // not all of them exist
+    std::filesystem::remove(JoinPath(ormel.project.folder, row.stem + extension), ignored);
+  }
+}
+
+}  // namespace
+
+void DELETEALL(Ormel& ormel, int index) {
+  RunEdit(ormel, "DELETEALL_Click", [&] {
+    for (const BulkKind& kind : kKinds)
+      if (static_cast<int>(kind.item) == index) DeleteKind(ormel, kind);
+  });
+}
+
+void ReadWhpaState(Ormel& ormel) {
+  const auto any = [&](const char* sql) { return ormel.db().Scalar(sql).AsLong() > 0; };
+  ormel.solution.whpa_calculated_exists = any("select count(*) from WHPAs where T > 1 or Type = 3");
+  ormel.menus.Enable("DeleteWHPA", 0, any("select count(*) from WHPAs"));
+  for (int type = 1; type <= 3; ++type)
+    ormel.menus.Enable("DeleteWHPA", type,
+                       ormel.db().Scalar("select count(*) from WHPAs where Type = ?", {type}).AsLong() > 0);
+}
+
+void DeleteWHPA(Ormel& ormel, int index) {
+  RunEdit(ormel, "DeleteWHPA_Click", [&] {
+    ReadWhpaState(ormel);
+    if (index < 0 || static_cast<std::size_t>(index) >= kWhpaKinds.size()) return;
+    const WhpaKind& kind = kWhpaKinds.at(static_cast<std::size_t>(index));
+    const std::string plural = std::string(kind.name) + " WHPAs";
+    if (!AskYesNo(ormel, kTitle, "Delete all " + plural + " from the database?", Icon::kWarning)) return;
+    const std::vector<WhpaRow> rows = ReadAreas(ormel, kind.type);
+    if (rows.empty()) {
+      Inform(ormel, kTitle, "No " + plural + " were found!");
+      return;
+    }
+    ormel.view().ElemTurnOffSelection();
+    for (const WhpaRow& row : rows) DeleteArea(ormel, row);
+    ormel.db().Execute("delete from WHPAs where ?=0 or Type=?", {kind.type, kind.type});
+    Inform(ormel, kTitle, std::to_string(rows.size()) + " " + plural + " were removed.");
+    ReadWhpaState(ormel);
+    ormel.view().ZoomActions(Zoom::kRedrawInPlace);
+  });
+}
+
+}  // namespace ormel

@@ -1,0 +1,189 @@
+#include "model/move.h"
+
+#include <array>
+#include <filesystem>
+#include <string_view>
+
+#include "core/command.h"
+#include "core/map_view.h"
+#include "core/ormel.h"
+#include "core/status.h"
+#include "core/user_interface.h"
+#include "model/digitize.h"
+#include "model/model_values.h"
+#include "model/validity.h"
+#include "model/vertices.h"
+#include "model/wells.h"
+#include "store/bulk.h"
+#include "store/database.h"
+#include "store/recordset.h"
+#include "text/files.h"
+
+namespace ormel {
+namespace {
+
+struct MoveActivity {
+  Element element;
+  const char* text;
+};
+constexpr std::array kActivities{
+    MoveActivity{Element::kWell, "Move Well"}, MoveActivity{Element::kTestPoint, "Move Test Point"},
+    MoveActivity{Element::kParticle, "Move Particle"}, MoveActivity{Element::kTextLabel, "Move Text"}};
+
+const char* ActivityOf(Element element) {
+  for (const MoveActivity& entry : kActivities)
+    if (entry.element == element) return entry.text;
+  return "Move Vertex";
+}
+
+void MoveLabel(Ormel& ormel, MapPoint to) {
+  Recordset& labels = *ormel.project.bound.TextLabels;
+  labels.Edit();
+  labels["X"] = to.x;
+  labels["Y"] = to.y;
+  labels.Update();
+}
+
+void MoveReference(Ormel& ormel, MapPoint to) {
+  ModelValues model = ReadModel(ormel);
+  model.UNIFLOWRefX = to.x;
+  model.UNIFLOWRefY = to.y;
+  WriteModel(ormel, model);
+}
+
+/// The run files of a protection area whose boundary has moved show what is no more.
+void DeleteRunFiles(const Ormel& ormel, const std::string& stem) {
+  if (stem.empty() || stem == "NONE") return;
+  for (const char* extension : {".DAT", ".SOL", ".XTR", ".PTH", ".CTR", ".GRD"}) {
+    std::error_code ignored;  // most of them do not exist
+    std::filesystem::remove(JoinPath(ormel.project.folder, stem + extension), ignored);
+  }
+}
+
+struct BoundaryRow {
+  std::string well, stem;
+  bool first = false;
+  MapPoint point1, point2;
+};
+
+/// The protection areas that a stream boundary's vertex belongs to.
+std::vector<BoundaryRow> BoundariesOf(Ormel& ormel, Vid vid) {
+  std::vector<BoundaryRow> rows;
+  RowReader reader(ormel.db(),
+                   "select Well,WHPAText,VID1,Point1X,Point1Y,Point2X,Point2Y from WHPAs "
+                   "where VID1=? or VID2=?",
+                   {vid, vid});
+  while (reader.Next())
+    rows.push_back({std::string(reader.Text(0)),
+                    std::string(reader.Text(1)),
+                    reader.Long(2) == vid,
+                    {reader.Double(3), reader.Double(4)},
+                    {reader.Double(5), reader.Double(6)}});
+  return rows;
+}
+
+void MoveBoundary(Ormel& ormel, Vid vid, MapPoint to) {
+  const std::vector<BoundaryRow> rows = BoundariesOf(ormel, vid);
+  ormel.db().Execute("update WHPAs set Point1X=?,Point1Y=? where VID1=?", {to.x, to.y, vid});
+  ormel.db().Execute("update WHPAs set Point2X=?,Point2Y=? where VID2=?", {to.x, to.y, vid});
+  for (BoundaryRow row : rows) {
+    (row.first ? row.point1 : row.point2) = to;
+    RowReader well(ormel.db(),
+                   "select Vertices.X,Vertices.Y from Wells,Vertices "
+                   "where Wells.VID=Vertices.VID and Wells.Label=?",
+                   {row.well});
+    if (well.Next()) {
+      const MapPoint at{well.Double(0), well.Double(1)};
+      MirrorWell(ormel, row.well, row.point1, row.point2, at);
+    }
+    DeleteRunFiles(ormel, row.stem);
+  }
+  DeleteRunFiles(ormel, ormel.project.OrmelBaseName);
+  InvalidateSolution(ormel, true, true);
+}
+
+/// What a moved vertex means for the solution and for the rows that repeat its place.
+void FollowUp(Ormel& ormel, Element element, Vid vid, MapPoint to) {
+  switch (element) {
+    case Element::kWell:
+    case Element::kLinesink:
+    case Element::kBarrier:
+    case Element::kInhomogeneity:
+      InvalidateSolution(ormel, true, true);
+      break;
+    case Element::kUniformFlow:
+      MoveReference(ormel, to);
+      InvalidateSolution(ormel, true, true);
+      break;
+    case Element::kFluxLine:
+      Inform(ormel, "Please Note",
+             "To view the new results for the flux inspection line, you must re-solve the model");
+      break;
+    case Element::kWhpaBoundaryVertex:
+      MoveBoundary(ormel, vid, to);
+      break;
+    default:
+      break;  // test points, particles, capture zones and labels change nothing
+  }
+}
+
+}  // namespace
+
+void ElemBeginMove(Ormel& ormel) {
+  RunEdit(ormel, "EDIT_CMDS_Click", [&] {
+    if (ormel.selection.SelectedType == Element::kNone) return;
+    ormel.view().TurnOffMenus();
+    ormel.mouse.MovePending = true;
+    ormel.mouse.MoveActive = false;
+    Activity(ormel, ActivityOf(ormel.selection.SelectedType));
+    Feedback(ormel, "Press mouse button and drag to the new location");
+  });
+}
+
+void ElemCancelMove(Ormel& ormel) {
+  ormel.mouse.MovePending = ormel.mouse.MoveActive = false;
+  EndPlacing(ormel);
+}
+
+std::vector<Vid> SharedCorners(Ormel& ormel, Vid vid) {
+  VertexRow vertex;
+  if (!FindVertex(ormel, vid, vertex)) return {};
+  const double t = ormel.gui.VertexTolerance;
+  const auto [x, y] = vertex.at;
+  std::vector<Vid> corners;
+  RowReader reader(ormel.db(),
+                   "select VID from Vertices where X >= ? and X <= ? and Y >= ? and Y <= ? and VID <> ? "
+                   "and PID in (select PID from Inhomogeneities) and PID <> ?",
+                   {x - t, x + t, y - t, y + t, vid, vertex.pid});
+  while (reader.Next()) corners.push_back(reader.Long(0));
+  return corners;
+}
+
+void ElemMoveVertex(Ormel& ormel, MapPoint to) {
+  const Named named(ormel, "ElemMoveVertex");
+  const Selection selected = ormel.selection;
+  ormel.view().DrawElement(selected.SelectedType, selected.vid, selected.pid, DrawMode::kErase);
+  if (selected.SelectedType == Element::kTextLabel) {
+    MoveLabel(ormel, to);
+  } else {
+    if (selected.SelectedType == Element::kInhomogeneity)
+      for (const Vid corner : SharedCorners(ormel, selected.vid)) PutVertex(ormel, corner, to);
+    PutVertex(ormel, selected.vid, to);
+  }
+  ormel.view().DrawElement(selected.SelectedType, selected.vid, selected.pid, DrawMode::kNormal);
+  ormel.view().Refresh();
+  FollowUp(ormel, selected.SelectedType, selected.vid, to);
+}
+
+void ElemEndMove(Ormel& ormel, MapPoint to) {
+  RunEdit(ormel, "ElemMoveVertex", [&] {
+    const Element element = ormel.selection.SelectedType;
+    ormel.mouse.MovePending = ormel.mouse.MoveActive = false;
+    if (element != Element::kNone) ElemMoveVertex(ormel, to);
+    if (element == Element::kInhomogeneity) ormel.view().ZoomActions(Zoom::kRedrawInPlace);
+    ormel.view().ElemTurnOffSelection();
+    EndPlacing(ormel);
+  });
+}
+
+}  // namespace ormel

@@ -1,0 +1,568 @@
+// Selecting, editing, moving and deleting what stands on the map.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "form_rows.h"
+#include "model/barriers.h"
+#include "model/delete.h"
+#include "model/edit.h"
+#include "model/inhomogeneities.h"
+#include "model/linesinks.h"
+#include "model/move.h"
+#include "model/observations.h"
+#include "model/selection.h"
+#include "model/uniform_flow.h"
+#include "model/vertices.h"
+#include "model/wells.h"
+
+namespace ormel::test {
+namespace {
+
+using Points = std::vector<MapPoint>;
+
+class Editing : public ::testing::Test {
+ protected:
+  Editing() { ormel.selection.radius_squared = 1.0; }
+  void SelectAt(double x, double y) {
+    ormel.mouse.LastX = x;
+    ormel.mouse.LastY = y;
+    ElemSelectElement(ormel);
+  }
+  Selection Selected() const { return ormel.selection; }
+  double Count(const char* table) { return static_cast<double>(ormel.db().RowCount(table)); }
+  double XOf(Vid vid) { return test.Number("select X from Vertices where VID=" + std::to_string(vid)); }
+
+  TestProject test;
+  Ormel& ormel = test.ormel;
+};
+
+TEST_F(Editing, one_element_of_every_kind_is_selected_and_described) {
+  ormel.db().Execute("update Model set AQThickness='12'");
+  StoreWell(ormel, {.Label = "O'Brien", .Head = 1500, .Radius = 0.25}, {0, 0});
+  StoreWell(ormel, {.Label = "lake", .HeadSpecified = true, .Pond = true, .Head = 12.5, .Radius = 50},
+            {10, 0});
+  StoreLinesink(ormel, {.Label = "Orge", .StartingHead = 9.456, .EndingHead = 8}, Points{{20, 0}, {25, 0}});
+  StoreLinesink(ormel, {.Label = "drain", .HeadSpecified = false, .StartingHead = 0.5, .EndingHead = 0.25},
+                Points{{30, 0}, {35, 0}});
+  StoreBarrier(ormel, {.Label = "wall"}, Points{{40, 0}, {45, 0}});
+  StoreInhomogeneity(ormel,
+                     {.Label = "marsh",
+                      .HydCond = 3,
+                      .Recharge = 0.0012,
+                      .Porosity = 0.25,
+                      .BottomElevation = -4,
+                      .ChangeB = true},
+                     Points{{50, 0}, {55, 0}, {55, 5}});
+  StoreFluxLine(ormel, "across", Points{{60, 0}, {65, 0}});
+  StoreCapzone(ormel, "zone", Points{{70, 0}, {75, 0}});
+  StoreTestPoint(ormel, {.Label = "MW-1", .ObsHead = 7.5}, {80, 0});
+  StoreParticle(ormel, {}, {90, 0});
+  StoreUniformFlow(ormel, {100, 0}, 10, 0.001, 30);
+  StoreTextLabel(ormel, {.Text = "St. John's"}, {110, 0});
+  ElemAddVertex(ormel, {120, 0}, kSinglePoint, 0);  // nobody's
+
+  struct Row {
+    double x;
+    Element element;
+    const char *properties, *move, *feedback;
+    bool refine;
+  };
+  const Row kRows[] = {
+      {0, Element::kWell, "Well &Properties", "&Move Well", "Well: O'Brien Pumping Rate: 1500 Radius: 0.25",
+       false},
+      {10, Element::kWell, "Well &Properties", "&Move Well", "Pond: lake Head: 12.5 Radius: 50", false},
+      {20, Element::kLinesink, "&Properties...", "&Move Vertex",
+       "Label: Orge  Starting Head: 9.46 Ending Head: 8.00", true},
+      {35, Element::kLinesink, "&Properties...", "&Move Vertex",
+       "Label: drain  Starting Discharge: 0.5 Ending Discharge: 0.25", true},
+      {40, Element::kBarrier, "&Properties...", "&Move Vertex", "Horizontal barrier: wall", true},
+      {50, Element::kInhomogeneity, "&Properties...", "&Move Vertex",
+       "Label: marsh Recharge: 12.000e-04 Porosity: 0.25  Conductivity: 3 Bottom -4", true},
+      {60, Element::kFluxLine, "&Properties...", "&Move Vertex", "Flux inspector: across", true},
+      {70, Element::kCapzone, "&Properties...", "&Move Vertex", "Protection area delineation: zone", true},
+      {80, Element::kTestPoint, "Test Point &Properties", "&Move Test Point",
+       "Label: MW-1   Observed head: 7.5", false},
+      {90, Element::kParticle, "Particle &Properties", "&Move Particle",
+       "Direction: Forward   Starting Elevation: 12", false},
+      {100, Element::kUniformFlow, "Uniform Flow &Properties", "&Move Uniform Flow", "Uniform flow", false},
+      {110, Element::kTextLabel, "Text &Properties", "&Move Label", "Text: St. John's", false},
+  };
+  for (const Row& row : kRows) {
+    SelectAt(row.x, 0.1);
+    EXPECT_EQ(Selected().SelectedType, row.element) << row.x;
+    EXPECT_EQ(ormel.menus.Caption("EDIT_CMDS", 1), row.properties) << row.x;
+    EXPECT_EQ(ormel.menus.Caption("EDIT_CMDS", 2), row.move) << row.x;
+    EXPECT_EQ(ormel.feedback, row.feedback);
+    for (int i = 1; i <= 3; ++i) EXPECT_TRUE(ormel.menus.Enabled("EDIT_CMDS", i)) << row.x;
+    EXPECT_EQ(ormel.menus.Enabled("EDIT_CMDS", 4), row.refine) << row.x;
+    EXPECT_EQ(test.view.drawn.back().mode, DrawMode::kSelected);
+    EXPECT_EQ(test.view.drawn.back().element, row.element);
+  }
+  for (const double x : {5.0, 120.0}) {  // nothing there, and a vertex that nobody owns
+    SelectAt(0, 0);
+    SelectAt(x, 0);
+    EXPECT_EQ(Selected().SelectedType, Element::kNone);
+    for (int i = 1; i <= 4; ++i) EXPECT_FALSE(ormel.menus.Enabled("EDIT_CMDS", i));
+    EXPECT_EQ(ormel.feedback, "Click mouse button to select element");
+  }
+  ormel.mouse.MouseMode = MouseMode::kPlace;
+  ormel.mouse.MouseElement = Element::kGridCorner;
+  SelectAt(0, 0);
+  EXPECT_EQ(Selected().SelectedType, Element::kNone) << "a corner of the editor grid is no selection";
+}
+
+TEST_F(Editing, results_follow_the_description_while_the_solution_is_valid) {
+  const Vid well = StoreWell(ormel, {.Label = "a", .Head = 5}, {0, 0});
+  const Vid head = StoreWell(ormel, {.Label = "b", .HeadSpecified = true, .Head = 5}, {10, 0});
+  const auto result = [&](Vid vid, double discharge, double computed) {
+    const std::string label = "WL_" + std::string(6 - std::to_string(vid).size(), '0') + std::to_string(vid);
+    ormel.db().Execute(
+        "insert into WLResults (Label,VadoxLabel,X,Y,Radius,SpecifiedHead,Discharge,Head) "
+        "values ('x',?,0,0,1,0,?,?)",
+        {label, discharge, computed});
+  };
+  result(well, 5, 8.5);
+  result(head, 77, 5);
+  SelectAt(0, 0);
+  EXPECT_EQ(ormel.feedback, "Well: a Pumping Rate: 5 Radius: 1");
+  ormel.solution.ValidSolution = true;
+  SelectAt(0, 0);
+  EXPECT_EQ(ormel.feedback, "Well: a Pumping Rate: 5 Radius: 1 Head: 8.5");
+  SelectAt(10, 0);
+  EXPECT_EQ(ormel.feedback, "Well: b Head: 5 Radius: 1 Discharge: 77");
+  ormel.db().Execute("update WLResults set Head=-9999");
+  SelectAt(0, 0);
+  EXPECT_EQ(ormel.feedback, "Well: a Pumping Rate: 5 Radius: 1 Head: -9999 Aquifer is DRY ");
+}
+
+TEST_F(Editing, neighbours_close_the_ring_where_the_element_does) {
+  const Points square{{0, 0}, {4, 0}, {4, 4}, {0, 4}};
+  const Pid open = StoreBarrier(ormel, {.Label = "open"}, square);
+  const Pid closed = StoreBarrier(ormel, {.Label = "closed", .Closed = BarrierClosed::kClosed}, square);
+  const Vid open_first = VerticesOf(ormel, open).front().vid,
+            closed_first = VerticesOf(ormel, closed).front().vid;
+  EXPECT_FALSE(NeighboursOf(ormel, Element::kBarrier, open, open_first).before);
+  EXPECT_EQ(NeighboursOf(ormel, Element::kBarrier, open, open_first).after, (MapPoint{4, 0}));
+  EXPECT_EQ(NeighboursOf(ormel, Element::kBarrier, closed, closed_first).before, (MapPoint{0, 4}));
+  EXPECT_FALSE(NeighboursOf(ormel, Element::kWell, closed, closed_first).after);
+}
+
+TEST_F(Editing, well_edit_invalidates_by_what_was_touched) {
+  struct Row {
+    const char* what;
+    std::vector<Entry> entries;
+    bool color;
+    std::vector<std::string> questions;
+    bool valid;
+    std::size_t runs;
+  };
+  const Row kRows[] = {
+      {"setback", {{"tbData(10)", "9"}}, false, {}, true, 0},
+      {"colour", {}, true, {"Ormel"}, true, 0},
+      {"particles", {{"tbData(11)", "30"}}, false, {"Regrid/Retrace?"}, true, 1},
+      {"discharge", {{"tbData(2)", "77"}}, false, {"Model Changed!"}, false, 0},
+      {"discharge and particles",
+       {{"tbData(2)", "78"}, {"tbData(11)", "31"}},
+       false,
+       {"Model Changed!"},
+       false,
+       0},
+  };
+  const Vid vid = StoreWell(ormel, {.Label = "a", .NParticles = 5, .PathlineColor = 3}, {0, 0});
+  for (const Row& row : kRows) {
+    ormel.solution.ValidSolution = true;
+    test.ui.boxes.clear();
+    test.solver.runs.clear();
+    for (const std::string& title : row.questions)
+      test.ui.AnswerTo(title, {title == "Ormel" ? Answer::kOk : Answer::kYes});
+    test.ui.color = Rgb(4, 5, 6);
+    test.ui.OnForm("WellProperties", [&](Form& form) {
+      if (row.color) form.Click("comColor");
+      Fill(row.entries)(form);
+    });
+    SelectAt(0, 0);
+    ElemSetProperties(ormel);
+    std::vector<std::string> asked;
+    for (const Box& box : test.ui.boxes) asked.push_back(box.title);
+    EXPECT_EQ(asked, row.questions) << row.what;
+    EXPECT_EQ(ormel.solution.ValidSolution, row.valid) << row.what;
+    EXPECT_EQ(test.solver.runs.size(), row.runs) << row.what;
+    EXPECT_EQ(Selected().SelectedType, Element::kNone);
+  }
+  WellRow row;
+  ASSERT_TRUE(FindWell(ormel, vid, row));
+  EXPECT_EQ(row.Setback, 9.0);
+  EXPECT_EQ(row.PathlineColor, Rgb(4, 5, 6).value);
+  EXPECT_EQ(row.NParticles, 31);
+  EXPECT_EQ(row.Head, 78.0);
+}
+
+TEST_F(Editing, well_moves_by_its_dialog_and_an_image_has_none) {
+  const Vid vid = StoreWell(ormel, {.Label = "a"}, {0, 0});
+  StoreWell(ormel, {.Label = "Mirror_a"}, {10, 0});
+  SelectAt(0, 0);
+  test.ui.OnForm("WellProperties", Fill({{"tbData(0)", "3.5"}}));
+  ElemSetProperties(ormel);
+  EXPECT_EQ(XOf(vid), 3.5);
+  SelectAt(10, 0);
+  ElemSetProperties(ormel);
+  EXPECT_EQ(test.ui.shown_forms.size(), 1U);
+}
+
+TEST_F(Editing, other_kinds_store_and_invalidate_as_they_should) {
+  ormel.db().Execute("update Model set AQThickness='12'");
+  struct Row {
+    const char* form;
+    std::vector<Entry> entries;
+    const char *check, *value;
+    std::vector<std::string> boxes;
+    bool valid;
+  };
+  const Row kRows[] = {
+      {"LinesinkString", {}, "select Label from LinesinkStrings", "Orge", {"Model Changed!"}, false},
+      {"NoFlowString",
+       {{"ClosedDomain", "on"}},
+       "select Closed from NoFlowStrings",
+       "1",
+       {"Model Changed!"},
+       false},
+      {"Inhomogeneity", {}, "select AverageHead from Inhomogeneities", "12", {}, true},
+      {"Inhomogeneity",
+       {{"chkChangeK", "on"}, {"tbData(0)", "5"}},
+       "select HydCond from Inhomogeneities",
+       "5",
+       {"Model Changed!"},
+       false},
+      {"TestPointProperties",
+       {{"tbObsHead", "8"}, {"tbX", "40.25"}},
+       "select ObsHead from TestPoints",
+       "8",
+       {"Test Point Changed"},
+       true},
+      {"ParticleProperties", {{"chkDirection(0)", "on"}}, "select Forward from Particles", "0", {}, true},
+      {"FluxInspectDialog", {{"tbLabel", "zone'2"}}, "select Label from Capzones", "zone'2", {}, true},
+      {"TextLabelDialog", {{"tbText", "town"}}, "select Text from TextLabels", "town", {}, true},
+  };
+  StoreLinesink(ormel, {.Label = "Orge"}, Points{{10, 0}, {15, 0}});
+  StoreBarrier(ormel, {.Label = "wall"}, Points{{20, 0}, {25, 0}});
+  StoreInhomogeneity(ormel, {.Label = "marsh", .Porosity = 0.2, .AverageHead = 12}, Points{{30, 0}, {35, 0}});
+  StoreTestPoint(ormel, {}, {40, 0});
+  StoreParticle(ormel, {}, {50, 0});
+  StoreCapzone(ormel, "zone", Points{{60, 0}, {65, 0}});
+  StoreTextLabel(ormel, {.Text = "x"}, {70, 0});
+  const double kPlaces[] = {10, 20, 30, 30, 40, 50, 60, 70};
+  for (std::size_t i = 0; i < std::size(kRows); ++i) {
+    const Row& row = kRows[i];
+    ormel.solution.ValidSolution = ormel.solution.PathlinesValid = true;
+    test.ui.boxes.clear();
+    for (const std::string& title : row.boxes)
+      if (title == "Model Changed!") test.ui.AnswerTo(title, {Answer::kYes});
+    SelectAt(kPlaces[i], 0);
+    test.ui.OnForm(row.form, Fill(row.entries));
+    ElemSetProperties(ormel);
+    EXPECT_EQ(test.Text(row.check), row.value) << row.form;
+    std::vector<std::string> shown;
+    for (const Box& box : test.ui.boxes) shown.push_back(box.title);
+    EXPECT_EQ(shown, row.boxes) << row.form;
+    EXPECT_EQ(ormel.solution.ValidSolution, row.valid) << row.form;
+    EXPECT_EQ(ormel.solution.PathlinesValid, std::string(row.form) != "ParticleProperties") << row.form;
+  }
+  EXPECT_EQ(test.ui.shown_forms.size(), std::size(kRows));
+}
+
+TEST_F(Editing, average_head_at_the_top_is_dropped_even_when_the_dialog_is_cancelled) {
+  ormel.db().Execute("update Model set AQThickness='12'");
+  StoreInhomogeneity(ormel, {.Label = "marsh", .AverageHead = 12}, Points{{0, 0}, {5, 0}});
+  SelectAt(0, 0);
+  test.ui.OnForm("Inhomogeneity", Fill({{"tbLabel", "no"}}, "Cancel"));
+  ElemSetProperties(ormel);
+  EXPECT_EQ(test.Number("select AverageHead from Inhomogeneities"), -9999.0);
+  EXPECT_EQ(test.Text("select Label from Inhomogeneities"), "marsh");
+}
+
+TEST_F(Editing, moves_write_the_place_and_invalidate_what_depends_on_it) {
+  struct Row {
+    double x;
+    const char *activity, *box;
+    bool valid;
+  };
+  const Row kRows[] = {{0, "Move Well", "Model Changed!", false},
+                       {10, "Move Vertex", "Model Changed!", false},
+                       {20, "Move Test Point", "", true},
+                       {30, "Move Particle", "", true},
+                       {40, "Move Vertex", "Please Note", true},
+                       {50, "Move Vertex", "", true},
+                       {60, "Move Text", "", true},
+                       {70, "Move Vertex", "Model Changed!", false}};
+  StoreWell(ormel, {.Label = "a"}, {0, 0});
+  StoreLinesink(ormel, {.Label = "Orge"}, Points{{10, 0}, {15, 0}});
+  StoreTestPoint(ormel, {}, {20, 0});
+  StoreParticle(ormel, {}, {30, 0});
+  StoreFluxLine(ormel, "across", Points{{40, 0}, {45, 0}});
+  StoreCapzone(ormel, "zone", Points{{50, 0}, {55, 0}});
+  StoreTextLabel(ormel, {.Text = "x"}, {60, 0});
+  StoreUniformFlow(ormel, {70, 0}, 10, 0, 0);
+  for (const Row& row : kRows) {
+    ormel.solution.ValidSolution = true;
+    test.ui.boxes.clear();
+    if (!row.valid) test.ui.AnswerTo("Model Changed!", {Answer::kYes});
+    SelectAt(row.x, 0);
+    const Selection selected = Selected();
+    ElemBeginMove(ormel);
+    EXPECT_TRUE(ormel.mouse.MovePending);
+    EXPECT_FALSE(test.view.menus_on);
+    EXPECT_EQ(ormel.activity, row.activity) << row.x;
+    ElemEndMove(ormel, {row.x + 0.5, 7});
+    if (selected.SelectedType == Element::kTextLabel)
+      EXPECT_EQ(CurrentTextLabelPlace(ormel), (MapPoint{row.x + 0.5, 7}));
+    else
+      EXPECT_EQ(XOf(selected.vid), row.x + 0.5);
+    EXPECT_EQ(test.ui.LastTitle(), row.box) << row.x;
+    EXPECT_EQ(ormel.solution.ValidSolution, row.valid) << row.x;
+    EXPECT_FALSE(ormel.mouse.MovePending);
+    EXPECT_TRUE(test.view.menus_on);
+    EXPECT_EQ(ormel.activity, "Select");
+  }
+  EXPECT_EQ(ReadModel(ormel).UNIFLOWRefX, 70.5);
+  EXPECT_EQ(ReadModel(ormel).UNIFLOWRefY, 7.0);
+}
+
+TEST_F(Editing, shared_corner_moves_with_every_domain_and_asks_once) {
+  ormel.gui.VertexTolerance = 0.001;
+  const Pid left = StoreInhomogeneity(ormel, {.Label = "left"}, Points{{0, 0}, {10, 0}, {10, 10}});
+  const Pid right = StoreInhomogeneity(ormel, {.Label = "right"}, Points{{20, 0}, {10, 0.0005}, {10, 10}});
+  StoreBarrier(ormel, {.Label = "wall"}, Points{{10, 0}, {5, 5}});
+  ormel.solution.ValidSolution = true;
+  test.ui.AnswerTo("Model Changed!", {Answer::kYes});
+  SelectAt(10, 0);
+  ASSERT_EQ(Selected().pid, left);
+  ElemBeginMove(ormel);
+  ElemEndMove(ormel, {11, 1});
+  EXPECT_EQ(PointsOf(ormel, left), (Points{{0, 0}, {11, 1}, {10, 10}}));
+  EXPECT_EQ(PointsOf(ormel, right), (Points{{20, 0}, {11, 1}, {10, 10}}));
+  EXPECT_EQ(test.Number("select count(*) from Vertices where X=10 and Y=0"), 1.0) << "a barrier is not moved";
+  EXPECT_EQ(test.ui.boxes.size(), 1U);
+}
+
+TEST_F(Editing, stream_boundary_takes_its_image_wells_along) {
+  StoreWell(ormel, {.Label = "a", .Head = 5}, {3, 4});
+  const Vid vid1 = ElemAddVertex(ormel, {0, 0}, kSinglePoint, 0);
+  const Vid vid2 = ElemAddVertex(ormel, {10, 0}, kSinglePoint, 0);
+  ormel.db().Execute(
+      "insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,Type,WHPAText,WHPAData,VID1,VID2,Point1X,Point1Y,"
+      "Point2X,Point2Y) values ('a',0,0,0.2,2,'stem',0,?,?,0,0,10,0)",
+      {vid1, vid2});
+  WriteAll(test.dir / "stem.PTH", "x");
+  WriteAll(test.dir / "town.SOL", "x");
+  SelectAt(10, 0);
+  EXPECT_EQ(Selected().SelectedType, Element::kWhpaBoundaryVertex);
+  EXPECT_EQ(ormel.menus.Caption("EDIT_CMDS", 2), "&Move Boundary Vertex");
+  EXPECT_TRUE(ormel.menus.Enabled("EDIT_CMDS", 2));
+  for (const int off : {1, 3, 4}) EXPECT_FALSE(ormel.menus.Enabled("EDIT_CMDS", off));
+  ElemBeginMove(ormel);
+  ElemEndMove(ormel, {0, 10});
+  EXPECT_EQ(test.Number("select Point2X from WHPAs"), 0.0);
+  EXPECT_EQ(test.Number("select Point2Y from WHPAs"), 10.0);
+  EXPECT_EQ(
+      test.Number("select Vertices.X from Wells,Vertices where Wells.VID=Vertices.VID and Label='Mirror_a'"),
+      -3.0);
+  EXPECT_FALSE(std::filesystem::exists(test.dir / "stem.PTH"));
+  EXPECT_FALSE(std::filesystem::exists(test.dir / "town.SOL"));
+}
+
+TEST_F(Editing, points_are_deleted_after_a_question) {
+  struct Row {
+    double x;
+    const char *question, *table;
+    bool valid;
+  };
+  const Row kRows[] = {{0, "Delete this element?", "Wells", false},
+                       {20, "Delete this test point?", "TestPoints", true},
+                       {30, "Delete this particle?", "Particles", true},
+                       {40, "Delete this label?", "TextLabels", true},
+                       {50, "Delete this element?", "Wells", true}};
+  StoreWell(ormel, {.Label = "a"}, {0, 0});
+  StoreTestPoint(ormel, {}, {20, 0});
+  StoreParticle(ormel, {}, {30, 0});
+  StoreTextLabel(ormel, {.Text = "x"}, {40, 0});
+  StoreWell(ormel, {.Label = "Mirror_b"}, {50, 0});
+  for (const Row& row : kRows) {
+    ormel.solution.ValidSolution = true;
+    const double before = Count(row.table);
+    SelectAt(row.x, 0);
+    const Selection selected = Selected();
+    test.ui.AnswerTo("Confirm", {Answer::kCancel, Answer::kOk});
+    ElemDeleteElements(ormel);
+    EXPECT_EQ(test.ui.LastText(), row.question);
+    EXPECT_EQ(Count(row.table), before);
+    EXPECT_EQ(Selected().SelectedType, selected.SelectedType) << "Cancel leaves the selection";
+    if (!row.valid) test.ui.AnswerTo("Model Changed!", {Answer::kYes});
+    ElemDeleteElements(ormel);
+    EXPECT_EQ(Count(row.table), before - 1) << row.question;
+    EXPECT_EQ(Selected().SelectedType, Element::kNone);
+    EXPECT_EQ(ormel.activity, "Select");
+    EXPECT_EQ(ormel.solution.ValidSolution, row.valid) << row.question;
+  }
+  EXPECT_EQ(Count("Vertices"), 0.0);
+}
+
+TEST_F(Editing, strings_lose_a_vertex_or_go_as_a_whole) {
+  struct Row {
+    Element element;
+    const char *table, *question;
+    bool whole_valid, vertex_valid;
+    const char* vertex_box;
+  };
+  const char* string = "Delete this vertex or the entire string?";
+  const Row kRows[] = {
+      {Element::kLinesink, "LinesinkStrings", string, false, false, "Model Changed!"},
+      {Element::kBarrier, "NoFlowStrings", string, false, false, "Model Changed!"},
+      {Element::kInhomogeneity, "Inhomogeneities", string, false, false, "Model Changed!"},
+      {Element::kFluxLine, "FluxInspect", "Delete this vertex or the flux inspection line?", false, true,
+       "Please Note"},
+      {Element::kCapzone, "Capzones", "Delete this vertex or the entire protection area?", true, true, ""}};
+  const Points points{{10, 0}, {20, 0}, {30, 0}};
+  StoreLinesink(ormel, {.Label = "a"}, points);
+  StoreBarrier(ormel, {.Label = "a"}, Points{{10, 100}, {20, 100}, {30, 100}});
+  StoreInhomogeneity(ormel, {.Label = "a"}, Points{{10, 200}, {20, 200}, {30, 200}});
+  StoreFluxLine(ormel, "a", Points{{10, 300}, {20, 300}, {30, 300}});
+  StoreCapzone(ormel, "a", Points{{10, 400}, {20, 400}, {30, 400}});
+  double y = 0;
+  for (const Row& row : kRows) {
+    const auto act = [&](const char* button, double x, bool valid) {
+      ormel.solution.ValidSolution = true;
+      test.ui.boxes.clear();
+      if (!valid) test.ui.AnswerTo("Model Changed!", {Answer::kYes});
+      SelectAt(x, y);
+      ASSERT_EQ(Selected().SelectedType, row.element);
+      test.ui.OnForm("LSConfirm", [&](Form& form) {
+        EXPECT_EQ(form.State("Message").caption, row.question);
+        form.Click(button);
+      });
+      ElemDeleteElements(ormel);
+      EXPECT_EQ(ormel.solution.ValidSolution, valid) << row.table << button;
+    };
+    act("Cancel", 20, true);
+    EXPECT_EQ(Selected().SelectedType, row.element);
+    const Pid pid = Selected().pid;
+    act("cmdVertex", 20, row.vertex_valid);
+    EXPECT_EQ(test.ui.LastTitle(), row.vertex_box);
+    const std::vector<VertexRow> left = VerticesOf(ormel, pid);
+    ASSERT_EQ(left.size(), 2U);
+    EXPECT_EQ(left[0].seq, 100);
+    EXPECT_EQ(left[1].seq, 200);
+    EXPECT_EQ(left[1].at.x, 30.0);
+    act("cmdWhole", 30, row.whole_valid);
+    EXPECT_EQ(Count(row.table), 0.0) << row.table;
+    y += 100;
+  }
+  EXPECT_EQ(Count("Polygons"), 0.0);
+  EXPECT_EQ(Count("Vertices"), 0.0);
+}
+
+TEST_F(Editing, shared_corner_is_deleted_from_every_domain) {
+  const Pid left = StoreInhomogeneity(ormel, {.Label = "left"}, Points{{0, 0}, {10, 0}, {10, 10}, {0, 10}});
+  const Pid right =
+      StoreInhomogeneity(ormel, {.Label = "right"}, Points{{20, 0}, {10, 0}, {10, 10}, {20, 10}});
+  SelectAt(10, 0);
+  test.ui.OnForm("LSConfirm", [](Form& form) { form.Click("cmdVertex"); });
+  ElemDeleteElements(ormel);
+  EXPECT_EQ(PointsOf(ormel, left), (Points{{0, 0}, {10, 10}, {0, 10}}));
+  EXPECT_EQ(PointsOf(ormel, right), (Points{{20, 0}, {10, 10}, {20, 10}}));
+}
+
+TEST_F(Editing, string_left_with_one_point_goes) {
+  StoreBarrier(ormel, {.Label = "wall"}, Points{{0, 0}, {10, 0}});
+  SelectAt(10, 0);
+  test.ui.OnForm("LSConfirm", [](Form& form) { form.Click("cmdVertex"); });
+  ElemDeleteElements(ormel);
+  for (const char* table : {"NoFlowStrings", "Polygons", "Vertices"}) EXPECT_EQ(Count(table), 0.0) << table;
+}
+
+TEST_F(Editing, uniform_flow_is_removed_with_its_point) {
+  StoreUniformFlow(ormel, {0, 0}, 10, 0.001, 30);
+  SelectAt(0, 0);
+  test.ui.AnswerTo("Confirm", {Answer::kCancel, Answer::kOk});
+  ElemDeleteElements(ormel);
+  EXPECT_EQ(test.ui.LastTitle(), "Operation canceled");
+  ElemDeleteElements(ormel);
+  EXPECT_EQ(ReadModel(ormel).UNIFLOWCompute, 0);
+  EXPECT_EQ(Count("Vertices"), 0.0);
+}
+
+TEST_F(Editing, bulk_deletion_counts_what_it_removes) {
+  struct Row {
+    int index;
+    const char *question, *empty, *report;
+    bool valid;
+  };
+  const Row kRows[] = {
+      {1, "Delete all hydrography labels from the database?", "No Hydrography Labels were found!",
+       "1 Hydrography Labels were removed.", true},
+      {2, "Delete all test points from the database?", "No Test Points were found!",
+       "2 Test Points were removed.", false},
+      {3, "Delete all particles from the database?  NOTE: particles associated\nwith wells will be retained.",
+       "No Particles were found!", "1 Particles were removed.", true},
+      {4, "Delete all text labels from the database?", "No Text Labels were found!",
+       "1 Text Labels were removed.", true},
+      {5, "Delete all discharge specified wells from the database?",
+       "No Discharge Specified Wells were found!", "1 Discharge Specified Wells were removed.", false},
+      {6, "Delete all head specified wells from the database?", "No Head Specified Wells were found!",
+       "1 Head Specified Wells were removed.", false}};
+  StoreTextLabel(ormel, {.Text = "r", .type = LabelType::kHydrography}, {0, 0});
+  StoreTextLabel(ormel, {.Text = "t"}, {0, 0});
+  StoreTestPoint(ormel, {}, {1, 1});
+  StoreTestPoint(ormel, {}, {2, 1});
+  StoreParticle(ormel, {}, {3, 1});
+  StoreWell(ormel, {.Label = "q"}, {4, 1});
+  StoreWell(ormel, {.Label = "h", .HeadSpecified = true}, {5, 1});
+  StoreLinesink(ormel, {.Label = "stays"}, Points{{6, 1}, {7, 1}});
+  for (const Row& row : kRows) {
+    ormel.solution.ValidSolution = true;
+    test.ui.AnswerTo("Delete All", {Answer::kNo, Answer::kYes, Answer::kOk, Answer::kYes, Answer::kOk});
+    if (!row.valid) test.ui.AnswerTo("Model Changed!", {Answer::kYes});
+    DELETEALL(ormel, row.index);
+    EXPECT_EQ(test.ui.LastText(), row.question);
+    test.ui.boxes.clear();
+    DELETEALL(ormel, row.index);
+    ASSERT_GE(test.ui.boxes.size(), 2U) << row.question;
+    EXPECT_EQ(test.ui.boxes[1].text, row.report);
+    EXPECT_EQ(ormel.solution.ValidSolution, row.valid) << row.question;
+    DELETEALL(ormel, row.index);
+    EXPECT_EQ(test.ui.LastText(), row.empty);
+  }
+  EXPECT_EQ(Count("Vertices"), 2.0);
+}
+
+TEST_F(Editing, protection_areas_go_by_their_kind_with_what_belongs_to_them) {
+  StoreWell(ormel, {.Label = "a'b", .Head = 5}, {3, 4});
+  MirrorWell(ormel, "a'b", {0, 0}, {1, 0}, {3, 4});
+  const Vid point = ElemAddVertex(ormel, {0, 0}, kSinglePoint, 0);
+  for (const int type : {1, 2, 3})
+    ormel.db().Execute(
+        "insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,Type,T,WHPAText,WHPAData,VID1,VID2) "
+        "values (?,0,0,0.2,?,?,'stem',0,?,0)",
+        {"a'b", type, type == 2 ? 1.5 : 0.0, type == 1 ? Vid{0} : point});
+  WriteAll(test.dir / "stem.PTH", "x");
+  test.ui.AnswerTo("Delete All", {Answer::kYes, Answer::kOk, Answer::kYes, Answer::kOk, Answer::kYes,
+                                  Answer::kOk, Answer::kYes, Answer::kOk});
+  DeleteWHPA(ormel, 1);
+  EXPECT_EQ(test.ui.boxes[0].text, "Delete all Arbitrary Radius WHPAs from the database?");
+  EXPECT_EQ(test.Number("select count(*) from Wells where Label like 'Mirror_*'"), 1.0) << "of another area";
+  EXPECT_TRUE(std::filesystem::exists(test.dir / "stem.PTH"));
+  EXPECT_TRUE(ormel.solution.whpa_calculated_exists);
+  DeleteWHPA(ormel, 2);
+  EXPECT_EQ(test.Number("select count(*) from Wells where Label like 'Mirror_*'"), 0.0);
+  EXPECT_FALSE(std::filesystem::exists(test.dir / "stem.PTH"));
+  EXPECT_TRUE(ormel.solution.whpa_calculated_exists);
+  DeleteWHPA(ormel, 0);
+  EXPECT_EQ(Count("WHPAs"), 0.0);
+  EXPECT_EQ(Count("Vertices"), 1.0) << "the well's own";
+  EXPECT_FALSE(ormel.solution.whpa_calculated_exists);
+  DeleteWHPA(ormel, 0);
+  EXPECT_EQ(test.ui.LastText(), "No Simple WHPAs were found!");
+}
+
+}  // namespace
+}  // namespace ormel::test

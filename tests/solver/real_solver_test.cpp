@@ -1,0 +1,146 @@
+// From a project through both outside programs and back, compared with closed forms.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+#include "platform/posix_processes.h"
+#include "solver/contour_file.h"
+#include "solver/driver.h"
+#include "solver/grid_file.h"
+#include "solver/path_file.h"
+#include "support/test_project.h"
+
+namespace ormel::test {
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+
+/// A project whose programs are the real ones.
+struct RealProject : TestProject {
+  PosixProcesses programs{ORMEL_BIN_DIR};
+  RealProject() {
+    ormel.ports.processes = &programs;
+    ormel.window.SolveWindow = {1000, 2000, 3000, 2000};
+    Run("update Model set AQBase=0, AQThickness='20', AQHydCond=10, AQPorosity=0.25, CONTOURShow=1, "
+        "CONTOURMinimum=40, CONTOURMaximum=60, CONTOURInterval=0.1, SOLVERIterations=3, TRACEMaxTime=3650");
+  }
+  void Run(const std::string& sql) { ormel.db().Execute(sql); }
+  void Point(int vid, double x, double y) {
+    ormel.db().Execute("insert into Vertices(VID,PID,Seq,X,Y) values(?,-1,-1,?,?)", {vid, x, y});
+  }
+  void Polygon(int pid, std::initializer_list<MapPoint> points) {
+    int seq = 1;
+    for (const MapPoint& at : points) {
+      ormel.db().Execute("insert into Vertices(PID,Seq,X,Y) values(?,?,?,?)", {pid, seq, at.x, at.y});
+      seq += 100;
+    }
+  }
+  void Solve() {
+    ModelRunVadox(ormel, {.ViewLogs = true});
+    ASSERT_TRUE(ormel.solution.ValidSolution) << ui.LastText();
+    EXPECT_TRUE(ui.boxes.empty()) << ui.LastText();
+    EXPECT_EQ(ormel.feedback, "") << "every element has its result";
+  }
+};
+
+TEST(RealSolver, WellInUniformFlowComesBackWithItsClosedForm) {
+  RealProject p;
+  p.Run(
+      "update Model set UNIFLOWCompute=1, UNIFLOWGradient=0.001, UNIFLOWRefHead=50, UNIFLOWRefX=1900, "
+      "UNIFLOWRefY=2500");
+  p.Point(1, 1500, 2500);
+  p.Run("insert into Wells(VID,Label,Head,Radius,NParticles,StartElev) values(1,'Town',100,0.3,8,10)");
+  p.Point(2, 1300, 2400);
+  p.Run("insert into TestPoints(VID,ObsHead,Label) values(2,50,'MW')");
+  p.Point(3, 1100, 2900);
+  p.Run("insert into Particles(VID) values(3)");
+  p.Solve();
+
+  // Confined throughout: T h = -Qx x + Q/(2 pi) ln r + constant, T = 200, Qx = 0.001 x 200 [m2/d].
+  const auto head = [](double x, double r) {
+    return 50.0 + (-0.2 * (x - 1900.0) + 100.0 / (2.0 * kPi) * std::log(r / 400.0)) / 200.0;
+  };
+  EXPECT_NEAR(p.Number("select ModelHead from TPResults"), head(1300, std::hypot(200.0, 100.0)), 1e-6);
+  EXPECT_NEAR(p.Number("select Difference from TPResults"), 50.0 - head(1300, std::hypot(200.0, 100.0)),
+              1e-6);
+  // The uniform part differs by its value across the well's radius at most.
+  EXPECT_NEAR(p.Number("select Head from WLResults"), head(1500, 0.3), 0.2 * 0.3 / 200.0 + 1e-6);
+  EXPECT_EQ(p.Number("select Discharge from WLResults"), 100);
+  EXPECT_EQ(p.Number("select X from WLResults"), 1500);
+
+  std::vector<Pathline> paths;
+  const ReadOutcome read_paths =
+      ReadPathFile(p.dir / "town.PTH", [&](const Pathline& path) { paths.push_back(path); });
+  EXPECT_FALSE(read_paths) << read_paths->Message();
+  ASSERT_EQ(paths.size(), 9U);
+  int rim = 0;
+  for (const Pathline& path : paths) {
+    ASSERT_GE(path.points.size(), 2U);
+    rim += std::abs(std::hypot(path.points[0].at.x - 500, path.points[0].at.y - 500) - 0.3) < 0.01 ? 1 : 0;
+    EXPECT_GE(path.points.back().time, path.points.front().time);
+  }
+  EXPECT_EQ(rim, 8);
+
+  std::size_t contours = 0;
+  const ReadOutcome read_contours = ReadContourFile(p.dir / "town.CTR", [&](const ContourLine& line) {
+    ++contours;
+    for (const ModelPoint& at : line.points) {
+      const double r = std::hypot(at.x - 500, at.y - 500);
+      if (r > 150) {
+        EXPECT_NEAR(head(at.x + 1000, r), line.level, 0.01);
+      }
+    }
+  });
+  EXPECT_FALSE(read_contours) << read_contours->Message();
+  EXPECT_GT(contours, 5U);
+  std::size_t rows = 0;
+  GridHeader header;
+  EXPECT_FALSE(ReadGridFile(
+      p.dir / "town.GRD", [&](const GridHeader& h) { header = h; },
+      [&](std::size_t, std::span<const double>) { ++rows; }));
+  EXPECT_EQ(header.columns, 40U);
+  EXPECT_EQ(rows, header.rows);
+
+  // The saved solution answers again without a new solve.
+  p.Run("update TestPoints set ObsHead=60");
+  ModelRunVadox(p.ormel, {});
+  EXPECT_NEAR(p.Number("select Difference from TPResults"), 60.0 - head(1300, std::hypot(200.0, 100.0)),
+              1e-6);
+}
+
+TEST(RealSolver, ElementsByHeadMeetTheirHeads) {
+  RealProject p;
+  p.Point(1, 1300, 2300);
+  p.Run("insert into Wells(VID,Label,Head,Radius,HeadSpecified) values(1,'Head',47,0.3,1)");
+  p.Point(2, 1600, 2600);
+  p.Run("insert into Wells(VID,Label,Head,Radius) values(2,'Rate',80,0.3)");
+  p.Polygon(1, {{1100, 2050}, {1100, 2500}, {1100, 2950}});
+  p.Run("insert into LinesinkStrings(PID,Label,StartingHead,EndingHead) values(1,'River',50,48)");
+  p.Polygon(2, {{1400, 2400}, {1700, 2400}, {1700, 2700}, {1400, 2700}});
+  p.Run("insert into Inhomogeneities(PID,Label,HydCond,Recharge,ChangeK) values(2,'Gravel',30,0.001,-1)");
+  p.Solve();
+  EXPECT_NEAR(p.Number("select Head from WLResults where Label='Head'"), 47, 1e-6);
+  EXPECT_GT(p.Number("select abs(Discharge) from WLResults where Label='Head'"), 0);
+  EXPECT_EQ(p.Number("select count(*) from LSResults"), 2);
+  EXPECT_NEAR(p.Number("select max(abs(CalculatedHead-SpecifiedHead)) from LSResults"), 0, 0.01);
+  EXPECT_EQ(p.Number("select min(Conductivity) from INResults"), 30);
+  EXPECT_NEAR(p.Number("select max(DomainArea) from INResults"), 90000, 1e-3);
+}
+
+TEST(RealSolver, ItsRefusalIsToldInItsOwnWords) {
+  RealProject p;
+  // Nothing but a well: the reference head is the aquifer's top, and the well cannot stand on another one.
+  p.ui.AnswerTo("Error", {ormel::Answer::kOk});
+  p.ui.AnswerTo("Small Window", {ormel::Answer::kOk});
+  p.Point(1, 1300, 2300);
+  p.Point(2, 1300, 2300);
+  p.Run("insert into Wells(VID,Label,Head,Radius) values(1,'A',10,0)");
+  ModelRunVadox(p.ormel, {});
+  EXPECT_EQ(p.ui.LastTitle(), "Fatal execution error");
+  EXPECT_NE(p.ui.LastText().find("WL_000001"), std::string::npos) << p.ui.LastText();
+  EXPECT_FALSE(p.ormel.solution.ValidSolution);
+}
+
+}  // namespace
+}  // namespace ormel::test
