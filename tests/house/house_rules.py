@@ -12,7 +12,12 @@ LEVEL = {
     "whpa": 6, "exchange": 6, "analysis": 6, "basemaps": 6, "tools": 6,
     "view": 7, "shell": 8,
 }
-ENGINE = {"aem": {"aem"}, "vadox1": {"aem", "vadox1"}, "contour": {"contour"}}
+ENGINE = {
+    "files": {"files"},
+    "aem": {"aem"},
+    "vadox1": {"files", "aem", "vadox1"},
+    "contour": {"files", "contour"},
+}
 TOOLKIT = re.compile(r"^\s*#\s*include\s*[<\"](Q[A-Z]|Qt|q[a-z]+\.h)")
 INCLUDE = re.compile(r"^\s*#\s*include\s*\"([a-z0-9_]+)/")
 LINE_LIMIT = 600
