@@ -86,6 +86,14 @@ class SolveRun {
     ormel_.solution.PathlinesValid = ormel_.solution.ContoursValid = ormel_.solution.GridValid = false;
   }
 
+  /// What was drawn from another solution must not be taken for this one's, also by those who read the file.
+  void SetDrawnFileAside(const char* extension, bool renewed) {
+    if (new_ || request_.ContinueSolve)
+      kept_.Delete(StemFile(ormel_, extension));
+    else if (renewed)
+      kept_.Replace(StemFile(ormel_, extension));
+  }
+
   void SetFilesAside() {
     if (new_) {
       kept_.Delete(StemFile(ormel_, ".DAT"));
@@ -97,11 +105,9 @@ class SolveRun {
     }
     if (new_ || request_.ContinueSolve) ClearDrawnFlags();
     kept_.Delete(StemFile(ormel_, ".XTR"));
-    if (model_.CONTOURShow != 0) {
-      kept_.Replace(StemFile(ormel_, ".GRD"));
-      kept_.Replace(StemFile(ormel_, ".CTR"));
-    }
-    if (model_.TRACECompute != 0) kept_.Replace(StemFile(ormel_, ".PTH"));
+    SetDrawnFileAside(".GRD", model_.CONTOURShow != 0);
+    SetDrawnFileAside(".CTR", model_.CONTOURShow != 0);
+    SetDrawnFileAside(".PTH", model_.TRACECompute != 0);
     DeleteTolerantly(ModelFile(ormel_, "VADOX1.INI"));
     DeleteTolerantly(ModelFile(ormel_, "VADOX.OPS"));
   }
@@ -249,6 +255,7 @@ class SolveRun {
       ormel_.menus.Enable(item, true);
     // Without a grid of this solution there is nothing to contour: an older one would give wrong lines.
     if (ormel_.solution.ContoursValid || !ormel_.solution.GridValid) return;
+    DeleteTolerantly(StemFile(ormel_, ".CTR"));
     ormel_.solution.ContoursValid = RunContourProgram(ormel_, ormel_.project.OrmelBaseName);
   }
 

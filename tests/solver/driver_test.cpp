@@ -263,6 +263,7 @@ TEST(Driver, FailingContourProgramKeepsTheResults) {
   for (const bool missing : {true, false}) {
     SolverProject p;
     if (missing) std::filesystem::remove(p.dir / "CONTOUR.EXE");
+    WriteAll(p.dir / "town.CTR", "LEVEL 1\r\n");  // of an older solution
     p.processes.on_run = [&](const ProcessRequest& request, const auto&, const auto&) {
       if (!request.program.ends_with("CONTOUR.EXE")) return p.WriteResults();
       ProcessResult result = Ended(1);
@@ -273,8 +274,30 @@ TEST(Driver, FailingContourProgramKeepsTheResults) {
     EXPECT_EQ(p.ui.boxes.size(), missing ? 2U : 1U);
     EXPECT_TRUE(p.ormel.solution.ValidSolution);
     EXPECT_FALSE(p.ormel.solution.ContoursValid);
+    EXPECT_FALSE(FileExists(p.dir / "town.CTR"));
     EXPECT_EQ(p.WellHead(), 21.25);
   }
+}
+
+TEST(Driver, WhatIsSwitchedOffLeavesNoFileOfAnotherSolution) {
+  SolverProject p;
+  p.Solve();
+  p.Run("update Model set CONTOURShow=0, TRACECompute=0");
+  p.solve = [&](const ProcessRequest&) {
+    WriteAll(p.dir / "town.XTR", kResults);
+    WriteAll(p.dir / "town.SOL", "new");
+    return Ended();
+  };
+  ModelRunVadox(p.ormel, {});
+  EXPECT_TRUE(FileExists(p.dir / "town.GRD")) << "the solution is the same";
+  EXPECT_EQ(p.processes.requests.size(), 1U);
+  p.ormel.solution.ValidSolution = false;
+  ModelRunVadox(p.ormel, {});
+  for (const char* file : {"town.GRD", "town.CTR", "town.PTH"})
+    EXPECT_FALSE(FileExists(p.dir / file)) << file;
+  EXPECT_EQ(p.processes.requests.size(), 2U) << "without a grid there is nothing to contour";
+  EXPECT_FALSE(p.ormel.menus.Checked("layermenu", kLayerContours));
+  EXPECT_TRUE(p.ormel.solution.ValidSolution);
 }
 
 TEST(Driver, ErrorLogIsOfferedWhenItSpeaks) {
