@@ -32,7 +32,6 @@ struct MapHooks {
   std::function<void(MapPoint, Color)> inspect;       ///< results at a point
   std::function<void(MapPoint)> trace;                ///< one streamline from a point
   std::function<void(Element, Vid, Pid)> info_panel;  ///< of a string or domain
-  std::function<void(int)> stream_vertex;             ///< point 1 or 2 of a stream boundary
   std::function<void()> basemap_select;               ///< base maps at the last click
 };
 

@@ -19,6 +19,7 @@
 #include "store/bulk.h"
 #include "store/database.h"
 #include "view/map_view_impl.h"
+#include "whpa/commands.h"
 
 namespace ormel {
 namespace {
@@ -223,9 +224,10 @@ class StreamBoundary final : public MouseAction {
     KeepLast(event);
     StartRubber(event);
     RemoveRubber(event.view);
-    if (event.view.hooks().stream_vertex) event.view.hooks().stream_vertex(first ? 1 : 2);
-    event.ormel.mouse.LineInProgress = first;
-    if (!first) EndPlacing(event.ormel);
+    event.ormel.mouse.LineInProgress = true;
+    ElemAddStreamBoundaryVertex(event.ormel, first ? 1 : 2);
+    // A second point on the first one is refused, and the line goes on.
+    if (!event.ormel.mouse.LineInProgress) EndPlacing(event.ormel);
   }
   void Move(const MouseEvent& event) const override {
     if (event.ormel.mouse.LineInProgress) DrawRubberLine(event);

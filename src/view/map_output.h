@@ -1,0 +1,31 @@
+// The map as output: the layers that are shown, on any device, with what a printed map needs around it.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "core/types.h"
+#include "view/vg_gdi.h"
+
+namespace ormel {
+
+struct ViewState;
+
+struct MapOutput {
+  std::string title{};  ///< above the map; empty for none
+  bool legend = false;
+  bool scale_bar = false;  ///< in map units
+  bool north_arrow = false;
+  std::optional<PageMargins> margins{};  ///< none: the map fills the device
+  bool box = false;                    ///< a frame around the map
+  std::optional<MapRect> window{};       ///< none: the present window
+};
+
+/// Draws the map of the open project, whatever the switches of the window show.  The device is cleared first.
+/// Neither the present window nor its mapping changes.  False when there is no room to draw on.
+bool DrawMapOutput(Ormel& ormel, ViewState& state, DrawingDevice& device, const MapOutput& output);
+
+/// The longest of 1, 2, 5 times a power of ten that is not longer than `longest`.
+double RoundLength(double longest);
+
+}  // namespace ormel
