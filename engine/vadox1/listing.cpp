@@ -97,7 +97,7 @@ std::string ChecksText(const aem::Checks& checks) {
   return text;
 }
 
-std::string ListingText(const aem::Solution& solution, const MapOrigin& origin) {
+std::string ListingText(const aem::Solution& solution, const aem::Checks& checks, const MapOrigin& origin) {
   const aem::Model& model = solution.GetModel();
   std::string text;
   Line(text, "Listing of " + model.title);
@@ -108,7 +108,7 @@ std::string ListingText(const aem::Solution& solution, const MapOrigin& origin) 
   Line(text, "");
   Contents(text, model);
   Line(text, "");
-  text += ChecksText(solution.Check());
+  text += ChecksText(checks);
   Line(text, "");
   BalanceLines(text, solution.WaterBalance());
   return text;

@@ -8,7 +8,7 @@
 
 namespace vadox1 {
 
-std::string ListingText(const aem::Solution& solution, const MapOrigin& origin);
+std::string ListingText(const aem::Solution& solution, const aem::Checks& checks, const MapOrigin& origin);
 
 /// The lines on errors between the control points, for the listing and the message log.
 std::string ChecksText(const aem::Checks& checks);

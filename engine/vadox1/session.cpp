@@ -144,7 +144,6 @@ void Session::Do(const SolveCommand& command) {
   RefuseIfFatal();
   solved_ = true;
   ReportSolve(report);
-  WriteListing();
 }
 
 void Session::ReportSolve(const aem::IterationReport& report) {
@@ -153,13 +152,9 @@ void Session::ReportSolve(const aem::IterationReport& report) {
                   "residual of the linear system {:.1E}",
                   solution_->Unknowns(), report.iterations, report.converged ? "converged" : "not converged",
                   report.change, report.residual));
-  std::string checks = ChecksText(solution_->Check());
-  if (checks.ends_with("\r\n")) checks.resize(checks.size() - 2);
-  logs_.Message(checks);
-}
-
-void Session::WriteListing() {
-  files::WriteWholeFile(deck_name_ + ".OUT", ListingText(*solution_, deck_.origin));
+  const aem::Checks checks = solution_->Check();
+  logs_.Message(ChecksText(checks));
+  files::WriteWholeFile(deck_name_ + ".OUT", ListingText(*solution_, checks, deck_.origin));
 }
 
 void Session::Do(const SaveCommand& command) {

@@ -53,8 +53,8 @@ class Session {
   void Build(aem::Model model);
   void ReportFindings();
   void RefuseIfFatal();
+  /// Message log and listing.
   void ReportSolve(const aem::IterationReport& report);
-  void WriteListing();
   aem::Window WindowOr(const aem::Window& window, const char* command) const;
   struct Starts;
   Starts CollectStarts(const TraceCommand& command);
