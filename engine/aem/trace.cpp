@@ -86,6 +86,7 @@ class PathTracer {
     path_.end = end;
     path_.label = std::move(label);
   }
+  void EndAtTop();
   void EndWithoutField(PointStatus status) {
     End(status == PointStatus::kIgnored ? PathEnd::kIgnored : PathEnd::kDry);
   }
@@ -309,7 +310,7 @@ void PathTracer::Arrive(const Event& event, const Motion& motion, double days) {
     case EventKind::kWaterTable:
       place_.s = 1.0;
       AddPointHere();
-      return End(PathEnd::kWaterTable);
+      return EndAtTop();
     case EventKind::kCrossing:
       AddPoint(motion.state);
       return CrossLine(event.crossing, motion);
@@ -401,6 +402,15 @@ void PathTracer::Slide(const Segment& line, Complex normal) {
 
 void PathTracer::AddPoint(const PointState& state) {
   path_.points.push_back({place_.at, state.base + place_.s * state.thickness, time_, state.head});
+}
+
+/// Water leaves through the top into a pond, or to the air; backward, it came from there.
+void PathTracer::EndAtTop() {
+  for (const TraceWell& disk : field_.Disks()) {
+    const bool takes = disk.discharge * mover_.direction() > 0.0;
+    if (takes && std::abs(place_.at - disk.at) <= disk.radius) return End(PathEnd::kSurfaceWater, disk.label);
+  }
+  End(PathEnd::kWaterTable);
 }
 
 void PathTracer::AddPointHere() {

@@ -34,7 +34,7 @@ namespace aem {
 enum class PathEnd {
   kTime,          ///< the longest travel time
   kWell,          ///< at the rim of a well that takes it (or, backward, gave it)
-  kSurfaceWater,  ///< at a line-sink that takes it (or gave it)
+  kSurfaceWater,  ///< at a line-sink or under a sink disk that takes it (or gave it)
   kBoundary,      ///< at a boundary line
   kWindow,        ///< at the window's edge, or started outside of it
   kWaterTable,    ///< at the top of the saturated aquifer

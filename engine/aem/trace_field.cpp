@@ -58,7 +58,13 @@ WellIndex::Cell WellIndex::CellAt(double x, double y) const {
   return row * (Cell{1} << 32) + column;
 }
 
-SolutionField::SolutionField(const Solution& solution) : solution_(solution), wells_(AllWells(solution)) {}
+SolutionField::SolutionField(const Solution& solution) : solution_(solution), wells_(AllWells(solution)) {
+  const std::vector<DiskResult> results = solution.Disks();
+  const std::vector<SinkDisk>& disks = solution.GetModel().disks;
+  for (std::size_t i = 0; i < disks.size() && i < results.size(); ++i) {
+    disks_.push_back({disks[i].at, disks[i].radius, results[i].discharge, disks[i].origin.label});
+  }
+}
 
 PointState SolutionField::At(Complex point) const {
   return solution_.At(point);

@@ -14,7 +14,7 @@ namespace aem {
 
 class Solution;
 
-/// A vertical well of any kind as the tracer sees it.
+/// A vertical well of any kind, or a sink disk, as the tracer sees it.
 struct TraceWell {
   Complex at;
   double radius = 0.0;
@@ -54,6 +54,8 @@ class TraceField {
   virtual double SinkDensity(int string, int segment, double position) const = 0;
   virtual const Model& GetModel() const = 0;
   virtual const WellIndex& Wells() const = 0;
+  /// Sink disks: ponds that take water through their area, or give it.
+  virtual const std::vector<TraceWell>& Disks() const = 0;
 };
 
 /// The field of a Solution, which must outlive it and must not change meanwhile.
@@ -67,10 +69,12 @@ class SolutionField final : public TraceField {
   double SinkDensity(int string, int segment, double position) const override;
   const Model& GetModel() const override;
   const WellIndex& Wells() const override { return wells_; }
+  const std::vector<TraceWell>& Disks() const override { return disks_; }
 
  private:
   const Solution& solution_;
   WellIndex wells_;
+  std::vector<TraceWell> disks_;
 };
 
 template <class Visit>

@@ -60,11 +60,7 @@ Session::Starts Session::CollectStarts(const TraceCommand& command) {
   if (command.wells.empty()) return all;
   const aem::SolutionField field(*solution_);
   std::vector<aem::TraceWell> wells = field.Wells().wells();
-  const std::vector<aem::DiskResult> disks = solution_->Disks();
-  for (std::size_t i = 0; i < disks.size(); ++i) {
-    const aem::SinkDisk& disk = solution_->GetModel().disks[i];
-    wells.push_back({disk.at, disk.radius, disks[i].discharge, disk.origin.label});
-  }
+  wells.insert(wells.end(), field.Disks().begin(), field.Disks().end());
   for (const WellStart& start : command.wells) {
     const aem::TraceWell* well = WellAt(wells, start.at);
     if (well == nullptr) {

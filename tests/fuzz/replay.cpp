@@ -1,5 +1,6 @@
 // Replays the seeds of a fuzz target and a fixed number of mutations of them: <seed folder> <rounds>.
 #include <algorithm>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -65,7 +66,17 @@ void Mutate(std::string& text, const std::vector<std::string>& seeds, Random& ra
   }
 }
 
+/// The input in hand, written out when it fails: the next run can take it as a seed.
+std::string current;
+
+void Keep(int) {
+  std::fwrite(current.data(), 1, current.size(), stdout);
+  std::fflush(stdout);
+  std::_Exit(3);
+}
+
 void Try(const std::string& text) {
+  current = text;
   LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
 }
 
@@ -73,6 +84,7 @@ void Try(const std::string& text) {
 
 int main(int argc, char** argv) {
   if (argc != 3) return 2;
+  std::signal(SIGABRT, Keep);
   std::vector<std::filesystem::path> files;
   for (const auto& entry : std::filesystem::directory_iterator(argv[1])) files.push_back(entry.path());
   std::sort(files.begin(), files.end());

@@ -20,6 +20,7 @@ class FormulaField final : public TraceField {
   double density = 0.0;  ///< of every line-sink
   Model model;
   WellIndex wells;
+  std::vector<TraceWell> disks;
   mutable int evaluations = 0;
 
   PointState At(Complex point) const override {
@@ -87,6 +88,7 @@ class FormulaField final : public TraceField {
   double SinkDensity(int, int, double) const override { return density; }
   const Model& GetModel() const override { return model; }
   const WellIndex& Wells() const override { return wells; }
+  const std::vector<TraceWell>& Disks() const override { return disks; }
 
   void AddLineSink(double x, double sink_density) {
     LineSinkString string;
@@ -188,6 +190,21 @@ TEST(Trace, recharge_presses_particles_down_and_backward_they_rise_to_the_water_
   EXPECT_NEAR(divide.points.back().time, -std::log(0.8) / rate, 2e-3);
   // Above the water table it starts at it, where it fell in.
   EXPECT_EQ(TracePath(field, {{100.0, 0.0}, 1e9, false}, Options(1e5, 10.0)).points.size(), 2u);
+}
+
+/// A pond that takes N draws particles up: with v = 0 at its centre the relative height grows with exp(N t /
+/// (b n)).
+TEST(Trace, under_a_pond_that_takes_water_the_path_ends_in_the_pond) {
+  FormulaField field;
+  field.recharge_sink = 2e-3;
+  field.discharge = [](Complex z) { return -1e-3 * z; };
+  const double rate = field.recharge_sink / (field.thickness * field.porosity);
+  field.disks = {{{5.0, 0.0}, 40.0, 10.0, "WL_000009"}, {{0.0, 0.0}, 40.0, -10.0, "WL_000010"}};
+  const Path path =
+      TracePath(field, {{1.0, 2.0}, field.base + 0.5 * field.thickness, true}, Options(1e5, 10.0));
+  EXPECT_EQ(path.end, PathEnd::kSurfaceWater);
+  EXPECT_EQ(path.label, "WL_000009");
+  EXPECT_NEAR(path.points.back().time, std::log(2.0) / rate, 1e-2);
 }
 
 TEST(Trace, a_line_sink_takes_the_upper_part_and_the_rest_passes_beneath) {
