@@ -141,7 +141,7 @@ double RoundLength(double longest) {
   return power;
 }
 
-bool DrawMapOutput(Ormel& ormel, ViewState& state, DrawingDevice& device, const MapOutput& output) {
+bool DrawMapOutput(Ormel& ormel, ViewState& state, DrawingDevice& device, const MapSheet& output) {
   const Named named(ormel, "DrawMapOutput");
   device.Clear(kPaper);
   DeviceRect area = PageArea(device, output.margins);

@@ -11,19 +11,20 @@ namespace ormel {
 
 struct ViewState;
 
-struct MapOutput {
+/// What a sheet shows beside the map.
+struct MapSheet {
   std::string title{};  ///< above the map; empty for none
   bool legend = false;
   bool scale_bar = false;  ///< in map units
   bool north_arrow = false;
   std::optional<PageMargins> margins{};  ///< none: the map fills the device
-  bool box = false;                    ///< a frame around the map
+  bool box = false;                      ///< a frame around the map
   std::optional<MapRect> window{};       ///< none: the present window
 };
 
 /// Draws the map of the open project, whatever the switches of the window show.  The device is cleared first.
 /// Neither the present window nor its mapping changes.  False when there is no room to draw on.
-bool DrawMapOutput(Ormel& ormel, ViewState& state, DrawingDevice& device, const MapOutput& output);
+bool DrawMapOutput(Ormel& ormel, ViewState& state, DrawingDevice& device, const MapSheet& output);
 
 /// The longest of 1, 2, 5 times a power of ten that is not longer than `longest`.
 double RoundLength(double longest);

@@ -26,9 +26,6 @@ class MapSurface {
 
 /// What the pointer calls in rooms that the view does not know.  Empty while such a room is not there.
 struct MapHooks {
-  std::function<void()> select;                       ///< selects what lies at the last click
-  std::function<void()> properties;                   ///< edits the selected element
-  std::function<void(MapPoint)> end_move;             ///< the selected vertex goes to this place
   std::function<void(MapPoint, Color)> inspect;       ///< results at a point
   std::function<void(MapPoint)> trace;                ///< one streamline from a point
   std::function<void(Element, Vid, Pid)> info_panel;  ///< of a string or domain

@@ -9,6 +9,7 @@
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/edit.h"
 #include "text/masks.h"
 #include "view/map_view_impl.h"
 #include "view/mouse_actions.h"
@@ -105,7 +106,7 @@ void Map_DblClick(MapViewImpl& view) {
   if (!Listening(ormel) || ormel.selection.SelectedType == Element::kNone) return;
   Handle(view, "Map_DblClick", [&] {
     ormel.mouse.ButtonDown = false;
-    if (view.hooks().properties) view.hooks().properties();
+    ElemSetProperties(ormel);
   });
 }
 

@@ -13,6 +13,7 @@
 #include "model/inhomogeneities.h"
 #include "model/linesinks.h"
 #include "model/observations.h"
+#include "model/selection.h"
 #include "model/uniform_flow.h"
 #include "model/vertices.h"
 #include "model/wells.h"
@@ -37,15 +38,10 @@ DevicePoint RubberStart(const Ormel& ormel) {
 bool OpenPanel(const MouseEvent& event) {
   const Vid vid = ElemFindVertex(event.ormel, event.world);
   if (vid < 0) return false;
-  RowReader rows(
-      event.ormel.db(),
-      "select PID in (select PID from LinesinkStrings),PID in (select PID from Inhomogeneities),PID "
-      "from Vertices where VID=?",
-      {vid});
-  if (!rows.Next() || !(rows.Bool(0) || rows.Bool(1))) return false;
-  const Element element = rows.Bool(0) ? Element::kLinesink : Element::kInhomogeneity;
+  const Owner owner = OwnerOf(event.ormel, vid);
+  if (owner.element != Element::kLinesink && owner.element != Element::kInhomogeneity) return false;
   if (event.view.hooks().info_panel)
-    event.view.hooks().info_panel(element, vid, rows.Long(2));
+    event.view.hooks().info_panel(owner.element, vid, owner.pid);
   else
     Inform(event.ormel, kProgramTitle, "The information panels are not available in this version.");
   return true;
@@ -56,7 +52,7 @@ class Selecting final : public MouseAction {
   void Press(const MouseEvent& event) const override {
     KeepLast(event);
     StartRubber(event);
-    if (event.view.hooks().select) event.view.hooks().select();
+    ElemSelectElement(event.ormel);
   }
   void RightPress(const MouseEvent& event) const override { OpenPanel(event); }
 };

@@ -1,8 +1,8 @@
 // The move of the selected element or vertex under the pointer.
-#include <optional>
-
 #include "core/ormel.h"
 #include "core/status.h"
+#include "model/move.h"
+#include "model/selection.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "view/map_view_impl.h"
@@ -13,38 +13,6 @@ namespace ormel {
 namespace {
 
 const Overlay::Key kMovedKey{Overlay::Group::kRubber, Element::kNone, 1, {}};
-
-/// The vertices before and behind one of a polygon, for the rubber edges.
-struct Edges {
-  std::optional<MapPoint> before, after;
-};
-
-Edges EdgesOf(Ormel& ormel, Pid pid, Vid vid, bool closed) {
-  Edges edges;
-  std::optional<MapPoint> first, previous;
-  bool found = false;
-  RowReader rows(ormel.db(), "select VID,X,Y from Vertices where PID=? order by Seq", {pid});
-  while (rows.Next()) {
-    const MapPoint at{rows.Double(1), rows.Double(2)};
-    if (found && !edges.after) edges.after = at;
-    if (rows.Long(0) == vid) {
-      found = true;
-      edges.before = previous;
-    }
-    if (!first) first = at;
-    previous = at;
-  }
-  if (!closed || !found) return edges;
-  if (!edges.before) edges.before = previous;
-  if (!edges.after) edges.after = first;
-  return edges;
-}
-
-bool IsClosed(Ormel& ormel, Element element, Pid pid) {
-  if (element == Element::kInhomogeneity) return true;
-  return element == Element::kBarrier &&
-         ormel.db().Scalar("select Closed from NoFlowStrings where PID=?", {pid}).AsBool();
-}
 
 void DrawMovedPoint(const MouseEvent& event, const MapCanvas& canvas) {
   Ormel& ormel = event.ormel;
@@ -79,33 +47,22 @@ class Moving final : public MouseAction {
     const MapViewImpl::OverlayShape overlay(event.view, kMovedKey);
     VgGdi& vg = event.view.vg();
     if (selection.pid > 0) {
-      const Edges edges = EdgesOf(event.ormel, selection.pid, selection.vid,
-                                  IsClosed(event.ormel, selection.SelectedType, selection.pid));
+      const Neighbours edges =
+          NeighboursOf(event.ormel, selection.SelectedType, selection.pid, selection.vid);
       for (const auto& end : {edges.before, edges.after})
         if (end) vg.vgGDILine(*end, event.world, PenStyle::kDash, 1.0, QBColor(12));
     }
     DrawMovedPoint(event, {event.ormel, vg});
   }
   void Release(const MouseEvent& event) const override {
-    KeepLast(event);
     RemoveRubber(event.view);
-    Leave(event);
-    if (event.view.hooks().end_move) event.view.hooks().end_move(event.world);
+    event.ormel.mouse.cursor = 0;
+    ElemEndMove(event.ormel, event.world);
   }
   void RightPress(const MouseEvent& event) const override { Cancel(event); }
   void Cancel(const MouseEvent& event) const override {
     RemoveRubber(event.view);
-    Leave(event);
-    SelectStatus(event.ormel);
-    event.view.TurnOnMenus();
-  }
-
- private:
-  static void Leave(const MouseEvent& event) {
-    event.ormel.mouse.MoveActive = false;
-    event.ormel.mouse.cursor = 0;
-    event.ormel.mouse.ButtonDown = false;
-    event.ormel.mouse.MovePending = false;
+    ElemCancelMove(event.ormel);
   }
 };
 

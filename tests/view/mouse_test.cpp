@@ -10,6 +10,7 @@
 #include "model/digitize.h"
 #include "model/inhomogeneities.h"
 #include "model/linesinks.h"
+#include "model/move.h"
 #include "model/observations.h"
 #include "view/map_fixture.h"
 #include "view/mouse_actions.h"
@@ -19,12 +20,6 @@ namespace {
 
 /// A hand on the mouse: positions in map units, two pixels a unit.
 struct MouseProject : MapProject {
-  int selected = 0;
-  std::vector<MapPoint> moves;
-  MouseProject() {
-    map.hooks().select = [this] { ++selected; };
-    map.hooks().end_move = [this](MapPoint at) { moves.push_back(at); };
-  }
   static DevicePoint At(double x, double y) {
     return {static_cast<int>((x + 100) * 2), static_cast<int>(400 - (y + 100) * 2)};
   }
@@ -195,14 +190,17 @@ TEST(Mouse, RecentresAtAClick) {
   EXPECT_EQ(t.ormel.mouse.cursor, 0);
 }
 
-TEST(Mouse, SelectsAndMoves) {
+TEST(Mouse, SelectsAndMovesAVertex) {
   MouseProject t;
   const Pid pid = t.AddPolygon("0,0 20,0 20,20");
+  t.ormel.db().Execute("insert into LinesinkStrings (PID,Label) values (?,'LS')", {pid});
+  t.Redraw();
   t.Click(21, 1);
-  EXPECT_EQ(t.selected, 1);
   EXPECT_EQ(t.ormel.mouse.LastX, 21.0);
-  t.ormel.selection = {.SelectedType = Element::kLinesink, .vid = 2, .pid = pid};
-  t.ormel.mouse.MovePending = true;
+  ASSERT_EQ(t.ormel.selection.SelectedType, Element::kLinesink);
+  EXPECT_TRUE(t.ormel.menus.Enabled("EDITMOVEVERTEX"));
+  EXPECT_THAT(t.Overlaid(), ::testing::Contains("line 12 w1.5 200,200 240,200 240,160"));
+  ElemBeginMove(t.ormel);
   t.Press(20, 0);
   EXPECT_TRUE(t.ormel.mouse.MoveActive);
   EXPECT_EQ(t.ormel.feedback, "Place cursor at new vertex location and release mouse button");
@@ -210,10 +208,48 @@ TEST(Mouse, SelectsAndMoves) {
   EXPECT_THAT(t.Overlaid(), ::testing::Contains("line 12 style1 200,200 280,220"));
   EXPECT_THAT(t.Overlaid(), ::testing::Contains("line 12 style1 240,160 280,220"));
   t.Release(40, -10);
+  EXPECT_THAT(t.Overlaid(), ::testing::Not(::testing::Contains(::testing::HasSubstr("style1"))));
+  EXPECT_EQ(t.Text("select Y from Vertices where X=40"), "-10");
+  EXPECT_THAT(t.surface.picture.Layer("Linesinks"),
+              ::testing::ElementsAre("line 9 w1.5 200,200 280,220 240,160"));
+  t.ExpectSelectMode();
+  t.Click(-80, -80);
+  EXPECT_EQ(t.ormel.selection.SelectedType, Element::kNone);
+  EXPECT_FALSE(t.ormel.menus.Enabled("EDITMOVEVERTEX"));
+}
+
+TEST(Mouse, AMoveThatIsGivenUpChangesNothing) {
+  MouseProject t;
+  t.ormel.db().Execute("insert into Particles (VID) values (?)", {t.AddVertex(0, 0)});
+  t.Redraw();
+  const auto picture = t.surface.picture.Lines();
+  t.Click(0, 0);
+  ElemBeginMove(t.ormel);
+  t.Press(0, 0);
+  t.Move(50, 50);
+  EXPECT_THAT(t.Overlaid(), ::testing::Contains("line 12 295,95 305,105"));
+  EXPECT_TRUE(Map_KeyDown(t.map, MapKey::kEscape));
+  t.ExpectSelectMode();
+  EXPECT_EQ(t.Number("select X from Vertices"), 0.0);
+  t.Redraw();
+  EXPECT_EQ(t.surface.picture.Lines(), picture);
   EXPECT_TRUE(t.Overlaid().empty());
-  EXPECT_EQ(t.moves, (std::vector<MapPoint>{{40.0, -10.0}}));
-  EXPECT_FALSE(t.ormel.mouse.MovePending);
-  EXPECT_EQ(t.selected, 1) << "the press of a move selects nothing";
+}
+
+TEST(Mouse, ADoubleClickEditsTheSelectedElement) {
+  MouseProject t;
+  t.AddWell(0, 0, "North");
+  t.Redraw();
+  Map_DblClick(t.map);
+  EXPECT_TRUE(t.ui.shown_forms.empty()) << "nothing is selected";
+  t.Click(0, 0);
+  t.ui.OnForm("WellProperties", [](Form& form) {
+    form.SetText("tbData(3)", "20");
+    form.Click("OK");
+  });
+  Map_DblClick(t.map);
+  EXPECT_EQ(t.Number("select Radius from Wells"), 20.0);
+  EXPECT_THAT(t.Drawn("Wells"), ::testing::ElementsAre("circle 5 at 200,200 r40"));
 }
 
 TEST(Mouse, SnapsToTheEditorGrid) {
@@ -232,12 +268,13 @@ TEST(Mouse, SnapsToTheEditorGrid) {
 
 TEST(Mouse, ShiftInspectsOnlyWithASolution) {
   MouseProject t;
+  t.AddWell(0, 0, "North");
   for (const int shift : {kShiftKey, kShiftKey | kCtrlKey}) {
     t.Press(0, 0, shift);
     EXPECT_EQ(t.ui.LastTitle(), "Error");
     EXPECT_EQ(t.ui.LastText(), "No solution is present.  Solve the model and try again.");
   }
-  EXPECT_EQ(t.selected, 0);
+  EXPECT_EQ(t.ormel.selection.SelectedType, Element::kNone);
   std::vector<std::string> asked;
   t.map.hooks().inspect = [&](MapPoint, Color color) { asked.push_back("inspect " + ColorName(color)); };
   t.map.hooks().trace = [&](MapPoint) { asked.push_back("trace"); };
@@ -271,6 +308,7 @@ TEST(Mouse, RightClickOpensAPanelInSelectModeOnly) {
 
 TEST(Mouse, IsDeafWhileDisabledOrWithoutAProject) {
   MouseProject t;
+  t.AddWell(0, 0, "North");
   t.map.DisableMouse();
   t.Click(0, 0);
   t.map.EnableMouse();
@@ -281,10 +319,10 @@ TEST(Mouse, IsDeafWhileDisabledOrWithoutAProject) {
   t.Move(0, 0);
   EXPECT_EQ(t.ormel.feedback, "");
   EXPECT_EQ(t.ui.panels[Panel::kX], "");
-  EXPECT_EQ(t.selected, 0);
+  EXPECT_EQ(t.ormel.selection.SelectedType, Element::kNone);
   t.ormel.project.ProjectOpen = true;
   t.Click(0, 0);
-  EXPECT_EQ(t.selected, 1);
+  EXPECT_EQ(t.ormel.selection.SelectedType, Element::kWell);
 }
 
 TEST(Keys, PanAndZoomOutsideOfModes) {
