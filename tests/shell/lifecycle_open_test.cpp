@@ -1,0 +1,156 @@
+// Opening a project: what is refused, what is repaired, which window is shown.
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "lifecycle_fixture.h"
+#include "shell/open_steps.h"
+
+namespace ormel::test {
+namespace {
+
+struct Refusal {
+  const char* name;
+  void (*spoil)(const std::string& path);
+  const char* title;
+  const char* words;  ///< somewhere in the last box
+};
+
+void Cut(const std::string& path) {
+  WriteAll(path, ReadAll(path).substr(0, 5000));
+}
+
+const Refusal kRefusals[] = {
+    {"read-only", [](const std::string& path) { chmod(path.c_str(), 0444); }, "File is Read-only!",
+     "read-only attribute"},
+    {"no project", [](const std::string& path) { WriteAll(path, "Hello"); }, "Can't open database",
+     "town.orm"},
+    {"empty", [](const std::string& path) { WriteAll(path, ""); }, "Can't open database", "town.orm"},
+    {"cut", Cut, "Can't open database", "town.orm"},
+    {"newer",
+     [](const std::string& path) { LifecycleTest::Run(path, "update Project set ProjectVersion=209"); },
+     "Can't open database", "newer version of Ormel"},
+};
+
+class OpenRefusal : public LifecycleTest, public ::testing::WithParamInterface<Refusal> {};
+
+TEST_P(OpenRefusal, SaysWhyAndLeavesTheFileAsItWas) {
+  const std::string path = Make("town.orm");
+  FileOpenProject(ormel, Make("present.orm"));
+  GetParam().spoil(path);
+  const std::string bytes = ReadAll(path);
+  FileOpenProject(ormel, path);
+  EXPECT_EQ(ui.LastTitle(), GetParam().title);
+  EXPECT_NE(ui.LastText().find(GetParam().words), std::string::npos) << ui.LastText();
+  EXPECT_EQ(ReadAll(path), bytes);
+  EXPECT_FALSE(IsOpen());
+  EXPECT_EQ(ormel.project.db, nullptr);
+  EXPECT_EQ(ui.caption, "Ormel");
+  EXPECT_FALSE(ormel.mouse.MouseDisabled);
+}
+INSTANTIATE_TEST_SUITE_P(Files, OpenRefusal, ::testing::ValuesIn(kRefusals), [](const auto& test) {
+  std::string name = test.param.name;
+  std::erase_if(name, [](char c) { return c == '-' || c == ' '; });
+  return name;
+});
+
+TEST_F(LifecycleTest, OlderProjectIsAskedForAndLeftAsItIs) {
+  const std::string path = Make("town.orm");
+  Run(path, "update Project set ProjectVersion=207");
+  const std::string bytes = ReadAll(path);
+  ui.AnswerTo("Version Update", {Answer::kNo, Answer::kYes});
+  FileOpenProject(ormel, path);
+  EXPECT_EQ(ui.LastText(), "Can't open this project database unless it is updated.");
+  FileOpenProject(ormel, path);
+  EXPECT_NE(ui.LastText().find("has not been changed"), std::string::npos);
+  EXPECT_FALSE(IsOpen());
+  EXPECT_EQ(ReadAll(path), bytes);
+}
+
+TEST_F(LifecycleTest, ProjectThatAnotherProgramHasOpenIsRefused) {
+  const std::string path = Make("town.orm");
+  const Database other = Database::Open(path);
+  FileOpenProject(ormel, path);
+  EXPECT_FALSE(IsOpen());
+  EXPECT_EQ(ui.LastTitle(), "Can't open database");
+}
+
+TEST_F(LifecycleTest, MissingFileIsMadeOnlyWhenAsked) {
+  ui.AnswerTo("No Such File", {Answer::kNo, Answer::kYes});
+  FileOpenProject(ormel, "fresh.orm");
+  EXPECT_FALSE(std::filesystem::exists(dir / "fresh.orm"));
+  FileOpenProject(ormel, "fresh.orm");
+  ASSERT_TRUE(IsOpen());
+  EXPECT_EQ(ormel.project.DBName, dir / "fresh.orm");
+  EXPECT_EQ(ui.boxes.size(), 2U) << "the new project's folder is its own";
+}
+
+TEST_F(LifecycleTest, CancelledDialogLeavesThePresentProject) {
+  FileOpenProject(ormel, Make("town.orm"));
+  ui.ChooseFile(std::nullopt);
+  FileOpenProject(ormel, "");
+  EXPECT_TRUE(IsOpen());
+  EXPECT_FALSE(ormel.mouse.MouseDisabled);
+}
+
+TEST_F(LifecycleTest, DamageFoundWhileLoadingClosesTheProjectAgain) {
+  const std::string path = Make("town.orm");
+  Run(path, "drop table Wells");
+  EXPECT_ANY_THROW(FileOpenProject(ormel, path));
+  EXPECT_FALSE(IsOpen());
+  EXPECT_EQ(ormel.project.db, nullptr);
+  EXPECT_FALSE(ormel.mouse.MouseDisabled);
+}
+
+TEST_F(LifecycleTest, FolderOfTheModelFilesIsRepairedOnlyWhenItDiffers) {
+  const std::string path = Make("town.orm");
+  const std::string own = dir.path().string();
+  for (const std::string& stored : {own, own + "/", std::string("."), std::string("./")}) {
+    Run(path, "update Project set OrmelBasePath='" + stored + "'");
+    FileOpenProject(ormel, path);
+    EXPECT_TRUE(ui.boxes.empty()) << stored << ": " << ui.LastText();
+    FileCloseProject(ormel);
+  }
+  Run(path, "update Project set OrmelBasePath='/somewhere'");
+  ui.AnswerTo("Ormel", {Answer::kNo, Answer::kYes});
+  FileOpenProject(ormel, path);
+  EXPECT_EQ(ormel.project.OrmelBasePath, "/somewhere");
+  FileOpenProject(ormel, path);
+  EXPECT_EQ(ormel.project.OrmelBasePath, own);
+  FileCloseProject(ormel);
+  EXPECT_EQ(Ask(path, "select OrmelBasePath from Project"), own);
+}
+
+TEST_F(LifecycleTest, WindowComesFromTheProjectOrIsTheFirstOne) {
+  const std::string path = Make("town.orm");
+  FileOpenProject(ormel, path);
+  EXPECT_EQ(ormel.window.SolveWindow, (MapRect{-100, 100, 100, -100}));
+  EXPECT_EQ(ormel.window.full, (Extents{-100, 100, -100, 100}));
+  EXPECT_EQ(ormel.window.power_of_ten, 100.0);
+  EXPECT_DOUBLE_EQ(ormel.gui.VertexTolerance, 200.0 * 1e-5);
+  FileCloseProject(ormel);
+
+  // A well far outside the stored window widens the full extents and leaves the window alone; the origin of
+  // the last solve stays.
+  Run(path,
+      "update Model set WINDOWX1=0, WINDOWX2=4000, WINDOWY1=3000, WINDOWY2=0, MARGINLeft=2, SOLVERX0=7");
+  Run(path, "insert into Vertices (PID,Seq,X,Y) values (-1,0,-50,10)");
+  Run(path, "insert into Vertices (PID,Seq,X,Y) values (-1,0,10,9000)");
+  Run(path, "insert into Wells (VID,Head,Label,HeadSpecified) select VID,5,'W',1 from Vertices");
+  FileOpenProject(ormel, path);
+  EXPECT_EQ(ormel.window.SolveWindow, (MapRect{0, 4000, 3000, 0}));
+  EXPECT_EQ(ormel.window.full, (Extents{-50, 4000, 0, 9000}));
+  EXPECT_EQ(ormel.window.power_of_ten, 1000.0);
+  EXPECT_EQ(ormel.window.margin_left, 2.0);
+  EXPECT_EQ(ormel.db().Scalar("select SOLVERX0 from Model").AsDouble(), 7.0);
+}
+
+TEST(PowerOfTen, IsTheIntegerPartOfTheLogarithm) {
+  EXPECT_EQ(PowerOfTen(999.0), 100.0);
+  EXPECT_EQ(PowerOfTen(1000.0), 1000.0);
+  EXPECT_EQ(PowerOfTen(0.5), 1.0);
+  EXPECT_EQ(PowerOfTen(0.0), 1.0);
+}
+
+}  // namespace
+}  // namespace ormel::test
