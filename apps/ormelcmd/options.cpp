@@ -33,6 +33,16 @@ std::vector<MapPoint> ParsePoints(const std::vector<std::string>& texts, const s
   return points;
 }
 
+MapRect ParseWindow(const std::string& text) {
+  const std::vector<std::string> sides = ParseString(text, ',');
+  if (sides.size() != 4) throw UserError("--window takes left,bottom,right,top");
+  const MapPoint low = ParsePoint(sides[0] + "," + sides[1], "--window");
+  const MapPoint high = ParsePoint(sides[2] + "," + sides[3], "--window");
+  if (low.x >= high.x || low.y >= high.y)
+    throw UserError("--window: left must be below right and bottom below top");
+  return {low.x, high.x, high.y, low.y};
+}
+
 Color ParseColor(const std::string& text) {
   constexpr std::size_t kLength = 7;
   if (text.size() != kLength || text[0] != '#' ||

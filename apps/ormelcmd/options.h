@@ -29,6 +29,8 @@ void AddQueryCommands(CLI::App& app, Program& program);  ///< sql, results
 MapPoint ParsePoint(const std::string& text, const std::string& what);
 /// Points separated by blanks or semicolons, in one text or several.
 std::vector<MapPoint> ParsePoints(const std::vector<std::string>& texts, const std::string& what);
+/// "left,bottom,right,top"
+MapRect ParseWindow(const std::string& text);
 /// "#RRGGBB"
 Color ParseColor(const std::string& text);
 

@@ -149,13 +149,7 @@ struct WindowOptions {
 int Window(const CommonOptions& common, const WindowOptions& given) {
   MapRect rect;
   if (!given.extents) {
-    const std::vector<std::string> sides = ParseString(given.window, ',');
-    if (sides.size() != 4) throw UserError("--window takes left,bottom,right,top");
-    const MapPoint low = ParsePoint(sides[0] + "," + sides[1], "--window");
-    const MapPoint high = ParsePoint(sides[2] + "," + sides[3], "--window");
-    if (low.x >= high.x || low.y >= high.y)
-      throw UserError("--window: left must be below right and bottom below top");
-    rect = {low.x, high.x, high.y, low.y};
+    rect = ParseWindow(given.window);
   }
   Session session(MakeBatchOptions(common));
   session.OpenProject(given.path);

@@ -22,6 +22,8 @@ class UserError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+class MapViewImpl;
+
 /// Options that every subcommand takes.
 struct CommonOptions {
   bool yes = false, quiet = false;
@@ -41,6 +43,7 @@ class Session {
 
   Ormel& ormel() { return ormel_; }
   BatchInterface& ui() { return ui_; }
+  MapViewImpl& view() { return *view_; }
 
   /// The full open of the program, with all its tests and questions.  Throws UserError when it ends without
   /// an open project; the reason has been printed.
@@ -57,7 +60,7 @@ class Session {
   PosixProcesses processes_;
   FileSettings settings_;
   SystemClock clock_;
-  std::unique_ptr<MapView> view_;
+  std::unique_ptr<MapViewImpl> view_;
   std::unique_ptr<ormel::Solver> solver_;
   Ormel ormel_;
 };
