@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 #include <numbers>
 
 #include "platform/posix_processes.h"
@@ -140,6 +141,35 @@ TEST(RealSolver, ItsRefusalIsToldInItsOwnWords) {
   EXPECT_EQ(p.ui.LastTitle(), "Fatal execution error");
   EXPECT_NE(p.ui.LastText().find("WL_000001"), std::string::npos) << p.ui.LastText();
   EXPECT_FALSE(p.ormel.solution.ValidSolution);
+}
+
+/// A project whose solver is a shell script.
+struct ScriptProject : RealProject {
+  explicit ScriptProject(const std::string& script) {
+    WriteAll(dir / "VADOX1.EXE", "#!/bin/sh\n" + script);
+    std::filesystem::permissions(dir / "VADOX1.EXE", std::filesystem::perms::owner_all);
+    ormel.ports.processes = &own_programs;
+  }
+  PosixProcesses own_programs{dir.path().string()};
+};
+
+TEST(RealProcess, CrashingSolverIsTold) {
+  ScriptProject p("echo half > town.SOL\nkill -SEGV $$\n");
+  ModelRunVadox(p.ormel, {});
+  EXPECT_EQ(p.ui.LastTitle(), "Fatal execution error");
+  EXPECT_NE(p.ui.LastText().find("was stopped by signal 11"), std::string::npos) << p.ui.LastText();
+  EXPECT_FALSE(p.ormel.solution.ValidSolution);
+}
+
+TEST(RealProcess, CancelledSolverLeavesNothingBehind) {
+  ScriptProject p(
+      "trap 'echo stopped > VADOX.OPS; exit 2' INT TERM\necho half > town.SOL\nsleep 60 &\nwait\n");
+  p.ui.cancel = [&] { return std::filesystem::exists(p.dir / "town.SOL"); };
+  ModelRunVadox(p.ormel, {});
+  EXPECT_TRUE(p.ui.boxes.empty()) << p.ui.LastText();
+  EXPECT_NE(p.ormel.feedback.find("cancelled"), std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists(p.dir / "town.SOL"));
+  EXPECT_FALSE(std::filesystem::exists(p.dir / "VADOX.OPS"));
 }
 
 }  // namespace
