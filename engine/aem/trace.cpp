@@ -28,8 +28,10 @@ double Dot(Complex a, Complex b) {
 
 /// Parts of the longest step.
 constexpr double kNudge = 1e-6;  ///< off a line, so that the side is certain
-constexpr double kTiny = 1e-7;   ///< a length that no map and no error bound can show
-constexpr double kSlide = 0.1;   ///< along a wall at once
+constexpr double kBeside =
+    1e-4;  ///< off a line-sink on which a path starts: beyond what its ends do to the flow
+constexpr double kTiny = 1e-7;  ///< a length that no map and no error bound can show
+constexpr double kSlide = 0.1;  ///< along a wall at once
 /// The longest travel time at this speed moves a particle by a billionth of a step: it stands still.
 constexpr double kStill = 1e-9;
 
@@ -41,7 +43,7 @@ class PathTracer {
         options_(options),
         stop_(stop),
         mover_(field, start.forward),
-        tolerance_{options.tolerance * options.step, options.tolerance} {
+        tolerance_{options.tolerance * options.step, 0.1 * options.tolerance} {
     path_.start = start;
   }
 
@@ -75,6 +77,7 @@ class PathTracer {
   void Arrive(const Event& event, const Motion& motion, double days);
   void CrossLine(const Crossing& crossing, const Motion& motion);
   bool TakenBy(const Crossing& crossing, const Motion& motion, Complex normal);
+  const std::string& LineSinkLabel(const Crossing& crossing) const;
   bool CrossedInVain(const Crossing& crossing);
   void Slide(const Segment& line, Complex normal);
 
@@ -164,7 +167,7 @@ bool PathTracer::BeginsOnLineSink() {
   double fastest = 0.0;
   Complex best = place_.at;
   for (const double side : {1.0, -1.0}) {
-    const Complex beside = place_.at + side * 2.0 * nudge * normal;
+    const Complex beside = place_.at + side * kBeside * options_.step * normal;
     const Motion motion = mover_.At({beside, place_.s});
     const double away = motion.ok ? Dot(motion.v, side * normal) : 0.0;
     if (away > fastest) fastest = away, best = beside;
@@ -212,18 +215,15 @@ void PathTracer::Advance() {
     next_ = days * std::max(0.2, 0.95 * options_.step / length);
     return;
   }
-  if (const Event event = EventOf(trial); event.kind != EventKind::kNone) {
-    // A bad step says that something is ahead but not where; the tangent does.
-    const Event ahead = trial.error > 1.0 ? EventOnTangent(days) : event;
-    if (ahead.kind != EventKind::kNone) return Meet(ahead, days * ahead.fraction);
-    next_ = 0.25 * days;
-    return;
-  }
+  // A bad step has looked at the other side of a line and says little about the way: its tangent does.
+  const bool bad = trial.error > 1.0;
+  const Event ahead = bad ? EventOnTangent(days) : EventOf(trial);
+  if (ahead.kind != EventKind::kNone) return Meet(ahead, days * ahead.fraction);
   const double factor = trial.error > 0.0 ? std::clamp(0.9 * std::pow(trial.error, -0.2), 0.2, 5.0) : 5.0;
   // Near the tip of an element no step is short enough for the error bound: a tiny one is taken as it is.
   const bool tiny = speed * days < kTiny * options_.step && std::fabs(motion_.ds) * days < kTiny;
   next_ = days * factor;
-  if (trial.error > 1.0 && !tiny) return;
+  if (bad && !tiny) return;
   Accept(trial, days);
 }
 
@@ -333,10 +333,18 @@ void PathTracer::CrossLine(const Crossing& crossing, const Motion& motion) {
     return Slide(line, normal);
   }
   if (crossing.type == CrossingType::kLineSink && TakenBy(crossing, motion, normal)) return;
-  if (CrossedInVain(crossing)) return Slide(line, normal);
+  if (CrossedInVain(crossing)) {
+    if (crossing.type == CrossingType::kLineSink) return End(PathEnd::kSurfaceWater, LineSinkLabel(crossing));
+    return Slide(line, normal);
+  }
   place_.at += kNudge * options_.step * normal;
   motion_ = mover_.At(place_);
   if (!motion_.ok) EndWithoutField(motion_.state.status);
+}
+
+const std::string& PathTracer::LineSinkLabel(const Crossing& crossing) const {
+  const LineSinkString& string = field_.GetModel().line_sinks[static_cast<std::size_t>(crossing.index)];
+  return string.segments[static_cast<std::size_t>(crossing.segment)].origin.label;
 }
 
 /// Whether the line-sink ends the path; otherwise the particle passes and its relative height is adjusted.
@@ -346,8 +354,7 @@ bool PathTracer::TakenBy(const Crossing& crossing, const Motion& motion, Complex
       mover_.direction() * field_.SinkDensity(crossing.index, crossing.segment, crossing.position);
   const double far = near - taken;
   if (far <= 0.0 || place_.s * near > far) {
-    const LineSinkString& string = field_.GetModel().line_sinks[static_cast<std::size_t>(crossing.index)];
-    End(PathEnd::kSurfaceWater, string.segments[static_cast<std::size_t>(crossing.segment)].origin.label);
+    End(PathEnd::kSurfaceWater, LineSinkLabel(crossing));
     return true;
   }
   place_.s *= near / far;

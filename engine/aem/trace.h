@@ -77,8 +77,9 @@ struct TraceOptions {
   double step = 0.0;          ///< longest step [L], above 0
   Window window;              ///< paths end on its edge; not set: no window
   std::vector<EndlessLine> boundaries;
-  double tolerance = 1e-7;  ///< error of a step, relative to `step` (position) and to 1 (relative height)
-  int threads = 0;          ///< 0: as many as the machine has
+  double tolerance =
+      1e-7;  ///< error of a step: of its position, relative to `step`; a tenth of it, of the relative height
+  int threads = 0;  ///< 0: as many as the machine has
 };
 
 /// One path.
