@@ -8,6 +8,7 @@
 #include "ormelcmd/options.h"
 #include "shell/lifecycle.h"
 #include "shell/open_steps.h"
+#include "shell/project_copy.h"
 #include "store/database.h"
 #include "store/schema.h"
 #include "text/files.h"
@@ -19,10 +20,25 @@ namespace {
 
 struct NewOptions {
   std::string path, description = "New Ormel Project", map_units = "meters", compute_units = "meters";
-  bool overwrite = false;
+  bool overwrite = false, portable = false;
 };
 
+/// A project that names no folder of this machine: its model files are always beside it.
+int NewPortable(const NewOptions& given) {
+  if (FileExists(given.path) && !given.overwrite)
+    throw UserError(given.path + " already exists; --overwrite replaces it");
+  NewDatabaseOptions options;
+  options.description = given.description;
+  options.BasemapMeters = given.map_units != "feet";
+  options.ComputeMeters = given.compute_units != "feet";
+  options.file_title = FileTitle(given.path);
+  options.working_directory = ".";
+  MakeProjectFile(given.path, options);
+  return kExitOk;
+}
+
 int New(const CommonOptions& common, const NewOptions& given) {
+  if (given.portable) return NewPortable(given);
   BatchOptions options = MakeBatchOptions(common);
   const auto set = [&options](const char* form, const std::string& control, const std::string& value) {
     options.settings.push_back({form, control, value});
@@ -172,6 +188,8 @@ void AddProjectCommands(CLI::App& app, Program& program) {
   create->add_option("--units", made->compute_units, "Length unit of elevations, properties and rates")
       ->check(CLI::IsMember({"meters", "feet"}))
       ->capture_default_str();
+  create->add_flag("--portable", made->portable,
+                   "Name no folder in it: the model files are beside the project wherever it is moved");
   create->add_flag("--overwrite", made->overwrite, "Replace a project of that name");
   create->callback(
       [&program, made] { program.run = [&program, made] { return New(program.common, *made); }; });

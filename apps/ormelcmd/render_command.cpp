@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <array>
 #include <cstdlib>
+#include <iostream>
 #include <memory>
 
 #include "core/menu_state.h"
@@ -23,9 +24,9 @@ struct RenderOptions {
   std::string path, picture, size = "1600x1200", window;
   std::vector<std::string> layers;
   int dpi = 96;
-  double time_tics = kYear, elevation_tics = 0.0;
+  double time_tics = 2 * kYear, elevation_tics = 0.0;
   bool no_results = false;
-  MapOutput output;
+  MapSheet output;
 };
 
 /// A layer by its name on the command line: the menu item that switches it.
@@ -125,6 +126,10 @@ int Render(const CommonOptions& common, RenderOptions given) {
 
   // No window is shown: drawing needs no display unless the user asks for a platform.
   if (std::getenv("QT_QPA_PLATFORM") == nullptr) setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  // What the toolkit has to say about the desktop concerns nobody here.
+  qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (type == QtCriticalMsg || type == QtFatalMsg) std::cerr << "ormelcmd: " << text.toStdString() << '\n';
+  });
   char name[] = "ormelcmd";
   char* arguments[] = {name, nullptr};
   int count = 1;

@@ -1,6 +1,5 @@
 #include "shell/lifecycle.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <optional>
 
@@ -64,24 +63,15 @@ bool IsSameFile(const std::string& a, const std::string& b) {
   return a == b || (fs::equivalent(a, b, error) && !error);
 }
 
-/// The project is made beside its name and takes it when it is complete: an older file of that name survives
-/// whatever goes wrong before.
 void MakeProject(Ormel& ormel, const std::string& path, const NewDatabaseWizard& wizard) {
+  const Named named(ormel, "DBNewDatabase");
   NewDatabaseOptions options;
   options.description = wizard.Description();
   options.BasemapMeters = wizard.BasemapMeters();
   options.ComputeMeters = wizard.ComputeMeters();
   options.file_title = FileTitle(path);
   options.working_directory = FolderOf(path);
-  const Named named(ormel, "DBNewDatabase");
-  const std::string fresh = path + ".new";
-  std::remove(fresh.c_str());
-  DBNewDatabase(fresh, options);
-  if (std::rename(fresh.c_str(), path.c_str()) != 0) {
-    const FileError failure(path, "the new project could not take the place of the older file");
-    std::remove(fresh.c_str());
-    throw failure;
-  }
+  MakeProjectFile(path, options);
 }
 
 void ReadWhpaState(Ormel& ormel) {

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "store/database.h"
+#include "store/schema.h"
 #include "text/files.h"
 
 namespace ormel {
@@ -96,6 +97,12 @@ void DuplicateProject(const std::string& source, const std::string& target) {
     db.Close();
   }
   copy.BecomeThe(target);
+}
+
+void MakeProjectFile(const std::string& path, const NewDatabaseOptions& options) {
+  TemporaryName fresh(path + ".new");
+  DBNewDatabase(fresh.path(), options);
+  fresh.BecomeThe(path);
 }
 
 }  // namespace ormel
