@@ -27,7 +27,9 @@
 #include "solver/driver.h"
 #include "solver/extents.h"
 #include "text/files.h"
+#include "view/display_commands.h"
 #include "view/pathlines.h"
+#include "view/whpa_drawing.h"
 
 namespace ormel::command {
 namespace {
@@ -105,6 +107,7 @@ void CopyImage(Ormel& ormel, int /*index*/) {
 
 void Layer(Ormel& ormel, int index) {
   if (index == kLayerRefresh) return ormel.view().ZoomActions(ormel::Zoom::kRedraw);
+  if (index == kLayerResultsOverlay) return ResultsOverlayCommand(ormel);
   Toggle(ormel, "layermenu", index);
   if (index != kLayerToolbar) RedrawInPlace(ormel);
 }
@@ -146,11 +149,8 @@ void WellLabels(Ormel& ormel, int index) {
   RedrawInPlace(ormel);
 }
 
-void SimpleWhpas(Ormel& ormel, int index) {
-  Toggle(ormel, "ShowWHPAs", index);
-  if (ormel.menus.Checked("ShowWHPAs", index) && ormel.solution.whpa_calculated_exists)
-    ModelCheckExtents(ormel, false, false);
-  RedrawInPlace(ormel);
+void SimpleWhpas(Ormel& ormel, int /*index*/) {
+  ShowWHPAs(ormel);
 }
 
 void NewElement(Ormel& ormel, int index) {

@@ -5,6 +5,7 @@
 #include "core/menu_state.h"
 #include "shell/commands.h"
 #include "shell/menus.h"
+#include "view/display_commands.h"
 
 namespace ormel {
 namespace {
@@ -79,7 +80,7 @@ constexpr std::array kItems = std::to_array<MenuItem>({
     {"TPSCALING", kTestScale5, "+/- &5", "layermenu", kLayerTestPoints, kCheck | kLine, "", c::TestScaling},
     {"TPSCALING", kTestScale10, "+/- 10", "layermenu", kLayerTestPoints, kCheck, "", c::TestScaling},
     {"TPSCALING", kTestScale20, "+/- 20", "layermenu", kLayerTestPoints, kCheck, "", c::TestScaling},
-    {"layermenu", kLayerResultsOverlay, "Results Overlay...", "VIEWMENU", 0, kResults},
+    {"layermenu", kLayerResultsOverlay, "Results Overlay...", "VIEWMENU", 0, kResults, "", c::Layer},
     {"layermenu", kLayerWhpas, "Wellhead Protection Areas", "VIEWMENU", 0, kCheck, "", c::Layer},
     {"layermenu", kLayerHydrographyLabels, "Show Hydrography Labels", "VIEWMENU", 0, kCheck, "", c::Layer},
     {"layermenu", kLayerHypsographyLabels, "Show Hypsography Labels", "VIEWMENU", 0, kCheck, "", c::Layer},
@@ -98,9 +99,9 @@ constexpr std::array kItems = std::to_array<MenuItem>({
     {"ViewGraphicsMenu", 1, "Raster Graphics", "VIEWMENU", 0, kProject},
     {"SelectBBMGroup", 0, "Select BBM Group", "VIEWMENU", 0, kProject},
     {"Haze", 0, "Haze Background", "VIEWMENU", 0, kCheck, "", c::Haze},
-    {"EDITORGRID", kGridShow, "Show Editor Grid", "VIEWMENU", 0, kCheck | kLine},
-    {"EDITORGRID", kGridSnap, "Snap to Grid", "VIEWMENU", 0, kCheck},
-    {"EDITORGRID", kGridSettings, "Editor Grid Settings...", "VIEWMENU", 0, kProject},
+    {"EDITORGRID", kGridShow, "Show Editor Grid", "VIEWMENU", 0, kCheck | kLine, "", EDITORGRID},
+    {"EDITORGRID", kGridSnap, "Snap to Grid", "VIEWMENU", 0, kCheck, "", EDITORGRID},
+    {"EDITORGRID", kGridSettings, "Editor Grid Settings...", "VIEWMENU", 0, kProject, "", EDITORGRID},
 
     {"ELEMMENU", 0, "E&lement"},
     {"ELEM_CMDS", 1, "&New", "ELEMMENU", 0, kProject},

@@ -133,6 +133,7 @@ void MapViewImpl::Redraw() {
   const FlagDuring drawing(drawing_);
   const Named named(ormel_, "Redraw");
   dirty_ = false;
+  if (ormel_.project.ProjectOpen) OfferLayers(false);
   overlay_.RemoveGroup(Overlay::Group::kDrawn);
   overlay_.RemoveGroup(Overlay::Group::kSelected);
   const Picture picture(surface_);
@@ -193,6 +194,7 @@ void MapViewImpl::DrawElement(Element element, Vid vid, Pid pid, DrawMode mode) 
     return draw();
   }
   overlay_.Remove(KeyOf(Overlay::Group::kSelected, element, vid, pid));
+  if (element == Element::kCapzone) TurnOnLayer(ormel_, kLayerWhpas);  // what is being drawn is shown
   const OverlayShape shape(*this, drawn);
   draw();
 }
@@ -207,6 +209,7 @@ void MapViewImpl::DrawWell(MapPoint at, double setback, double radius, DrawMode 
 }
 
 void MapViewImpl::Refresh() {
+  if (ormel_.project.ProjectOpen) OfferLayers(false);
   if (dirty_) {
     const bool by_hand = ormel_.menus.Checked("layermenu", kLayerManualRedraw);
     dirty_ = false;

@@ -89,6 +89,7 @@ class MapViewImpl final : public MapView {
   void Tail();
   void StoreWindow();
   void CheckZoomLimit();
+  void OfferLayers(bool fresh);
   void DrawPicture(DrawingDevice& device);
   void Erase(const Overlay::Key& key, const std::function<void()>& draw_erased);
   MapCanvas canvas() { return {ormel_, vg_}; }

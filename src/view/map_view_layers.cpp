@@ -19,6 +19,7 @@ void Offer(MenuState& menus, LayerItem item, bool has, bool fresh, bool wanted =
     menus.Check("layermenu", item, wanted);
 }
 
+/// Layers that show something of the project now.
 bool Any(Database& db, const char* sql) {
   return db.Scalar(sql).AsLong() > 0;
 }
@@ -34,11 +35,30 @@ void SetUpProjectDefaults(MenuState& menus) {
 
 }  // namespace
 
+/// Elements may have come or gone, a solution may have become valid.
+void MapViewImpl::OfferLayers(bool fresh) {
+  if (ormel_.project.db == nullptr) return;
+  MenuState& menus = ormel_.menus;
+  Database& db = ormel_.db();
+  const bool solution = ormel_.solution.ValidSolution;
+  const bool areas = Any(db, "select count(*) from WHPAs where T>1 or Type=3");
+  const bool show_contours = db.Scalar("select CONTOURShow from Model").AsBool();
+  const bool show_paths = db.Scalar("select TRACECompute from Model").AsBool();
+  Offer(menus, kLayerElements, true, fresh);
+  Offer(menus, kLayerContours, solution || areas, fresh, show_contours);
+  Offer(menus, kLayerPathlines, solution || areas, fresh, show_paths);
+  Offer(menus, kLayerTestPoints, db.RowCount("TestPoints") > 0, fresh);
+  Offer(menus, kLayerResultsOverlay, solution, fresh, state_.overlay.LSMode != "off");
+  Offer(menus, kLayerWhpas, db.RowCount("Capzones") > 0, fresh);
+  Offer(menus, kLayerHydrographyLabels, Any(db, "select count(*) from TextLabels where LabelType=1"), fresh);
+  Offer(menus, kLayerHypsographyLabels, Any(db, "select count(*) from TextLabels where LabelType>1"), fresh);
+  menus.Check("PATHLINES", 0, menus.Checked("layermenu", kLayerPathlines));
+}
+
 void MapViewImpl::SetUpLayers() {
   const Named named(ormel_, "SetUpLayers");
   if (ormel_.project.db == nullptr) return;
   MenuState& menus = ormel_.menus;
-  Database& db = ormel_.db();
   const bool fresh = layers_of_ != ormel_.project.DBName;
   layers_of_ = ormel_.project.DBName;
   if (fresh) {
@@ -46,20 +66,8 @@ void MapViewImpl::SetUpLayers() {
     state_.overlay = {};
     SetUpProjectDefaults(menus);
   }
-  const SolutionState& solution = ormel_.solution;
-  const bool areas = Any(db, "select count(*) from WHPAs where T>1 or Type=3");
-  const bool show_contours = db.Scalar("select CONTOURShow from Model").AsBool();
-  const bool show_paths = db.Scalar("select TRACECompute from Model").AsBool();
-  Offer(menus, kLayerElements, Any(db, "select count(*) from Vertices"), fresh);
-  Offer(menus, kLayerContours, solution.ValidSolution || areas, fresh, show_contours);
-  Offer(menus, kLayerPathlines, solution.ValidSolution || areas, fresh, show_paths);
-  Offer(menus, kLayerTestPoints, Any(db, "select count(*) from TestPoints"), fresh);
-  Offer(menus, kLayerResultsOverlay, solution.ValidSolution, fresh, state_.overlay.LSMode != "off");
-  Offer(menus, kLayerWhpas, Any(db, "select count(*) from Capzones"), fresh);
-  Offer(menus, kLayerHydrographyLabels, Any(db, "select count(*) from TextLabels where LabelType=1"), fresh);
-  Offer(menus, kLayerHypsographyLabels, Any(db, "select count(*) from TextLabels where LabelType>1"), fresh);
-  menus.Check("PATHLINES", 0, menus.Checked("layermenu", kLayerPathlines));
-
+  OfferLayers(fresh);
+  Database& db = ormel_.db();
   menus.Check("EDITORGRID", kGridShow, db.Scalar("select EDITGRIDShow from Model").AsBool());
   ormel_.mouse.Snap = db.Scalar("select EDITGRIDSnap from Model").AsBool();
   menus.Check("EDITORGRID", kGridSnap, ormel_.mouse.Snap);

@@ -125,6 +125,7 @@ bool MapViewImpl::ZoomMode(Zoom code) {
 
 void MapViewImpl::ZoomActions(Zoom code, const MapRect& rect) {
   if (!ormel_.project.ProjectOpen) {
+    layers_of_.clear();
     Redraw();  // wipes the map
     return;
   }

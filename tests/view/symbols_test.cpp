@@ -247,6 +247,7 @@ TEST(Text, VanishesWhenTheUserZoomsInAndFollowsItsSwitch) {
         "insert into TextLabels (Text,X,Y,ScalerX,FontSize,FontItalic,LabelType) "
         "values ('Hill',0,0,?,12,True,?)",
         {c.scale, c.type});
+    t.map.Refresh();  // the switches learn that there are labels
     t.ormel.menus.Check("layermenu", kLayerHydrographyLabels, c.hydro);
     t.ormel.menus.Check("layermenu", kLayerHypsographyLabels, c.hypso);
     EXPECT_EQ(t.Drawn("Text"), c.drawn) << c.what;

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "view/display_commands.h"
 #include "view/map_fixture.h"
 
 namespace ormel::test {
@@ -176,6 +177,55 @@ TEST(MapView, DrawsTheEditorGridUnderEverything) {
   t.map.ZoomActions(Zoom::kRedrawInPlace);
   EXPECT_EQ(t.surface.picture.Lines(), (std::vector<std::string>{"clear 15"}));
   t.ormel.project.ProjectOpen = true;
+}
+
+TEST(EditorGrid, IsStoredShownAndSnapsByItsCommands) {
+  MapProject t;
+  t.ormel.db().Execute("update Model set EDITGRIDShow=False,EDITGRIDSpacing=100");
+  t.map.SetUpLayers();
+  EDITORGRID(t.ormel, kGridShow);
+  EXPECT_EQ(t.surface.picture.Layer("Editor Grid").size(), 8U);
+  EDITORGRID(t.ormel, kGridSnap);
+  EXPECT_TRUE(t.ormel.mouse.Snap);
+  for (const char* text : {"0", "-5", "ten", "50"}) t.ui.InputTo("Editor Grid Settings", text);
+  for (int i = 0; i < 4; ++i) EDITORGRID(t.ormel, kGridSettings);
+  EXPECT_EQ(t.ui.boxes.size(), 3U);
+  EXPECT_EQ(t.Number("select EDITGRIDSpacing from Model"), 50.0);
+  EXPECT_EQ(t.surface.picture.Layer("Editor Grid").size(), 12U);
+}
+
+TEST(Layers, AreOfferedOnceTheyHaveSomethingToShow) {
+  MapProject t;
+  EXPECT_FALSE(t.ormel.menus.Enabled("layermenu", kLayerTestPoints));
+  EXPECT_FALSE(t.ormel.menus.Enabled("layermenu", kLayerPathlines));
+  t.ormel.db().Execute("insert into TestPoints (VID,Label) values (?,'TP')", {t.AddVertex(0, 0)});
+  t.map.Refresh();
+  EXPECT_TRUE(t.ormel.menus.Enabled("layermenu", kLayerTestPoints));
+  t.ormel.solution.ValidSolution = true;
+  t.Redraw();
+  EXPECT_TRUE(t.ormel.menus.Checked("layermenu", kLayerPathlines)) << "paths are asked for by the settings";
+  EXPECT_TRUE(t.ormel.menus.Checked("PATHLINES", 0));
+  t.ormel.menus.Check("layermenu", kLayerPathlines, false);
+  t.Redraw();
+  EXPECT_FALSE(t.ormel.menus.Checked("PATHLINES", 0)) << "the user's choice stays";
+  t.map.DrawElement(Element::kCapzone, -1, t.AddPolygon("0,0 10,0 0,10"), DrawMode::kNormal);
+  EXPECT_TRUE(t.ormel.menus.Checked("layermenu", kLayerWhpas));
+}
+
+TEST(ResultsOverlay, IsChosenByItsCommand) {
+  MapProject t;
+  t.ormel.solution.ValidSolution = true;
+  t.ormel.db().Execute(
+      "insert into LSResults (Label,VadoxLabel,X1,Y1,X2,Y2,SpecifiedHead,Discharge,"
+      "CalculatedHead,Resistance) values ('a','b',0,0,10,0,5,-8,5,0)");
+  t.ui.OnForm("ResultOverlay", [](Form& form) {
+    form.SetChecked("chkLSShow", true);
+    form.SetChecked("LSSetting(2)", true);
+    form.Click("OK");
+  });
+  ResultsOverlayCommand(t.ormel);
+  EXPECT_THAT(t.surface.picture.Layer("Results Overlay"),
+              ::testing::ElementsAre("line 10 w2 200,200 220,200"));
 }
 
 TEST(MapView, AFailureInALayerLeavesTheProgramUsable) {
