@@ -1,8 +1,10 @@
 #include "ormel/map_widget.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QWheelEvent>
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
@@ -25,6 +27,23 @@ struct CursorRow {
 };
 constexpr std::array kCursors = {CursorRow{0, Qt::ArrowCursor}, CursorRow{2, Qt::CrossCursor},
                                  CursorRow{3, Qt::WaitCursor}, CursorRow{5, Qt::SizeAllCursor}};
+
+struct KeyRow {
+  int key;
+  MapKey meaning;
+};
+constexpr std::array kKeys = {
+    KeyRow{Qt::Key_Left, MapKey::kLeft},       KeyRow{Qt::Key_Right, MapKey::kRight},
+    KeyRow{Qt::Key_Up, MapKey::kUp},           KeyRow{Qt::Key_Down, MapKey::kDown},
+    KeyRow{Qt::Key_PageUp, MapKey::kPageUp},   KeyRow{Qt::Key_PageDown, MapKey::kPageDown},
+    KeyRow{Qt::Key_Home, MapKey::kHome},       KeyRow{Qt::Key_End, MapKey::kEnd},
+    KeyRow{Qt::Key_Escape, MapKey::kEscape}};
+
+int ShiftOf(Qt::KeyboardModifiers modifiers) {
+  return (modifiers.testFlag(Qt::ShiftModifier) ? kShiftKey : 0) +
+         (modifiers.testFlag(Qt::ControlModifier) ? kCtrlKey : 0) +
+         (modifiers.testFlag(Qt::AltModifier) ? kAltKey : 0);
+}
 
 }  // namespace
 
@@ -169,6 +188,7 @@ void MapWidget::mousePressEvent(QMouseEvent* event) {
     setCursor(Qt::ClosedHandCursor);
     return;
   }
+  if (!dragging_) Forward(Map_MouseDown, *event);
 }
 
 void MapWidget::mouseMoveEvent(QMouseEvent* event) {
@@ -178,6 +198,7 @@ void MapWidget::mouseMoveEvent(QMouseEvent* event) {
     update();
     return;
   }
+  if (Ready()) Forward(Map_MouseMove, *event);
 }
 
 void MapWidget::mouseReleaseEvent(QMouseEvent* event) {
@@ -185,6 +206,34 @@ void MapWidget::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::MiddleButton) EndDrag(event->position());
     return;
   }
+  if (Ready()) Forward(Map_MouseUp, *event);
+}
+
+void MapWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+  // The second press of a double click is a press too: it places the next vertex of a string.
+  mousePressEvent(event);
+  if (event->button() != Qt::LeftButton || !Ready() || dragging_) return;
+  Map_DblClick(*view_);
+  emit Touched();
+}
+
+void MapWidget::leaveEvent(QEvent*) {
+  if (Ready()) Map_MouseLeave(*view_);
+}
+
+void MapWidget::keyPressEvent(QKeyEvent* event) {
+  const auto row = std::find_if(kKeys.begin(), kKeys.end(), [&](const KeyRow& r) { return r.key == event->key(); });
+  const bool known = row != kKeys.end() && Ready() && Map_KeyDown(*view_, row->meaning);
+  if (!known) QWidget::keyPressEvent(event);
+  emit Touched();
+}
+
+void MapWidget::Forward(MouseHandler handler, const QMouseEvent& event) {
+  MouseButton button = MouseButton::kNone;
+  if (event.button() == Qt::LeftButton) button = MouseButton::kLeft;
+  if (event.button() == Qt::RightButton) button = MouseButton::kRight;
+  handler(*view_, button, ShiftOf(event.modifiers()), ToDevice(event.position()));
+  emit Touched();
 }
 
 void MapWidget::EndDrag(QPointF at) {

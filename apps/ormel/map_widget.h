@@ -13,6 +13,7 @@
 
 #include "core/types.h"
 #include "view/map_view_impl.h"
+#include "view/mouse.h"
 
 namespace ormel {
 
@@ -52,11 +53,16 @@ class MapWidget : public QWidget, public MapSurface {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   struct PictureInWork;
 
   bool Ready() const;
+  using MouseHandler = void (*)(MapViewImpl&, MouseButton, int, DevicePoint);
+  void Forward(MouseHandler handler, const QMouseEvent& event);
   void Run(const char* name, const std::function<void()>& body);
   DevicePoint ToDevice(QPointF at) const;
   QSize PixelSize() const;
