@@ -32,4 +32,10 @@ QStringList NameFilters(std::string_view filter) {
   return filters;
 }
 
+QString SuffixOf(const QString& filter) {
+  return filter.section(QStringLiteral("(*."), 1)
+      .section(QLatin1Char(' '), 0, 0)
+      .section(QLatin1Char(')'), 0, 0);
+}
+
 }  // namespace ormel

@@ -7,5 +7,7 @@
 namespace ormel {
 
 QStringList NameFilters(std::string_view filter);
+/// Extension of the first pattern of one of these filters: "svg" of "SVG Drawing (*.svg *.SVG)".
+QString SuffixOf(const QString& filter);
 
 }  // namespace ormel

@@ -15,7 +15,7 @@
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "ormel/icons.h"
-#include "ormel/map_output.h"
+#include "ormel/map_export.h"
 #include "ormel/menu_actions.h"
 #include "ormel/qt_interface.h"
 #include "ormel/qt_text.h"
@@ -45,7 +45,7 @@ MainWindow::MainWindow(Ormel& ormel, QtInterface& ui)
       ui_(ui),
       map_(new MapWidget(ormel, this)),
       panels_(new StatusPanels(this)),
-      output_(std::make_unique<MapOutput>(ormel, *this)) {
+      output_(std::make_unique<MapExport>(ormel, *this)) {
   setWindowIcon(ProgramIcon());
   setAcceptDrops(true);
   setMinimumSize(640, 440);

@@ -12,7 +12,7 @@
 
 namespace ormel {
 
-class MapOutput;
+class MapExport;
 class MenuActions;
 class QtInterface;
 class StatusPanels;
@@ -27,6 +27,7 @@ class MainWindow : public QMainWindow, public WindowCommands {
   /// The view that draws on the map; outlives the window's last event.  The controller has its ports by now.
   void SetView(MapViewImpl& view);
   MapWidget& map() { return *map_; }
+  MapViewImpl& view() { return *view_; }
   MenuActions& menus() { return *menu_actions_; }
   ToolButtons& toolbar() { return *toolbar_; }
   StatusPanels& panels() { return *panels_; }
@@ -66,7 +67,7 @@ class MainWindow : public QMainWindow, public WindowCommands {
   StatusPanels* panels_;
   ToolButtons* toolbar_ = nullptr;
   MenuActions* menu_actions_ = nullptr;
-  std::unique_ptr<MapOutput> output_;
+  std::unique_ptr<MapExport> output_;
   std::optional<Shown> shown_;
   bool close_after_wait_ = false;
 };

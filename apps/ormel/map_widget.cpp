@@ -33,10 +33,10 @@ struct KeyRow {
   MapKey meaning;
 };
 constexpr std::array kKeys = {
-    KeyRow{Qt::Key_Left, MapKey::kLeft},       KeyRow{Qt::Key_Right, MapKey::kRight},
-    KeyRow{Qt::Key_Up, MapKey::kUp},           KeyRow{Qt::Key_Down, MapKey::kDown},
-    KeyRow{Qt::Key_PageUp, MapKey::kPageUp},   KeyRow{Qt::Key_PageDown, MapKey::kPageDown},
-    KeyRow{Qt::Key_Home, MapKey::kHome},       KeyRow{Qt::Key_End, MapKey::kEnd},
+    KeyRow{Qt::Key_Left, MapKey::kLeft},     KeyRow{Qt::Key_Right, MapKey::kRight},
+    KeyRow{Qt::Key_Up, MapKey::kUp},         KeyRow{Qt::Key_Down, MapKey::kDown},
+    KeyRow{Qt::Key_PageUp, MapKey::kPageUp}, KeyRow{Qt::Key_PageDown, MapKey::kPageDown},
+    KeyRow{Qt::Key_Home, MapKey::kHome},     KeyRow{Qt::Key_End, MapKey::kEnd},
     KeyRow{Qt::Key_Escape, MapKey::kEscape}};
 
 int ShiftOf(Qt::KeyboardModifiers modifiers) {
@@ -222,7 +222,8 @@ void MapWidget::leaveEvent(QEvent*) {
 }
 
 void MapWidget::keyPressEvent(QKeyEvent* event) {
-  const auto row = std::find_if(kKeys.begin(), kKeys.end(), [&](const KeyRow& r) { return r.key == event->key(); });
+  const auto row =
+      std::find_if(kKeys.begin(), kKeys.end(), [&](const KeyRow& r) { return r.key == event->key(); });
   const bool known = row != kKeys.end() && Ready() && Map_KeyDown(*view_, row->meaning);
   if (!known) QWidget::keyPressEvent(event);
   emit Touched();

@@ -171,6 +171,9 @@ std::optional<std::string> QtInterface::Ask(const FileDialog& request) {
   dialog.setOption(QFileDialog::DontConfirmOverwrite);
   dialog.setNameFilters(NameFilters(request.filter));
   dialog.setDefaultSuffix(ToQString(request.default_extension));
+  // A name without an extension gets that of the kind of file chosen.
+  connect(&dialog, &QFileDialog::filterSelected, &dialog,
+          [&dialog](const QString& filter) { dialog.setDefaultSuffix(SuffixOf(filter)); });
   if (!request.file_name.empty()) dialog.selectFile(ToQString(request.file_name));
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   folders_[title] = dialog.directory().absolutePath();

@@ -1,0 +1,235 @@
+// The main window: project in and out, menus, zoom, mouse, a run and its end.
+#include <QClipboard>
+#include <QDropEvent>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPrinter>
+#include <QPushButton>
+#include <QUrl>
+#include <QWheelEvent>
+
+#include "ormel/map_export.h"
+#include "ormel/wait_box.h"
+#include "shell/menus.h"
+#include "window/window_fixture.h"
+
+namespace ormel {
+namespace {
+
+using test::WindowTest;
+
+/// True when the picture shows anything but paper.
+bool HasInk(const QImage& image) {
+  for (int y = 0; y < image.height(); ++y)
+    for (int x = 0; x < image.width(); ++x)
+      if (image.pixel(x, y) != qRgb(255, 255, 255)) return true;
+  return false;
+}
+
+TEST_F(WindowTest, MenusAndMapComeAndGoWithTheProject) {
+  Start("");
+  EXPECT_TRUE(Item("FILE_CMDS", 1)->isEnabled());
+  const auto expect_project_items = [&](bool open) {
+    for (const MenuItem& item : MenuItems()) {
+      const bool depends = (item.flags & kNeedsProject) != 0 && !HasSubmenu(item);
+      if (depends && !open)
+        EXPECT_FALSE(program->window.menus().Find(item.control, item.index)->isEnabled()) << item.caption;
+    }
+    for (const auto& [control, index] : {std::pair{"FILE_CMDS", 3}, {"ZOOM_CMDS", 1}, {"ELEM_NEW", 1}})
+      EXPECT_EQ(Item(control, index)->isEnabled(), open) << control;
+    EXPECT_EQ(program->window.toolbar().Find("WINDOWZOOMIN")->isEnabled(), open);
+  };
+  expect_project_items(false);
+  EXPECT_FALSE(HasInk(Map().picture()));
+
+  RunCommand(program->ormel, "test", [&] { FileOpenProject(program->ormel, town); });
+  program->window.Refresh();
+  expect_project_items(true);
+  EXPECT_TRUE(HasInk(Map().picture()));
+  EXPECT_TRUE(program->window.windowTitle().contains("town"));
+
+  Item("FILE_CMDS", 3)->trigger();
+  expect_project_items(false);
+  EXPECT_FALSE(HasInk(Map().picture()));
+  EXPECT_FALSE(program->window.windowTitle().contains("town"));
+}
+
+TEST_F(WindowTest, EveryButtonHasItsDrawingAndSaysWhatItDoes) {
+  Start("");
+  for (const ToolbarButton& button : ToolbarButtons()) {
+    const QAction* action = program->window.toolbar().Find(button.key);
+    EXPECT_FALSE(action->icon().isNull()) << button.key;
+    EXPECT_FALSE(action->toolTip().isEmpty()) << button.key;
+  }
+  for (const MenuItem& item : MenuItems()) {
+    const QAction* action = program->window.menus().Find(item.control, item.index);
+    if (!item.shortcut.empty())
+      EXPECT_FALSE(action->shortcut().isEmpty()) << item.caption << " has a shortcut that is none";
+  }
+}
+
+TEST_F(WindowTest, TheWheelZoomsAboutThePointerAndTheMiddleButtonDrags) {
+  Start(town);
+  const QPoint at(200, 150);
+  const MapPoint before = WorldAt(at);
+  const double width = program->ormel.window.SolveWindow.Width();
+  QWheelEvent wheel(at, Map().mapToGlobal(at), {}, {0, 240}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                    false);
+  QApplication::sendEvent(&Map(), &wheel);
+  Settle(250);
+  EXPECT_NEAR(program->ormel.window.SolveWindow.Width(), width / (1.25 * 1.25), width * 1e-3);
+  EXPECT_NEAR(WorldAt(at).x, before.x, 2.0);
+  EXPECT_NEAR(WorldAt(at).y, before.y, 2.0);
+
+  const MapPoint held = WorldAt(at);
+  const QPoint to(260, 110);
+  QTest::mousePress(&Map(), Qt::MiddleButton, {}, at);
+  QTest::mouseMove(&Map(), to);
+  QTest::mouseRelease(&Map(), Qt::MiddleButton, {}, to);
+  Settle(50);
+  EXPECT_NEAR(WorldAt(to).x, held.x, 2.0);
+  EXPECT_NEAR(WorldAt(to).y, held.y, 2.0);
+}
+
+TEST_F(WindowTest, MenuKeysAndResizeMoveTheWindowOnTheMap) {
+  Start(town);
+  const MapRect before = program->ormel.window.SolveWindow;
+  Item("ZOOM_CMDS", 1)->trigger();
+  EXPECT_NEAR(program->ormel.window.SolveWindow.Width(), before.Width() / 2, 1.0);
+  Map().setFocus();
+  QTest::keyClick(&Map(), Qt::Key_Right);
+  EXPECT_GT(program->ormel.window.SolveWindow.x1, before.x1);
+  const QSize size = Map().picture().size();
+  program->window.resize(1000, 760);
+  Settle(400);
+  EXPECT_NE(Map().picture().size(), size);
+  EXPECT_EQ(Map().picture().size(), Map().size() * Map().devicePixelRatioF());
+}
+
+TEST_F(WindowTest, AWellIsPlacedByAClickAndItsDialog) {
+  Start(town);
+  Item("ELEM_NEW", 1)->trigger();
+  EXPECT_FALSE(Item("FILE_CMDS", 3)->isEnabled()) << "the menus rest while the mouse is in a mode";
+  WithNextDialog([](QDialog& dialog) {
+    dialog.findChild<QLineEdit*>("tbLabel")->clear();
+    QTest::keyClicks(dialog.findChild<QLineEdit*>("tbLabel"), "East");
+    QTest::keyClick(&dialog, Qt::Key_Return);
+  });
+  const QPoint at = PixelOf({700.0, 200.0});
+  QTest::mouseClick(&Map(), Qt::LeftButton, {}, at);
+  Settle(100);
+  EXPECT_EQ(program->ormel.db().Scalar("select count(*) from Wells").AsLong(), 3);
+  EXPECT_NEAR(program->ormel.db()
+                  .Scalar("select X from Vertices where VID in (select VID from Wells where Label='East')")
+                  .AsDouble(),
+              700.0, 3.0);
+  EXPECT_TRUE(Item("FILE_CMDS", 3)->isEnabled());
+}
+
+/// A solver that never ends by itself.
+void BeSlow(test::FakeProcesses& processes) {
+  processes.on_run = [](const ProcessRequest&, const auto&, const auto& cancelled) {
+    ProcessResult result;
+    result.started = true;
+    QElapsedTimer time;
+    time.start();
+    while (!result.cancelled && time.elapsed() < 10000) {
+      result.cancelled = cancelled();
+      QTest::qSleep(10);
+    }
+    return result;
+  };
+}
+
+class SolveTest : public WindowTest {
+ protected:
+  SolveTest() {
+    for (const char* name : {"VADOX1.EXE", "CONTOUR.EXE"}) test::WriteAll(dir / name, "");
+    BeSlow(processes);
+  }
+  /// Answers questions by their first button, until the solver runs.
+  void AcceptQuestions() {
+    auto* timer = new QTimer(&program->window);
+    QObject::connect(timer, &QTimer::timeout, [] {
+      if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+        QTest::keyClick(box, Qt::Key_Return);
+    });
+    timer->start(30);
+  }
+};
+
+TEST_F(SolveTest, CancelEndsTheRunAndLeavesTheProjectAsItWas) {
+  Start(town);
+  AcceptQuestions();
+  bool seen = false;
+  QTimer::singleShot(1200, &program->window, [&] {
+    auto* box = program->window.findChild<WaitBox*>();
+    ASSERT_NE(box, nullptr);
+    seen = box->isVisible();
+    QTest::mouseClick(box->findChild<QPushButton*>(), Qt::LeftButton);
+  });
+  QElapsedTimer time;
+  time.start();
+  Item("MODEL_CMDS", 2)->trigger();
+  EXPECT_TRUE(seen);
+  EXPECT_FALSE(processes.requests.empty());
+  EXPECT_LT(time.elapsed(), 5000);
+  EXPECT_FALSE(program->ui.Waiting());
+  EXPECT_FALSE(program->ormel.solution.ValidSolution);
+  EXPECT_TRUE(program->ormel.project.ProjectOpen);
+  EXPECT_EQ(program->ormel.db().Scalar("select count(*) from Wells").AsLong(), 2);
+  EXPECT_TRUE(Item("MODEL_CMDS", 2)->isEnabled());
+}
+
+TEST_F(SolveTest, ClosingDuringARunAsksStopsTheRunAndThenCloses) {
+  Start(town);
+  AcceptQuestions();
+  QTimer::singleShot(1000, &program->window, [&] { program->window.close(); });
+  Item("MODEL_CMDS", 2)->trigger();
+  Settle(300);
+  EXPECT_FALSE(program->window.isVisible());
+  EXPECT_FALSE(program->ormel.project.ProjectOpen);
+}
+
+TEST_F(WindowTest, APlacementIsKeptForTheNextRun) {
+  Start(town);
+  program->window.move(120, 60);
+  program->window.resize(850, 640);
+  Settle(50);
+  program->window.close();
+  program = std::make_unique<Program>(Surroundings{settings, processes, clock});
+  program->ui.SetSplashTime(0);
+  program->Start("");
+  EXPECT_EQ(program->window.pos(), QPoint(120, 60));
+  EXPECT_EQ(program->window.size(), QSize(850, 640));
+  EXPECT_TRUE(Item("RECENT", 0)->isVisible());
+  EXPECT_TRUE(Item("RECENT", 0)->text().contains("town.orm"));
+}
+
+TEST_F(WindowTest, AProjectIsOpenedByADrop) {
+  Start("");
+  QMimeData data;
+  data.setUrls({QUrl::fromLocalFile(QString::fromStdString(town))});
+  QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&program->window, &drop);
+  Settle(100);
+  EXPECT_TRUE(program->ormel.project.ProjectOpen);
+  EXPECT_EQ(program->ormel.project.DBName, town);
+}
+
+TEST_F(WindowTest, TheMapGoesToPaperAndToTheClipboard) {
+  Start(town);
+  QPrinter printer(QPrinter::HighResolution);
+  printer.setOutputFormat(QPrinter::PdfFormat);
+  printer.setOutputFileName(QString::fromStdString(dir / "map.pdf"));
+  MapExport output(program->ormel, program->window);
+  EXPECT_TRUE(output.PrintOn(printer));
+  EXPECT_TRUE(test::ReadAll(dir / "map.pdf").starts_with("%PDF"));
+  Item("COPYIMAGE")->trigger();
+  EXPECT_EQ(QApplication::clipboard()->pixmap().size(), Map().size() * Map().devicePixelRatioF());
+}
+
+}  // namespace
+}  // namespace ormel
