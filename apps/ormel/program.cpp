@@ -4,7 +4,6 @@
 #include "model/move.h"
 #include "model/selection.h"
 #include "shell/start.h"
-#include "whpa/commands.h"
 #include "whpa/run.h"
 
 namespace ormel {
@@ -16,7 +15,6 @@ void ConnectMap(MapViewImpl& view, Ormel& ormel) {
   hooks.select = [&ormel] { ElemSelectElement(ormel); };
   hooks.properties = [&ormel] { ElemSetProperties(ormel); };
   hooks.end_move = [&ormel](MapPoint to) { ElemEndMove(ormel, to); };
-  hooks.stream_vertex = [&ormel](int number) { ElemAddStreamBoundaryVertex(ormel, number); };
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // The main window: project in and out, menus, zoom, mouse, a run and its end.
 #include <QClipboard>
+#include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -10,8 +11,10 @@
 #include <QUrl>
 #include <QWheelEvent>
 
+#include "core/command.h"
 #include "ormel/map_export.h"
 #include "ormel/wait_box.h"
+#include "shell/lifecycle.h"
 #include "shell/menus.h"
 #include "window/window_fixture.h"
 
@@ -34,8 +37,8 @@ TEST_F(WindowTest, MenusAndMapComeAndGoWithTheProject) {
   const auto expect_project_items = [&](bool open) {
     for (const MenuItem& item : MenuItems()) {
       const bool depends = (item.flags & kNeedsProject) != 0 && !HasSubmenu(item);
-      if (depends && !open)
-        EXPECT_FALSE(program->window.menus().Find(item.control, item.index)->isEnabled()) << item.caption;
+      if (!depends || open) continue;
+      EXPECT_FALSE(program->window.menus().Find(item.control, item.index)->isEnabled()) << item.caption;
     }
     for (const auto& [control, index] : {std::pair{"FILE_CMDS", 3}, {"ZOOM_CMDS", 1}, {"ELEM_NEW", 1}})
       EXPECT_EQ(Item(control, index)->isEnabled(), open) << control;
@@ -65,8 +68,8 @@ TEST_F(WindowTest, EveryButtonHasItsDrawingAndSaysWhatItDoes) {
   }
   for (const MenuItem& item : MenuItems()) {
     const QAction* action = program->window.menus().Find(item.control, item.index);
-    if (!item.shortcut.empty())
-      EXPECT_FALSE(action->shortcut().isEmpty()) << item.caption << " has a shortcut that is none";
+    EXPECT_EQ(action->shortcut().isEmpty(), item.shortcut.empty())
+        << item.caption << ": a shortcut that is none";
   }
 }
 
@@ -149,12 +152,11 @@ class SolveTest : public WindowTest {
     for (const char* name : {"VADOX1.EXE", "CONTOUR.EXE"}) test::WriteAll(dir / name, "");
     BeSlow(processes);
   }
-  /// Answers questions by their first button, until the solver runs.
+  /// Answers questions by Enter, until the solver runs.
   void AcceptQuestions() {
     auto* timer = new QTimer(&program->window);
     QObject::connect(timer, &QTimer::timeout, [] {
-      if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
-        QTest::keyClick(box, Qt::Key_Return);
+      if (QWidget* dialog = QApplication::activeModalWidget()) QTest::keyClick(dialog, Qt::Key_Return);
     });
     timer->start(30);
   }
@@ -212,6 +214,9 @@ TEST_F(WindowTest, AProjectIsOpenedByADrop) {
   Start("");
   QMimeData data;
   data.setUrls({QUrl::fromLocalFile(QString::fromStdString(town))});
+  QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&program->window, &enter);
+  EXPECT_TRUE(enter.isAccepted());
   QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(&program->window, &drop);
   Settle(100);

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QElapsedTimer>
+#include <QMessageBox>
 #include <QTest>
 #include <QTimer>
 #include <functional>
@@ -34,7 +35,8 @@ inline void MakeTown(const TempDir& folder, const std::string& path) {
   AttachProject(controller.ormel, path);
   LoadDataControls(controller.ormel);
   StoreWell(controller.ormel, {.Label = "North", .Head = 1200.0, .Radius = 0.3}, {400.0, 600.0});
-  StoreWell(controller.ormel, {.Label = "South", .Head = 900.0, .Radius = 0.3}, {500.0, 300.0});
+  StoreWell(controller.ormel, {.Label = "South", .HeadSpecified = true, .Head = 20.0, .Radius = 0.3},
+            {500.0, 300.0});
   const std::vector<MapPoint> corners{{600, 300}, {800, 330}, {830, 520}, {680, 560}};
   StoreInhomogeneity(controller.ormel, {.Label = "Gravel", .HydCond = 40.0, .ChangeK = true}, corners);
   controller.ormel.db().Execute("update Model set WINDOWX1=0, WINDOWX2=1000, WINDOWY1=800, WINDOWY2=0");
@@ -50,6 +52,14 @@ class WindowTest : public testing::Test {
     settings.values["WelcomeBox"] = "1";
     program = std::make_unique<Program>(Surroundings{settings, processes, clock});
     program->ui.SetSplashTime(0);
+    // A box that no test expects would wait for ever.
+    QObject::connect(&watchdog_, &QTimer::timeout, [] {
+      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      if (box == nullptr) return;
+      ADD_FAILURE() << "nobody answers: " << box->text().toStdString();
+      box->reject();
+    });
+    watchdog_.start(1500);
   }
 
   void Start(const std::string& project) {
@@ -93,6 +103,9 @@ class WindowTest : public testing::Test {
   FakeSettings settings;
   FakeClock clock;
   std::unique_ptr<Program> program;
+
+ private:
+  QTimer watchdog_;
 };
 
 }  // namespace ormel::test
