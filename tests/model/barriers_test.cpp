@@ -18,6 +18,7 @@ class Barriers : public ::testing::Test {
   }
   TestProject test;
   Ormel& ormel = test.ormel;
+  OneCommit together{ormel};
 };
 
 TEST_F(Barriers, dialog_checks_label_and_excludes_regions) {

@@ -35,6 +35,7 @@ class Editing : public ::testing::Test {
 
   TestProject test;
   Ormel& ormel = test.ormel;
+  OneCommit together{ormel};
 };
 
 TEST_F(Editing, one_element_of_every_kind_is_selected_and_described) {

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "one_commit.h"
 #include "support/test_project.h"
 
 namespace ormel::test {

@@ -7,6 +7,7 @@
 
 #include "model/inhomogeneities.h"
 #include "model/vertices.h"
+#include "one_commit.h"
 #include "support/test_project.h"
 
 namespace ormel::test {
@@ -89,6 +90,7 @@ class Domains : public ::testing::Test {
   }
   TestProject test;
   Ormel& ormel = test.ormel;
+  OneCommit together{ormel};
 };
 
 TEST_F(Domains, give_the_base_of_the_smallest_around_a_point) {

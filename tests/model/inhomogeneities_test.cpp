@@ -24,6 +24,7 @@ class Inhomogeneities : public ::testing::Test {
   }
   TestProject test;
   Ormel& ormel = test.ormel;
+  OneCommit together{ormel};
 };
 
 TEST_F(Inhomogeneities, dialog_checks_in_their_order) {

@@ -21,6 +21,7 @@ class Linesinks : public ::testing::Test {
   }
   TestProject test;
   Ormel& ormel = test.ormel;
+  OneCommit together{ormel};
 };
 
 TEST_F(Linesinks, dialog_checks_in_their_order) {

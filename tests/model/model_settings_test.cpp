@@ -17,6 +17,7 @@ class Settings : public ::testing::Test {
   }
   TestProject test;
   Ormel& ormel = test.ormel;
+  OneCommit together{ormel};
 };
 
 TEST_F(Settings, checks_in_their_order) {

@@ -17,6 +17,7 @@ class Observations : public ::testing::Test {
   }
   TestProject test;
   Ormel& ormel = test.ormel;
+  OneCommit together{ormel};
 };
 
 TEST_F(Observations, test_point_dialog_checks) {

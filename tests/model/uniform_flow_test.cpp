@@ -12,6 +12,7 @@ class Uniform : public ::testing::Test {
   Uniform() { ormel.db().Execute("update Model set AQBase=-10"); }
   TestProject test;
   Ormel& ormel = test.ormel;
+  OneCommit together{ormel};
 };
 
 TEST_F(Uniform, dialog_checks_in_their_order) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "model/observations.h"
+#include "one_commit.h"
 #include "support/test_project.h"
 
 namespace ormel::test {
@@ -19,6 +20,7 @@ class Validity : public ::testing::Test {
   }
   TestProject test;
   Ormel& ormel = test.ormel;
+  OneCommit together{ormel};
 };
 
 TEST_F(Validity, without_a_solution_nothing_is_asked_or_changed) {

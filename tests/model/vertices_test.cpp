@@ -6,6 +6,7 @@
 
 #include "model/linesinks.h"
 #include "model/observations.h"
+#include "one_commit.h"
 #include "support/test_project.h"
 
 namespace ormel::test {
@@ -23,6 +24,7 @@ class Vertices : public ::testing::Test {
  protected:
   TestProject test;
   Ormel& ormel = test.ormel;
+  OneCommit together{ormel};
 };
 
 TEST_F(Vertices, number_the_points_of_a_string_from_1_in_hundreds) {

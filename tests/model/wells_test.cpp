@@ -25,6 +25,7 @@ class Wells : public ::testing::Test {
   }
   TestProject test;
   Ormel& ormel = test.ormel;
+  OneCommit together{ormel};
 };
 
 TEST_F(Wells, dialog_checks_in_their_order) {
