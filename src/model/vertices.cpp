@@ -90,12 +90,19 @@ void DeleteVertex(Ormel& ormel, Vid vid) {
   if (vertices.FindKey("VID", vid)) vertices.Delete();
 }
 
-void Resequence(Ormel& ormel, Pid pid, Vid vid) {
-  const Named named(ormel, "Resequence");
-  const std::vector<VertexRow> rows = VerticesOf(ormel, pid);
+void SpaceOut(Ormel& ormel, std::vector<VertexRow>& rows, Seq spacing) {
   BulkUpdate update(ormel.db(), "Vertices", "VID", {"Seq"});
   Seq seq = 0;
-  for (const VertexRow& row : rows) update.Row(row.vid, seq += kSeqStep);
+  for (VertexRow& row : rows) {
+    row.seq = seq += spacing;
+    update.Row(row.vid, row.seq);
+  }
+}
+
+void Resequence(Ormel& ormel, Pid pid, Vid vid) {
+  const Named named(ormel, "Resequence");
+  std::vector<VertexRow> rows = VerticesOf(ormel, pid);
+  SpaceOut(ormel, rows, kSeqStep);
   ormel.project.bound.Vertices->FindKey("VID", vid);
 }
 

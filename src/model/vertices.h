@@ -46,6 +46,9 @@ void DeleteVertex(Ormel& ormel, Vid vid);
 /// recordset on `vid`.
 void Resequence(Ormel& ormel, Pid pid, Vid vid);
 
+/// The same with another spacing; `rows`, in their order, get their new numbers as well.
+void SpaceOut(Ormel& ormel, std::vector<VertexRow>& rows, Seq spacing);
+
 inline constexpr Vid kNothingFound = -1;  ///< nothing within the selection radius
 inline constexpr Vid kLabelFound = -2;    ///< the bound TextLabels stands on the label
 

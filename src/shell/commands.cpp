@@ -11,11 +11,15 @@
 #include "core/user_interface.h"
 #include "core/window_commands.h"
 #include "model/barriers.h"
+#include "model/delete.h"
 #include "model/digitize.h"
+#include "model/edit.h"
 #include "model/inhomogeneities.h"
 #include "model/linesinks.h"
 #include "model/model_settings.h"
+#include "model/move.h"
 #include "model/observations.h"
+#include "model/refine.h"
 #include "model/uniform_flow.h"
 #include "shell/about.h"
 #include "shell/gui_options_form.h"
@@ -99,6 +103,29 @@ void AddText(Ormel& ormel, int /*index*/) {
 
 void DrawCapzone(Ormel& ormel, int /*index*/) {
   ModelAddCapzone(ormel);
+}
+
+void Edit(Ormel& ormel, int index) {
+  switch (index) {
+    case 1:
+      return ElemSetProperties(ormel);
+    case 2:
+      return ElemBeginMove(ormel);
+    case 3:
+      return ElemDeleteElements(ormel);
+    case 4:
+      return ElemRefine(ormel);
+    default:
+      return;
+  }
+}
+
+void DeleteAll(Ormel& ormel, int index) {
+  DELETEALL(ormel, index);
+}
+
+void DeleteWhpas(Ormel& ormel, int index) {
+  DeleteWHPA(ormel, index);
 }
 
 void CopyImage(Ormel& ormel, int /*index*/) {

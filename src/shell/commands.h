@@ -13,6 +13,9 @@ void Recent(Ormel& ormel, int index);
 void SaveMapAs(Ormel& ormel, int index);
 
 // &Edit
+void Edit(Ormel& ormel, int index);
+void DeleteAll(Ormel& ormel, int index);
+void DeleteWhpas(Ormel& ormel, int index);
 void AddText(Ormel& ormel, int index);
 void DrawCapzone(Ormel& ormel, int index);
 void CopyImage(Ormel& ormel, int index);

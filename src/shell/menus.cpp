@@ -48,7 +48,10 @@ bool HasSubmenu(const MenuItem& item) {
 }
 
 std::string ItemCaption(const Ormel& ormel, const MenuItem& item) {
-  if (item.control != "RECENT") return std::string(item.caption);
+  if (item.control != "RECENT") {
+    std::string caption = ormel.menus.Caption(item.control, item.index);
+    return caption.empty() ? std::string(item.caption) : caption;
+  }
   const std::vector<std::string> paths = RecentProjects(ormel);
   const auto number = static_cast<std::size_t>(item.index);
   if (number >= paths.size()) return {};

@@ -9,6 +9,9 @@
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/edit.h"
+#include "model/move.h"
+#include "model/selection.h"
 #include "model/validity.h"
 #include "store/database.h"
 #include "view/symbols.h"
@@ -99,6 +102,9 @@ MapViewImpl::MapViewImpl(Ormel& ormel, MapSurface* surface) : ormel_(ormel), sur
   vg_.SetRefreshTarget([this] {
     if (surface_ != nullptr) surface_->Update();
   });
+  hooks_.select = [this] { ElemSelectElement(ormel_); };
+  hooks_.properties = [this] { ElemSetProperties(ormel_); };
+  hooks_.end_move = [this](MapPoint at) { ElemEndMove(ormel_, at); };
 }
 
 MapViewImpl::~MapViewImpl() = default;
@@ -208,6 +214,20 @@ void MapViewImpl::DrawWell(MapPoint at, double setback, double radius, DrawMode 
   draw();
 }
 
+void MapViewImpl::DrawPoint(Element element, MapPoint at, DrawMode mode) {
+  if (!ormel_.project.ProjectOpen || !vg_.Ready()) return;
+  const Overlay::Key key{Overlay::Group::kDrawn, element, -1, at};
+  const auto draw = [&] {
+    if (element == Element::kTestPoint)
+      ModelDrawTestPoint(canvas(), at, {}, 0.0, 0.0, mode);
+    else
+      ModelDrawParticle(canvas(), at, mode);
+  };
+  if (mode == DrawMode::kErase) return Erase(key, draw);
+  const OverlayShape shape(*this, key);
+  draw();
+}
+
 void MapViewImpl::Refresh() {
   if (ormel_.project.ProjectOpen) OfferLayers(false);
   if (dirty_) {
@@ -225,9 +245,9 @@ void MapViewImpl::BeforePaint() {
 void MapViewImpl::ElemTurnOffSelection() {
   const Named named(ormel_, "ElemTurnOffSelection");
   overlay_.RemoveGroup(Overlay::Group::kSelected);
+  for (int index = 1; index <= 4; ++index) ormel_.menus.Enable("EDIT_CMDS", index, false);
   if (ormel_.selection.SelectedType == Element::kNone) return;
   ormel_.selection.SelectedType = Element::kNone;
-  for (int index = 1; index <= 4; ++index) ormel_.menus.Enable("EDIT_CMDS", index, false);
   SetUpToolbar();
   vg_.vgGDIRefresh();
 }

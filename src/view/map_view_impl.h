@@ -42,6 +42,7 @@ class MapViewImpl final : public MapView {
   void ZoomActions(Zoom code, const MapRect& rect = {}) override;
   void DrawElement(Element element, Vid vid, Pid pid, DrawMode mode) override;
   void DrawWell(MapPoint at, double setback, double radius, DrawMode mode) override;
+  void DrawPoint(Element element, MapPoint at, DrawMode mode) override;
   void ElemTurnOffSelection() override;
   void ClearMouseMode() override;
   void TurnOffMenus() override;

@@ -1,6 +1,7 @@
 // Selecting, editing, moving and deleting what stands on the map.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 
 #include "form_rows.h"
@@ -11,6 +12,7 @@
 #include "model/linesinks.h"
 #include "model/move.h"
 #include "model/observations.h"
+#include "model/refine.h"
 #include "model/selection.h"
 #include "model/uniform_flow.h"
 #include "model/vertices.h"
@@ -490,6 +492,48 @@ TEST_F(Editing, uniform_flow_is_removed_with_its_point) {
   ElemDeleteElements(ormel);
   EXPECT_EQ(ReadModel(ormel).UNIFLOWCompute, 0);
   EXPECT_EQ(Count("Vertices"), 0.0);
+}
+
+TEST_F(Editing, refinement_divides_long_edges_and_keeps_the_shape) {
+  const Points points{{0, 0}, {10, 0}, {10, 3}, {10, 9}};
+  const Pid open = StoreLinesink(ormel, {.Label = "Orge"}, points);
+  // 10 in four parts, 3 stays, 6 in two parts.
+  EXPECT_EQ(ElemRefineString(ormel, Element::kLinesink, open, 3.0), 4);
+  EXPECT_EQ(PointsOf(ormel, open),
+            (Points{{0, 0}, {2.5, 0}, {5, 0}, {7.5, 0}, {10, 0}, {10, 3}, {10, 6}, {10, 9}}));
+  EXPECT_EQ(VerticesOf(ormel, open).back().seq, 800);
+  EXPECT_EQ(ElemRefineString(ormel, Element::kLinesink, open, 3.0), 0);
+  // Four edges of 2.5 and three of 3: many to an edge, so room is made.
+  EXPECT_EQ(ElemRefineString(ormel, Element::kLinesink, open, 0.01), 4 * 249 + 3 * 299);
+  const std::vector<MapPoint> fine = PointsOf(ormel, open);
+  for (std::size_t i = 1; i < fine.size(); ++i)
+    ASSERT_NEAR(std::hypot(fine[i].x - fine[i - 1].x, fine[i].y - fine[i - 1].y), 0.01, 1e-9) << i;
+  const Pid closed = StoreInhomogeneity(ormel, {.Label = "marsh"}, Points{{0, 50}, {4, 50}, {4, 53}});
+  EXPECT_EQ(ElemRefineString(ormel, Element::kInhomogeneity, closed, 2.5), 3);
+  EXPECT_EQ(PointsOf(ormel, closed), (Points{{0, 50}, {2, 50}, {4, 50}, {4, 51.5}, {4, 53}, {2, 51.5}}))
+      << "the closing edge as well";
+}
+
+TEST_F(Editing, refinement_asks_and_refuses_what_makes_no_sense) {
+  StoreLinesink(ormel, {.Label = "Orge"}, Points{{0, 0}, {10, 0}});
+  struct Row {
+    std::optional<std::string> answer;
+    const char* title;
+    double vertices;
+  };
+  const Row kRows[] = {{std::nullopt, "", 2},      {"0", "Bad Entry", 2}, {"x", "Bad Entry", 2},
+                       {"0.0001", "Bad Entry", 2}, {"10", "Refine", 2},   {"5", "Model Changed!", 3}};
+  for (const Row& row : kRows) {
+    ormel.solution.ValidSolution = true;
+    test.ui.boxes.clear();
+    test.ui.InputTo("Refine", row.answer);
+    if (row.vertices == 3) test.ui.AnswerTo("Model Changed!", {Answer::kYes});
+    SelectAt(0, 0);
+    ElemRefine(ormel);
+    EXPECT_EQ(test.ui.LastTitle(), row.title);
+    EXPECT_EQ(Count("Vertices"), row.vertices);
+    EXPECT_EQ(ormel.solution.ValidSolution, row.vertices == 2);
+  }
 }
 
 TEST_F(Editing, bulk_deletion_counts_what_it_removes) {
