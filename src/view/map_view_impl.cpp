@@ -9,8 +9,6 @@
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
-#include "model/edit.h"
-#include "model/move.h"
 #include "model/selection.h"
 #include "model/validity.h"
 #include "store/database.h"
@@ -102,9 +100,6 @@ MapViewImpl::MapViewImpl(Ormel& ormel, MapSurface* surface) : ormel_(ormel), sur
   vg_.SetRefreshTarget([this] {
     if (surface_ != nullptr) surface_->Update();
   });
-  hooks_.select = [this] { ElemSelectElement(ormel_); };
-  hooks_.properties = [this] { ElemSetProperties(ormel_); };
-  hooks_.end_move = [this](MapPoint at) { ElemEndMove(ormel_, at); };
 }
 
 MapViewImpl::~MapViewImpl() = default;
