@@ -22,8 +22,8 @@
 namespace ormel {
 namespace {
 
-MapOutput OutputOf(const MapExtras& extras) {
-  MapOutput output;
+MapSheet OutputOf(const MapExtras& extras) {
+  MapSheet output;
   output.title = extras.title;
   output.legend = extras.legend;
   output.scale_bar = extras.scale_bar;
@@ -71,7 +71,7 @@ bool MapExport::PrintOn(QPrinter& printer) {
   if (!painter.begin(&printer)) return false;
   const int dpi = printer.resolution();
   QPainterDevice page(painter, printer.pageLayout().fullRectPixels(dpi).size(), dpi, dpi);
-  MapOutput output = OutputOf(extras_);
+  MapSheet output = OutputOf(extras_);
   const MapWindow& window = ormel_.window;
   output.margins = {window.margin_left, window.margin_right, window.margin_top, window.margin_bottom};
   output.box = window.margin_box;
