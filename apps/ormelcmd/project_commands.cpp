@@ -27,6 +27,8 @@ struct NewOptions {
 int NewPortable(const NewOptions& given) {
   if (FileExists(given.path) && !given.overwrite)
     throw UserError(given.path + " already exists; --overwrite replaces it");
+  // Opened for a moment: a project that another program works on is not taken away from it.
+  if (FileExists(given.path)) Database::Open(given.path).Close();
   NewDatabaseOptions options;
   options.description = given.description;
   options.BasemapMeters = given.map_units != "feet";

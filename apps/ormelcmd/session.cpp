@@ -15,6 +15,7 @@
 #include "store/schema.h"
 #include "text/files.h"
 #include "view/map_view_impl.h"
+#include "whpa/run.h"
 
 namespace ormel {
 namespace {
@@ -55,7 +56,7 @@ BatchOptions MakeBatchOptions(const CommonOptions& common) {
 
 Session::Session(BatchOptions options) : ui_(std::move(options), std::cerr, "ormelcmd") {
   view_ = std::make_unique<MapViewImpl>(ormel_, nullptr);
-  solver_ = std::make_unique<SolverBridge>(ormel_, [](Ormel&) {});
+  solver_ = std::make_unique<SolverBridge>(ormel_, [](Ormel& ormel) { ormel::ModelRunWHPAs(ormel); });
   ormel_.ports = {&ui_, view_.get(), solver_.get(), &processes_, &settings_, &clock_};
   g_interrupted = &ui_;
   signal(SIGINT, OnInterrupt);

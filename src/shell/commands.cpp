@@ -31,25 +31,12 @@
 #include "solver/driver.h"
 #include "solver/extents.h"
 #include "text/files.h"
-#include "view/display_commands.h"
-#include "view/pathlines.h"
-#include "view/whpa_drawing.h"
+#include "view/map_view_impl.h"
+#include "whpa/commands.h"
+#include "whpa/outline_command.h"
 
 namespace ormel::command {
 namespace {
-
-void Toggle(Ormel& ormel, std::string_view control, int index) {
-  ormel.menus.Check(control, index, !ormel.menus.Checked(control, index));
-}
-
-/// One item of a control checked, `count` others not.
-void CheckOnly(Ormel& ormel, std::string_view control, int index, int count) {
-  for (int i = 0; i < count; ++i) ormel.menus.Check(control, i, i == index);
-}
-
-void RedrawInPlace(Ormel& ormel) {
-  ormel.view().ZoomActions(ormel::Zoom::kRedrawInPlace);
-}
 
 /// Lets other programs know the solve.  A folder that takes no file has lost nothing by that.
 void StampSolve(Ormel& ormel) {
@@ -132,54 +119,6 @@ void CopyImage(Ormel& ormel, int /*index*/) {
   ormel.ports.window->CopyImage();
 }
 
-void Layer(Ormel& ormel, int index) {
-  if (index == kLayerRefresh) return ormel.view().ZoomActions(ormel::Zoom::kRedraw);
-  if (index == kLayerResultsOverlay) return ResultsOverlayCommand(ormel);
-  Toggle(ormel, "layermenu", index);
-  if (index != kLayerToolbar) RedrawInPlace(ormel);
-}
-
-void Pathlines(Ormel& ormel, int /*index*/) {
-  PATHLINES(ormel);
-}
-
-void TimeMarks(Ormel& ormel, int index) {
-  TMARKS(ormel, index);
-}
-
-void ElevationMarks(Ormel& ormel, int index) {
-  ZMARKS(ormel, index == kElevationMarksEnter);
-}
-
-void TestDisplay(Ormel& ormel, int index) {
-  Toggle(ormel, "TESTDISPLAY", index);
-  RedrawInPlace(ormel);
-}
-
-void TestScaling(Ormel& ormel, int index) {
-  CheckOnly(ormel, "TPSCALING", index, 3);
-  RedrawInPlace(ormel);
-}
-
-void ShowVertices(Ormel& ormel, int index) {
-  Toggle(ormel, "ShowVertices", index);
-  RedrawInPlace(ormel);
-}
-
-void Haze(Ormel& ormel, int index) {
-  Toggle(ormel, "Haze", index);
-  RedrawInPlace(ormel);
-}
-
-void WellLabels(Ormel& ormel, int index) {
-  Toggle(ormel, "ShowWellLabels", index);
-  RedrawInPlace(ormel);
-}
-
-void SimpleWhpas(Ormel& ormel, int /*index*/) {
-  ShowWHPAs(ormel);
-}
-
 void NewElement(Ormel& ormel, int index) {
   switch (index) {
     case 1:
@@ -235,12 +174,20 @@ void InterfaceOptions(Ormel& ormel, int /*index*/) {
   ShowGUIOptions(ormel);
 }
 
+void Whpa(Ormel& ormel, int index) {
+  WHPA(ormel, index);
+}
+
+void OutlineZone(Ormel& ormel, int /*index*/) {
+  OutlineCaptureZone(ormel);
+}
+
 void Repair(Ormel& ormel, int /*index*/) {
   DBRepair(ormel);
 }
 
 void Zoom(Ormel& ormel, int index) {
-  ormel.view().ZoomActions(static_cast<ormel::Zoom>(index));
+  ZOOM_CMDS(ormel, index);
 }
 
 void Help(Ormel& ormel, int index) {

@@ -43,6 +43,8 @@ void RunFile(Ormel& ormel, int index);
 
 // &Tools
 void InterfaceOptions(Ormel& ormel, int index);
+void Whpa(Ormel& ormel, int index);
+void OutlineZone(Ormel& ormel, int index);
 void Repair(Ormel& ormel, int index);
 
 // &Window

@@ -10,6 +10,7 @@
 #include "core/project.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/delete.h"
 #include "model/vertices.h"
 #include "shell/base_maps.h"
 #include "shell/integrity.h"
@@ -74,15 +75,12 @@ void MakeProject(Ormel& ormel, const std::string& path, const NewDatabaseWizard&
   MakeProjectFile(path, options);
 }
 
-void ReadWhpaState(Ormel& ormel) {
-  Database& db = ormel.db();
-  const bool any = db.RowCount("WHPAs") > 0;
-  if (any) {
-    ormel.menus.Check("ShowWHPAs", true);
-    ormel.menus.Enable("WHPA", true);
-  }
-  ormel.solution.whpa_calculated_exists =
-      db.OpenRecordset("select * from WHPAs where T > 1 or Type=3").RecordCount() > 0;
+/// Areas that stand are shown.
+void ShowStoredWhpas(Ormel& ormel) {
+  ReadWhpaState(ormel);
+  if (ormel.db().RowCount("WHPAs") == 0) return;
+  ormel.menus.Check("ShowWHPAs", true);
+  ormel.menus.Enable("WHPA", true);
 }
 
 void ResetSolution(Ormel& ormel) {
@@ -116,7 +114,7 @@ void LoadProject(Ormel& ormel, const std::string& path, bool isNew) {
   ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   EnableMouse(ormel);
   for (int index = 0; index < 2; ++index) ormel.menus.Enable("SolverIntegrityCheck", index, true);
-  ReadWhpaState(ormel);
+  ShowStoredWhpas(ormel);
   ormel.gui.VertexTolerance = DefaultVertexTolerance(ormel);
   ShowTitle(ormel);
   SelectStatus(ormel);
