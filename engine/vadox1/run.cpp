@@ -58,7 +58,11 @@ std::string StemOf(const std::string& deck_file) {
 }
 
 std::string FaultText(const std::string& file, const DeckFault& fault) {
-  return fmt::format("Line {} of \"{}\" cannot be used:\n{}\n{}.", fault.line, file, fault.text, fault.what);
+  return fmt::format(
+      "Line {} of \"{}\" cannot be used:\n{}\n{}.\nCheck the element or the setting that this line stands "
+      "for and "
+      "solve again.",
+      fault.line, file, fault.text, fault.what);
 }
 
 void EchoDeck(std::string_view text, Logs& logs) {
@@ -66,8 +70,18 @@ void EchoDeck(std::string_view text, Logs& logs) {
   while (lines.Next()) logs.Echo(lines.line());
 }
 
+std::string ReadDeck(const std::string& file) {
+  try {
+    return files::ReadWholeFile(file);
+  } catch (const files::FileError& error) {
+    throw Fatal(std::string(error.what()) +
+                "\nThe solver has no model to work on. Check the name of the project and its folder and "
+                "solve again.");
+  }
+}
+
 void RunDeck(const std::string& file, Logs& logs) {
-  const std::string text = files::ReadWholeFile(file);
+  const std::string text = ReadDeck(file);
   Deck deck = ParseDeck(text);
   if (deck.fault) {
     // The logs are named before anything else, so that they can tell of the fault.

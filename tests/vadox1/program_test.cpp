@@ -177,7 +177,9 @@ struct FatalCase {
 
 TEST(Program, says_in_words_why_it_stopped) {
   const FatalCase cases[] = {
-      {"unusable line", kHead + kWellModel + " frob 1\n stop\n", {"Line ", "frob 1", "my town.DAT"}},
+      {"unusable line",
+       kHead + kWellModel + " frob 1\n stop\n",
+       {"Line ", "frob 1", "my town.DAT", "Check the element"}},
       {"nothing to load", kHead + " load other\n stop\n", {"other.SOL", "Solve the model first"}},
       {"nothing solved", kHead + kWellModel + kExtract + " stop\n", {"no solution yet", "Solve first"}},
       {"nothing to solve", kHead + kSolve + " stop\n", {"describes no model"}},
@@ -212,6 +214,7 @@ TEST(Program, refuses_a_missing_deck_and_missing_arguments) {
   const Outcome missing = town.Start("61 nowhere");
   EXPECT_EQ(missing.status, 1);
   EXPECT_THAT(missing.fatal, HasSubstr("nowhere.DAT"));
+  EXPECT_THAT(missing.fatal, HasSubstr("Check the name"));
   EXPECT_EQ(town.Start("61").status, 1);
   EXPECT_EQ(town.Start("").status, 1);
 }
