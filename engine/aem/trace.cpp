@@ -28,12 +28,15 @@ double Dot(Complex a, Complex b) {
 
 /// Parts of the longest step.
 constexpr double kNudge = 1e-6;  ///< off a line, so that the side is certain
-constexpr double kBeside =
-    1e-4;  ///< off a line-sink on which a path starts: beyond what its ends do to the flow
-constexpr double kTiny = 1e-7;  ///< a length that no map and no error bound can show
-constexpr double kSlide = 0.1;  ///< along a wall at once
+/// Off a line-sink on which a path starts: beyond what its ends do to the flow.
+constexpr double kBeside = 1e-4;
+constexpr double kTiny = 1e-7;     ///< a length that no map and no error bound can show
+constexpr double kFarthest = 1e3;  ///< way of the first tried step: where the water stands, way is but time
+constexpr double kSlide = 0.1;     ///< along a wall at once
 /// The longest travel time at this speed moves a particle by a billionth of a step: it stands still.
 constexpr double kStill = 1e-9;
+/// The longest travel time at this speed moves it by a thousandth of a step: see Mover.
+constexpr double kSlow = 1e-3;
 
 class PathTracer {
  public:
@@ -42,7 +45,7 @@ class PathTracer {
       : field_(field),
         options_(options),
         stop_(stop),
-        mover_(field, start.forward),
+        mover_(field, start.forward, kSlow * options.step / options.longest_time),
         tolerance_{options.tolerance * options.step, 0.1 * options.tolerance} {
     path_.start = start;
   }
@@ -67,21 +70,22 @@ class PathTracer {
   bool Stuck();
   void Advance();
   bool StandsStill() const;
-  void Accept(const Trial& trial, double days);
-  void FieldEnds(const Trial& trial, double days);
+  void Accept(const Place& end, const Motion& motion);
+  void ComeToTime(const Trial& trial, double way);
+  void FieldEnds(const Trial& trial, double way);
   Event EventOf(const Trial& trial) const;
-  Event EventOnTangent(double days) const {
-    return detail::FirstEvent(field_, options_, mover_.direction(), place_, motion_.Move(place_, days));
+  Event EventOnTangent(double way) const {
+    return detail::FirstEvent(field_, options_, mover_.direction(), place_, motion_.Move(place_, way));
   }
-  void Meet(const Event& event, double days);
-  void Arrive(const Event& event, const Motion& motion, double days);
+  void Meet(const Event& event, double way);
+  void Arrive(const Event& event, const Motion& motion, double way);
   void CrossLine(const Crossing& crossing, const Motion& motion);
   bool TakenBy(const Crossing& crossing, const Motion& motion, Complex normal);
   const std::string& LineSinkLabel(const Crossing& crossing) const;
   bool CrossedInVain(const Crossing& crossing);
   void Slide(const Segment& line, Complex normal);
 
-  double Remaining() const { return options_.longest_time - time_; }
+  double Remaining() const { return options_.longest_time - place_.time; }
   void AddPoint(const PointState& state);
   void AddPointHere();
   void End(PathEnd end, std::string label = {}) {
@@ -103,9 +107,8 @@ class PathTracer {
   bool ended_ = false;
 
   Place place_;
-  Motion motion_;  ///< at place_
-  double time_ = 0.0;
-  double next_ = 0.0;  ///< length of the next tried step [d]
+  Motion motion_;      ///< at place_
+  double next_ = 0.0;  ///< way of the next tried step [L]
 
   Crossing last_crossing_;
   Complex last_crossed_at_;
@@ -116,8 +119,7 @@ class PathTracer {
   double mark_time_ = -1.0;
 };
 
-// --- the start
-// ------------------------------------------------------------------------------------------------
+// --- the start ---
 
 void PathTracer::Begin() {
   const PathStart& start = path_.start;
@@ -135,7 +137,7 @@ void PathTracer::Begin() {
   if (ended_ || BeginsInWell() || BeginsOnLineSink()) return;
   motion_ = mover_.At(place_);
   if (!motion_.ok) return EndWithoutField(motion_.state.status);
-  next_ = options_.longest_time;
+  next_ = kFarthest * options_.step;
 }
 
 /// Within the rim of a well the path is over at once, or, when the well drives it away, begins at the rim.
@@ -180,8 +182,7 @@ bool PathTracer::BeginsOnLineSink() {
   return ended_;
 }
 
-// --- stepping
-// -------------------------------------------------------------------------------------------------
+// --- stepping ---
 
 /// A place that holds the particle although no element says so (opposed flow on both sides of an edge, a
 /// corner of walls): many steps without way or time.
@@ -190,49 +191,70 @@ bool PathTracer::Stuck() {
   if (++calls_ % kLook != 0) return false;
   const bool moved =
       std::abs(place_.at - mark_.at) > 1e-3 * options_.step || std::fabs(place_.s - mark_.s) > 1e-4;
-  const bool waited = mark_time_ < 0.0 || time_ - mark_time_ > 1e-3 * options_.longest_time;
+  const bool waited = mark_time_ < 0.0 || place_.time - mark_time_ > 1e-3 * options_.longest_time;
   mark_ = place_;
-  mark_time_ = time_;
+  mark_time_ = place_.time;
   return !moved && !waited;
 }
 
 bool PathTracer::StandsStill() const {
-  return std::abs(motion_.v) * options_.longest_time < kStill * options_.step &&
-         std::fabs(motion_.ds) * options_.longest_time < kStill;
+  return motion_.Speed() * options_.longest_time < kStill * options_.step &&
+         std::fabs(motion_.Rise()) * options_.longest_time < kStill;
 }
 
 void PathTracer::Advance() {
-  const double remaining = Remaining();
-  if (remaining <= 1e-13 * options_.longest_time) return End(PathEnd::kTime);
+  if (Remaining() <= 1e-13 * options_.longest_time) return End(PathEnd::kTime);
   if (StandsStill()) return End(PathEnd::kStagnation);
-  const double speed = std::abs(motion_.v);
-  double days = std::min(next_, remaining);
-  if (speed * days > options_.step) days = options_.step / speed;
-  const Trial trial = mover_.Step(place_, motion_, days, tolerance_);
-  if (!trial.ok) return FieldEnds(trial, days);
+  double way = std::min(next_, 2.0 * Remaining() / motion_.dt);
+  const double pace = std::abs(motion_.v);
+  if (pace * way > options_.step) way = options_.step / pace;
+  const Trial trial = mover_.Step(place_, motion_, way, tolerance_);
+  if (!trial.ok) return FieldEnds(trial, way);
   const double length = std::abs(trial.end.at - place_.at);
   if (length > options_.step * 1.0001) {
-    next_ = days * std::max(0.2, 0.95 * options_.step / length);
+    next_ = way * std::max(0.2, 0.95 * options_.step / length);
     return;
   }
   // A bad step has looked at the other side of a line and says little about the way: its tangent does.
   const bool bad = trial.error > 1.0;
-  const Event ahead = bad ? EventOnTangent(days) : EventOf(trial);
-  if (ahead.kind != EventKind::kNone) return Meet(ahead, days * ahead.fraction);
+  const Event ahead = bad ? EventOnTangent(way) : EventOf(trial);
+  if (ahead.kind != EventKind::kNone) return Meet(ahead, way * ahead.fraction);
   const double factor = trial.error > 0.0 ? std::clamp(0.9 * std::pow(trial.error, -0.2), 0.2, 5.0) : 5.0;
   // Near the tip of an element no step is short enough for the error bound: a tiny one is taken as it is.
-  const bool tiny = speed * days < kTiny * options_.step && std::fabs(motion_.ds) * days < kTiny;
-  next_ = days * factor;
+  const bool tiny = pace * way < kTiny * options_.step && std::fabs(motion_.ds) * way < kTiny;
+  next_ = way * factor;
   if (bad && !tiny) return;
-  Accept(trial, days);
+  if (trial.end.time > options_.longest_time) return ComeToTime(trial, way);
+  Accept(trial.end, trial.motion);
 }
 
-void PathTracer::Accept(const Trial& trial, double days) {
-  place_ = trial.end;
+void PathTracer::Accept(const Place& end, const Motion& motion) {
+  place_ = end;
   place_.s = std::clamp(place_.s, 0.0, 1.0);
-  time_ = days >= Remaining() ? options_.longest_time : time_ + days;
-  motion_ = trial.motion;
+  motion_ = motion;
   AddPoint(motion_.state);
+}
+
+/// The step ends behind the longest time: the last one ends at it, by the cubic of the time over the way.
+void PathTracer::ComeToTime(const Trial& trial, double way) {
+  const double goal = options_.longest_time;
+  const double over = trial.end.time - goal;
+  // Behind by less than an error: back along the velocity there.
+  if (over * trial.motion.Speed() <= tolerance_.position &&
+      over * std::fabs(trial.motion.Rise()) <= tolerance_.height) {
+    Place end = trial.motion.Move(trial.end, -over / trial.motion.dt);
+    end.time = goal;
+    Accept(end, trial.motion);
+    return End(PathEnd::kTime);
+  }
+  double low = 0.0, high = 1.0;
+  for (int i = 0; i < 60; ++i) {
+    const double f = 0.5 * (low + high), g = 1.0 - f;
+    const double time = place_.time + (trial.end.time - place_.time) * f * f * (3.0 - 2.0 * f) +
+                        way * f * g * (motion_.dt * g - trial.motion.dt * f);
+    (time < goal ? low : high) = f;
+  }
+  next_ = way * high;
 }
 
 Event PathTracer::EventOf(const Trial& trial) const {
@@ -248,53 +270,52 @@ Event PathTracer::EventOf(const Trial& trial) const {
 
 /// The step led to where there is no flow: up to something on the way, or by shorter steps to the last wet
 /// place.
-void PathTracer::FieldEnds(const Trial& trial, double days) {
-  const Event event = EventOnTangent(days);
-  if (event.kind != EventKind::kNone) return Meet(event, days * event.fraction);
-  if (std::abs(motion_.v) * days < kTiny * options_.step) return EndWithoutField(trial.failed);
-  next_ = 0.25 * days;
+void PathTracer::FieldEnds(const Trial& trial, double way) {
+  const Event event = EventOnTangent(way);
+  if (event.kind != EventKind::kNone) return Meet(event, way * event.fraction);
+  if (std::abs(motion_.v) * way < kTiny * options_.step) return EndWithoutField(trial.failed);
+  next_ = 0.25 * way;
 }
 
-/// Something is met about `days` ahead.  The last bit of the way is one midpoint step, when that is exact
-/// enough; before it ordinary steps come up to it, so that no stage looks at the other side.
-void PathTracer::Meet(const Event& event, double days) {
-  const double way = std::abs(motion_.v) * days, rise = std::fabs(motion_.ds) * days;
-  const bool tiny = way < kTiny * options_.step && rise < kTiny;
-  const Motion middle = mover_.At(motion_.Move(place_, 0.5 * days));
-  if (tiny) return Arrive(event, middle.ok ? middle : motion_, days);
+/// Something is met about `way` ahead.  The last bit is one midpoint step, when that is exact enough; before
+/// it ordinary steps come up to it, so that no stage looks at the other side.
+void PathTracer::Meet(const Event& event, double way) {
+  const bool tiny = std::abs(motion_.v) * way < kTiny * options_.step && std::fabs(motion_.ds) * way < kTiny;
+  const Motion middle = mover_.At(motion_.Move(place_, 0.5 * way));
+  if (tiny) return Arrive(event, middle.ok ? middle : motion_, way);
   if (!middle.ok) {
-    next_ = 0.5 * days;
+    next_ = 0.5 * way;
     return;
   }
-  const double turn = std::abs(middle.v - motion_.v), speed = std::abs(middle.v);
+  // The midpoint step errs by about the change of its rates, times their relative change.
+  const double turn = std::abs(middle.v - motion_.v) + std::fabs(middle.dt - motion_.dt) * middle.Speed();
   const double bend = std::fabs(middle.ds - motion_.ds), rate = std::fabs(middle.ds);
-  const double part = std::max(speed > 0.0 ? turn / speed : 0.0, rate > 0.0 ? bend / rate : 0.0);
-  if (days * turn * part > tolerance_.position || days * bend * part > tolerance_.height) {
-    next_ = 0.9 * days;
+  const double part = std::max(turn, rate > 0.0 ? bend / rate : 0.0);
+  if (way * turn * part > tolerance_.position || way * bend * part > tolerance_.height) {
+    next_ = 0.9 * way;
     return;
   }
   const Event there =
-      detail::FirstEvent(field_, options_, mover_.direction(), place_, middle.Move(place_, 1.5 * days));
-  if (there.kind != EventKind::kNone) return Arrive(there, middle, 1.5 * days * there.fraction);
+      detail::FirstEvent(field_, options_, mover_.direction(), place_, middle.Move(place_, 1.5 * way));
+  if (there.kind != EventKind::kNone) return Arrive(there, middle, 1.5 * way * there.fraction);
   // The path turns away just before: the midpoint step itself is good.
-  place_ = middle.Move(place_, days);
-  place_.s = std::clamp(place_.s, 0.0, 1.0);
-  time_ = std::min(time_ + days, options_.longest_time);
-  motion_ = mover_.At(place_);
-  if (!motion_.ok) return EndWithoutField(motion_.state.status);
-  AddPoint(motion_.state);
+  const Place end = middle.Move(place_, way);
+  if (end.time >= options_.longest_time) return Arrive(event, middle, way);
+  const Motion motion = mover_.At(end);
+  if (!motion.ok) return EndWithoutField(motion.state.status);
+  Accept(end, motion);
 }
 
-void PathTracer::Arrive(const Event& event, const Motion& motion, double days) {
-  if (days >= Remaining()) {
-    place_ = motion.Move(place_, Remaining());
-    time_ = options_.longest_time;
+void PathTracer::Arrive(const Event& event, const Motion& motion, double way) {
+  if (motion.dt * way >= Remaining()) {
+    place_ = motion.Move(place_, Remaining() / motion.dt);
+    place_.s = std::clamp(place_.s, 0.0, 1.0);
+    place_.time = options_.longest_time;
     AddPointHere();
     return End(PathEnd::kTime);
   }
-  place_ = motion.Move(place_, days);
+  place_ = motion.Move(place_, way);
   place_.s = std::clamp(place_.s, 0.0, 1.0);
-  time_ += days;
   switch (event.kind) {
     case EventKind::kWindow:
       place_.at = {std::clamp(place_.at.real(), options_.window.left, options_.window.right),
@@ -319,15 +340,14 @@ void PathTracer::Arrive(const Event& event, const Motion& motion, double days) {
   }
 }
 
-// --- lines
-// ----------------------------------------------------------------------------------------------------
+// --- lines ---
 
 void PathTracer::CrossLine(const Crossing& crossing, const Motion& motion) {
   const Segment line = detail::CrossedSegment(field_.GetModel(), crossing);
   const Complex along = line.to - line.from;
   Complex normal = Complex(0.0, 1.0) * along / std::abs(along);
   if (Dot(normal, motion.v) < 0.0) normal = -normal;
-  next_ = options_.longest_time;
+  next_ = kFarthest * options_.step;
   const bool wall = crossing.type == CrossingType::kWall;
   if (wall && field_.GetModel().walls[static_cast<std::size_t>(crossing.index)].conductivity <= 0.0) {
     return Slide(line, normal);
@@ -381,34 +401,30 @@ void PathTracer::Slide(const Segment& line, Complex normal) {
   const Complex along = line.to - line.from;
   Complex tangent = along / std::abs(along);
   if (Dot(motion_.v, tangent) < 0.0) tangent = -tangent;
-  const double speed = Dot(motion_.v, tangent);
-  if (speed * options_.longest_time < kStill * options_.step) return End(PathEnd::kStagnation);
+  const double pace = Dot(motion_.v, tangent);
+  if (pace / motion_.dt * options_.longest_time < kStill * options_.step) return End(PathEnd::kStagnation);
   const Complex end = Dot(tangent, along) > 0.0 ? line.to : line.from;
   const double to_end = std::max(0.0, Dot(end - place_.at, tangent)) + 2.0 * nudge;
-  const double days = std::min({kSlide * options_.step, to_end, speed * Remaining()}) / speed;
+  const double way = std::min({kSlide * options_.step / pace, to_end / pace, Remaining() / motion_.dt});
   Motion slide = motion_;
-  slide.v = speed * tangent;
-  Place to = slide.Move(place_, days);
-  const Event event = detail::FirstEvent(field_, options_, mover_.direction(), place_, to);
+  slide.v = pace * tangent;
+  const Event event =
+      detail::FirstEvent(field_, options_, mover_.direction(), place_, slide.Move(place_, way));
   if (event.kind != EventKind::kNone && event.kind != EventKind::kCrossing) {
-    return Arrive(event, slide, days * event.fraction);
+    return Arrive(event, slide, way * event.fraction);
   }
   // Another line in the way is left to the next ordinary step.
-  const double done =
-      days * (event.kind == EventKind::kCrossing ? std::max(0.0, event.fraction - 1e-3) : 1.0);
-  place_ = slide.Move(place_, done);
-  place_.s = std::clamp(place_.s, 0.0, 1.0);
-  time_ = std::min(time_ + done, options_.longest_time);
-  motion_ = mover_.At(place_);
-  if (!motion_.ok) return EndWithoutField(motion_.state.status);
-  AddPoint(motion_.state);
+  const bool blocked = event.kind == EventKind::kCrossing;
+  const Place to = slide.Move(place_, way * (blocked ? std::max(0.0, event.fraction - 1e-3) : 1.0));
+  const Motion there = mover_.At(to);
+  if (!there.ok) return EndWithoutField(there.state.status);
+  Accept(to, there);
 }
 
-// --- points
-// ---------------------------------------------------------------------------------------------------
+// --- points ---
 
 void PathTracer::AddPoint(const PointState& state) {
-  path_.points.push_back({place_.at, state.base + place_.s * state.thickness, time_, state.head});
+  path_.points.push_back({place_.at, state.base + place_.s * state.thickness, place_.time, state.head});
 }
 
 /// Water leaves through the top into a pond, or to the air; backward, it came from there.

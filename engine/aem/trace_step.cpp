@@ -23,7 +23,8 @@ constexpr double kError[kStages] = {71.0 / 57600,      0.0,          -71.0 / 166
 
 }  // namespace
 
-Mover::Mover(const TraceField& field, bool forward) : field_(field), direction_(forward ? 1.0 : -1.0) {}
+Mover::Mover(const TraceField& field, bool forward, double slow)
+    : field_(field), direction_(forward ? 1.0 : -1.0), slow_(slow) {}
 
 bool Mover::NearPartialWell(Complex at, double thickness) const {
   const auto& wells = field_.GetModel().partial_wells;
@@ -46,22 +47,22 @@ Motion Mover::At(const Place& place) const {
     motion.state =
         field_.AtElevation(place.at, motion.state.base + std::clamp(place.s, 0.0, 1.0) * b, &upward);
   }
-  motion.v = direction_ * motion.state.discharge / storage;
-  motion.ds = direction_ * (place.s * motion.state.net_recharge + upward) / storage;
-  motion.ok = std::isfinite(motion.v.real()) && std::isfinite(motion.v.imag()) && std::isfinite(motion.ds);
+  const Complex velocity = motion.state.discharge / storage;
+  motion.dt = 1.0 / std::hypot(std::abs(velocity), slow_);
+  motion.v = direction_ * motion.dt * velocity;
+  motion.ds = direction_ * motion.dt * (place.s * motion.state.net_recharge + upward) / storage;
+  motion.ok = std::isfinite(motion.v.real()) && std::isfinite(motion.v.imag()) && std::isfinite(motion.ds) &&
+              motion.dt > 0.0;
   return motion;
 }
 
-Trial Mover::Step(const Place& from, const Motion& first, double days, const Tolerance& tolerance) const {
+Trial Mover::Step(const Place& from, const Motion& first, double way, const Tolerance& tolerance) const {
   Trial trial;
   Motion stage[kStages];
   stage[0] = first;
   for (int i = 1; i < kStages; ++i) {
     Place at = from;
-    for (int j = 0; j < i; ++j) {
-      at.at += days * kA[i][j] * stage[j].v;
-      at.s += days * kA[i][j] * stage[j].ds;
-    }
+    for (int j = 0; j < i; ++j) at = stage[j].Move(at, way * kA[i][j]);
     stage[i] = At(at);
     if (!stage[i].ok) {
       trial.failed = stage[i].state.status == PointStatus::kOk ? PointStatus::kDry : stage[i].state.status;
@@ -69,19 +70,18 @@ Trial Mover::Step(const Place& from, const Motion& first, double days, const Tol
     }
     trial.end = at;
   }
-  Complex position_error{};
-  double height_error = 0.0;
-  for (int i = 0; i < kStages; ++i) {
-    position_error += days * kError[i] * stage[i].v;
-    height_error += days * kError[i] * stage[i].ds;
-  }
-  trial.error =
-      std::max(std::abs(position_error) / tolerance.position, std::fabs(height_error) / tolerance.height);
+  Place error;
+  for (int i = 0; i < kStages; ++i) error = stage[i].Move(error, way * kError[i]);
   trial.motion = stage[kStages - 1];
+  // An error in time counts by the way that the particle does in it.
+  const double speed = std::min(first.Speed(), trial.motion.Speed());
+  trial.error =
+      std::max({std::abs(error.at) / tolerance.position, std::fabs(error.time) * speed / tolerance.position,
+                std::fabs(error.s) / tolerance.height});
   // The middle of the cubic through both ends.
-  const double eighth = days / 8.0;
-  trial.middle = {0.5 * (from.at + trial.end.at) + eighth * (first.v - trial.motion.v),
-                  0.5 * (from.s + trial.end.s) + eighth * (first.ds - trial.motion.ds)};
+  const Place change = trial.motion.Move(first.Move({}, way / 8.0), -way / 8.0);
+  trial.middle = {0.5 * (from.at + trial.end.at) + change.at, 0.5 * (from.s + trial.end.s) + change.s,
+                  0.5 * (from.time + trial.end.time) + change.time};
   trial.ok = true;
   return trial;
 }

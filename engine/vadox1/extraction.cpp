@@ -94,8 +94,7 @@ class Extraction {
   std::string text_;
 };
 
-// --- test points
-// -----------------------------------------------------------------------------------------------
+// --- test points ---
 
 void Extraction::TestPoints(const std::vector<TestPoint>& points) {
   std::vector<Complex> places(points.size());
@@ -150,8 +149,7 @@ double Extraction::VerticalVelocity(const aem::PointState& state, double elevati
   return (upward + added) / state.porosity;
 }
 
-// --- wells
-// ------------------------------------------------------------------------------------------------------
+// --- wells ---
 
 void Extraction::DischargeWells() {
   Header("discharge specified wells");
@@ -245,8 +243,7 @@ void Extraction::HeadLineSinks() {
   }
 }
 
-// --- domains and walls
-// -----------------------------------------------------------------------------------------
+// --- domains and walls ---
 
 void Extraction::Domains() {
   Header("transmissivity inhomogeneities");
@@ -299,8 +296,7 @@ void Extraction::Walls() {
   }
 }
 
-// --- flux
-// -------------------------------------------------------------------------------------------------------
+// --- flux ---
 
 void Extraction::FluxLines(const std::vector<FluxLine>& lines) {
   Header("flux inspection lines");

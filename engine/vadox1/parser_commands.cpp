@@ -50,8 +50,7 @@ void Parser::Load() {
   Add(LoadCommand{FileName(".SOL")});
 }
 
-// --- extraction
-// -------------------------------------------------------------------------------------------------
+// --- extraction ---
 
 void Parser::ExtractBlock() {
   extract_ = {};
@@ -106,8 +105,7 @@ void Parser::CloseFlux() {
   if (extract_.flux_lines.back().vertices.empty()) Quit();
 }
 
-// --- grid
-// -------------------------------------------------------------------------------------------------------
+// --- grid ---
 
 void Parser::GridBlock() {
   grid_ = {};
@@ -134,8 +132,7 @@ void Parser::SurferFile() {
   Add(grid_);
 }
 
-// --- tracing
-// ----------------------------------------------------------------------------------------------------
+// --- tracing ---
 
 void Parser::TraceBlock() {
   trace_ = {};

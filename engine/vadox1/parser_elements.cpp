@@ -24,8 +24,7 @@ constexpr WallWord kWallWords[] = {{"open", aem::WallKind::kOpen},
 
 }  // namespace
 
-// --- aquifer
-// ------------------------------------------------------------------------------------------------
+// --- aquifer ---
 
 void Parser::ModelOrigin() {
   deck_.origin.x = Number(1);
@@ -61,8 +60,7 @@ void Parser::Reference() {
   aquifer.reference_line = line_;
 }
 
-// --- wells and disks
-// ------------------------------------------------------------------------------------------
+// --- wells and disks ---
 
 void Parser::ByDischarge() {
   given_ = Given::kDischarge;
@@ -125,8 +123,7 @@ void Parser::AddDisk() {
   deck_.model.disks.push_back(std::move(disk));
 }
 
-// --- domains and walls
-// ------------------------------------------------------------------------------------------
+// --- domains and walls ---
 
 void Parser::Transmissivity() {
   aem::Domain domain;

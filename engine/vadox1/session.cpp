@@ -68,8 +68,7 @@ void Session::Progress(double share_of_command, const std::string& text) {
   TellProgress(percent, text);
 }
 
-// --- model and solution
-// -----------------------------------------------------------------------------------------
+// --- model and solution ---
 
 void Session::Build(aem::Model model) {
   solution_.emplace(std::move(model));
@@ -188,8 +187,7 @@ void Session::Do(const LoadCommand& command) {
   solved_ = true;
 }
 
-// --- outputs
-// ----------------------------------------------------------------------------------------------------
+// --- outputs ---
 
 aem::Window Session::WindowOr(const aem::Window& window, const char* command) const {
   if (window.set) return window;

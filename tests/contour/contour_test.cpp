@@ -135,8 +135,7 @@ TEST(Contours, time_grows_with_the_grid_not_with_its_square) {
   EXPECT_LT(seconds(800), 16.0 * 4.0 * seconds(200) + 0.05);
 }
 
-// --- the written file
-// -----------------------------------------------------------------------------------------
+// --- the written file ---
 
 /// Reads as the programs behind do: blanks are passed over, and the first character that cannot belong to a
 /// number ends it.
@@ -228,8 +227,7 @@ TEST(ContourFile, a_line_of_one_place_is_not_written) {
   EXPECT_EQ(text, "");
 }
 
-// --- grids that are no grids
-// ------------------------------------------------------------------------------------
+// --- grids that are no grids ---
 
 TEST(SurferGrid, refuses_what_is_cut_or_lies_about_its_size) {
   const Grid grid = MakeGrid(5, 4, [](int i, int j) { return i + 10.0 * j; });
@@ -271,8 +269,7 @@ TEST(SurferGrid, any_changed_byte_is_a_grid_or_a_message) {
   }
 }
 
-// --- the program
-// ----------------------------------------------------------------------------------------------
+// --- the program ---
 
 int RunProgram(const TempDir& folder, const std::string& arguments) {
   const std::string command = "cd '" + folder.path().string() + "' && '" ORMEL_BIN_DIR "/CONTOUR.EXE' " +

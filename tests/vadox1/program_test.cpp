@@ -166,8 +166,7 @@ TEST(Program, a_query_gives_one_record_with_an_elevation) {
   EXPECT_NEAR(records[0].Number(9), Head({100.0, 50.0}), 1e-5);
 }
 
-// --- failures
-// -----------------------------------------------------------------------------------------------------
+// --- failures ---
 
 struct FatalCase {
   const char* name;
