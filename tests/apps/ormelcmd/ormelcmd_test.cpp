@@ -1,0 +1,95 @@
+// From a new project to capture zones by the program itself.
+#include <cmath>
+#include <filesystem>
+#include <numbers>
+
+#include "ormelcmd/run.h"
+
+namespace ormel::test {
+namespace {
+
+using ::testing::Test;
+
+TEST_F(OrmelcmdTest, FromANewProjectToHeadsPicturesAndTables) {
+  MakeTown();
+  EXPECT_NE(Run({"results", "town.orm"}).err.find("has not been solved yet"), std::string::npos);
+  Do({"add", "testpoint", "town.orm", "--at", "100,0", "--label", "T1", "--head", "29"});
+  Do({"solve", "town.orm"});
+
+  // Confined: h = h0 - i (x - x0) + Q / (2 pi T) ln(r / r0), with T = 100 m2/d and r0 = 1000 m.
+  const std::string heads = Do({"results", "town.orm", "--table", "testpoints", "--csv"});
+  const double expected = 30.0 - 0.002 * 100.0 + 400.0 / (2.0 * std::numbers::pi * 100.0) * std::log(0.1);
+  ASSERT_EQ(heads.find("Label,X,Y,ObsHead,ModelHead,Difference\nT1,100,0,29,"), 0U) << heads;
+  const double head = std::stod(heads.substr(heads.find("29,") + 3));
+  EXPECT_NEAR(head, expected, 1e-4);
+
+  const std::string wells = Do({"results", "town.orm", "--table", "wells"});
+  EXPECT_NE(wells.find("O'Brien, north"), std::string::npos) << wells;
+  EXPECT_NE(Do({"results", "town.orm", "--csv"}).find("\"O'Brien, north\",0,0,0.5"), std::string::npos);
+
+  Do({"render", "town.orm", "map.png", "--size", "400x300", "--title", "Küste", "--legend", "--scale-bar",
+      "--north-arrow"});
+  const std::string png = ReadAll(dir / "map.png");
+  ASSERT_GT(png.size(), 1000U);
+  EXPECT_EQ(png.substr(1, 3), "PNG");
+  EXPECT_EQ(png.substr(16, 8), std::string("\0\0\1\x90\0\0\1\x2c", 8)) << "400 by 300";
+  Do({"render", "town.orm", "map.svg", "--layers", "elements"});
+  Do({"render", "town.orm", "paths.svg", "--layers", "elements,pathlines"});
+  EXPECT_GT(ReadAll(dir / "paths.svg").size(), ReadAll(dir / "map.svg").size() + 1000);
+}
+
+TEST_F(OrmelcmdTest, ASolveCountsUntilTheModelChanges) {
+  MakeTown();
+  Do({"solve", "town.orm"});
+  Do({"window", "town.orm", "--window", "-100,-100,100,100"});
+  Do({"results", "town.orm"});  // a window is no change of the model
+  Do({"solve", "town.orm", "--continue", "1"});
+  Do({"set", "town.orm", "Model.TRACEMaxTime=100"});
+  EXPECT_EQ(Run({"render", "town.orm", "map.png"}).code, 1);
+  EXPECT_FALSE(std::filesystem::exists(dir / "map.png"));
+  EXPECT_EQ(Run({"results", "town.orm"}).code, 1);
+  EXPECT_EQ(Run({"solve", "town.orm", "--continue", "1"}).code, 1);
+  Do({"results", "town.orm", "--stale"});
+  Do({"render", "town.orm", "map.png", "--no-results"});
+  Do({"solve", "town.orm", "--reload"});
+  Do({"render", "town.orm", "map.png"});
+}
+
+TEST_F(OrmelcmdTest, EveryKindOfElementIsStored) {
+  MakeTown();
+  Do({"add", "well", "town.orm", "--at", "300,0", "--label", "Pond", "--head", "31", "--pond", "--radius",
+      "20"});
+  Do({"add", "barrier", "town.orm", "--label", "Wall", "--points", "200,200 300,200;300,300", "--color",
+      "#FF8000"});
+  Do({"add", "inhomogeneity", "town.orm", "--label", "Clay", "--conductivity", "0.5", "--recharge", "0.001",
+      "--points", "-400,-400", "-300,-400", "-300,-300"});
+  Do({"add", "linesink", "town.orm", "--label", "River", "--heads", "29", "28", "--points",
+      "-500,400 0,450 500,400", "--width", "5"});
+  Do({"add", "particles", "town.orm", "--points", "0,100 0,120", "--backward", "--elevation", "3"});
+  Do({"add", "testpoint", "town.orm", "--at", "1,2", "--label", "T", "--head", "30"});
+  Do({"add", "fluxline", "town.orm", "--label", "F", "--points", "0,0 1,1"});
+  Do({"add", "text", "town.orm", "--text", "Fluß", "--at", "5,6", "--bold"});
+  const auto query = [this](const std::string& sql) { return Do({"sql", "town.orm", "--csv", sql}); };
+  EXPECT_EQ(query("select HeadSpecified,Pond,Head from Wells where Label='Pond'"),
+            "HeadSpecified,Pond,Head\n1,1,31\n");
+  EXPECT_EQ(query("select Closed,Color from NoFlowStrings"), "Closed,Color\n0,33023\n");
+  EXPECT_EQ(query("select ChangeK,ChangeR,ChangeP,HydCond from Inhomogeneities"),
+            "ChangeK,ChangeR,ChangeP,HydCond\nTrue,True,False,0.5\n");
+  EXPECT_EQ(query("select StartingHead,EndingHead,Width from LinesinkStrings"),
+            "StartingHead,EndingHead,Width\n29,28,5\n");
+  EXPECT_EQ(query("select count(*) as N,max(Elevation) as E,max(Forward) as F from Particles"),
+            "N,E,F\n2,3,0\n");
+  EXPECT_EQ(query("select Text,FontBold from TextLabels"), "Text,FontBold\nFluß,True\n");
+  EXPECT_EQ(query("select count(*) as N from Vertices where PID>0"), "N\n11\n");
+}
+
+TEST_F(OrmelcmdTest, ExportsADeck) {
+  MakeTown();
+  Do({"deck", "town.orm", "deck.DAT"});
+  const std::string deck = ReadAll(dir / "deck.DAT");
+  EXPECT_NE(deck.find(" aquifer"), std::string::npos) << deck;
+  EXPECT_NE(deck.find("WL_"), std::string::npos) << deck;
+}
+
+}  // namespace
+}  // namespace ormel::test
