@@ -2,6 +2,7 @@
 
 #include "core/coordinates.h"
 #include "core/ormel.h"
+#include "store/bulk.h"
 #include "store/database.h"
 #include "text/numbers.h"
 #include "view/redraw.h"
@@ -25,7 +26,10 @@ Sample SymbolSample(VgSymbol symbol, Color color) {
 }
 
 Sample ArrowSample(Color color) {
-  return [=](VgGdi& vg, MapPoint a, MapPoint) { vg.vgGDISymbol(a, VgSymbol::kArrow, color, color, 0.0); };
+  return [=](VgGdi& vg, MapPoint a, MapPoint) {
+    const double inward = 0.5 * vg.PointUnit() * vg.vgGDIPixelSize();  // the arrow's tail has a radius
+    vg.vgGDISymbol({a.x + inward, a.y}, VgSymbol::kArrow, color, color, 0.0);
+  };
 }
 
 Sample CircleSample(Color color) {
@@ -41,8 +45,16 @@ class Entries {
     if (shown) list_.push_back({std::move(text), std::move(sample)});
   }
   bool Any(const char* sql) const { return ormel_.db().Scalar(sql).AsLong() > 0; }
-  Color StoredColor(const char* sql) const {
-    return {static_cast<std::int32_t>(ormel_.db().Scalar(sql).AsLong())};
+  /// A kind whose elements have colours of their own: each by its label while they are few.
+  void AddColoured(const char* table, const std::string& kind, double width) {
+    constexpr std::int64_t kFew = 6;
+    Database& db = ormel_.db();
+    const std::int64_t count = db.RowCount(table);
+    if (count > kFew) return Add(true, kind, LineSample(QBColor(0), width));
+    RowReader rows(db, std::string("select Label,Color from ") + table);
+    while (rows.Next())
+      Add(true, kind + " " + std::string(rows.Text(0)),
+          LineSample({static_cast<std::int32_t>(rows.Long(1))}, width));
   }
 
  private:
@@ -74,10 +86,8 @@ void AddElements(Ormel& ormel, Entries& entries) {
   for (const Kind& kind : kLinesinks)
     entries.Add(any((std::string("select count(*) from LinesinkStrings where ") + kind.where).c_str()),
                 kind.text, LineSample(kind.color, 1.5));
-  entries.Add(any("select count(*) from NoFlowStrings"), "Horizontal barrier",
-              LineSample(entries.StoredColor("select Color from NoFlowStrings"), 2.0));
-  entries.Add(any("select count(*) from Inhomogeneities"), "Inhomogeneity",
-              LineSample(entries.StoredColor("select Color from Inhomogeneities"), 1.0));
+  entries.AddColoured("NoFlowStrings", "Barrier", 2.0);
+  entries.AddColoured("Inhomogeneities", "Inhomogeneity", 1.0);
   entries.Add(ormel.menus.Checked("ShowWHPAs") && any("select count(*) from WHPAs"),
               "Wellhead protection area", CircleSample(Rgb(255, 0, 0)));
 }
