@@ -1,13 +1,15 @@
 // ormel_pictures: makes the pictures of README and guide with the real window.
 //
-// Opens a project, works the window through its own commands and writes what is seen.  Runs without a display
-// (QT_QPA_PLATFORM=offscreen).
+// Solves a copy of a project, works the window through its own commands and writes what is seen.  Runs
+// without a display (QT_QPA_PLATFORM=offscreen).
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QMessageBox>
 #include <QTabWidget>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
 #include <array>
 #include <cstdio>
@@ -58,12 +60,13 @@ void Settle(int milliseconds) {
   while (time.elapsed() < milliseconds) QApplication::processEvents(QEventLoop::AllEvents, 10);
 }
 
-/// Answers the boxes that nobody is there to answer, and says what they asked.
-void AnswerBox() {
-  auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-  if (box == nullptr) return;
-  std::printf("[%s] %s\n", qPrintable(box->windowTitle()), qPrintable(box->text()));
-  box->reject();
+/// Takes the answer that Enter gives wherever nobody is there to answer, and says what was asked.
+void AnswerQuestion() {
+  QWidget* front = QApplication::activeModalWidget();
+  if (front == nullptr || qobject_cast<FormDialog*>(front) != nullptr) return;
+  if (const auto* box = qobject_cast<QMessageBox*>(front))
+    std::printf("[%s] %s\n", qPrintable(box->windowTitle()), qPrintable(box->text()));
+  QTest::keyClick(front, Qt::Key_Return);
 }
 
 class Photographer {
@@ -75,19 +78,22 @@ class Photographer {
     Save(program_.window.grab(), name);
   }
 
-  /// Runs a command and takes the picture of the dialog it opens, which is then closed by Escape.
-  void Dialog(const DialogShot& shot) {
-    const QString name = QString::fromLatin1(shot.file);
+  /// Does something that opens a dialog and takes its picture; Escape then closes it.
+  void OnDialog(const char* file, int page, const std::function<void()>& open) {
+    const QString name = QString::fromLatin1(file);
     QTimer watch;
-    QObject::connect(&watch, &QTimer::timeout, [&] { CloseFront(name, shot.page); });
+    QObject::connect(&watch, &QTimer::timeout, [&] { CloseFront(name, page); });
     watch.start(150);
-    if (!Dispatch(program_.ormel, shot.control, shot.index)) std::printf("%s: not offered\n", shot.file);
+    open();
     Settle(50);
+    watch.stop();
+    // A command that waits for a click is left.
+    QTest::keyClick(&program_.window.map(), Qt::Key_Escape);
   }
 
  private:
   void CloseFront(const QString& name, int page) {
-    auto* front = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    auto* front = qobject_cast<FormDialog*>(QApplication::activeModalWidget());
     if (front == nullptr) return;
     if (auto* tabs = front->findChild<QTabWidget*>()) tabs->setCurrentIndex(page);
     QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
@@ -110,13 +116,27 @@ class Photographer {
   QStringList taken_;
 };
 
+/// The dialog of a new well, as a click on the map brings it up.
+void TakeWell(Program& program, Photographer& photographer) {
+  Dispatch(program.ormel, "ELEM_NEW", 1);
+  MapWidget& map = program.window.map();
+  photographer.OnDialog("dialog-well", 0,
+                        [&] { QTest::mouseClick(&map, Qt::LeftButton, {}, map.rect().center()); });
+}
+
 void TakeAll(Program& program, const QString& folder) {
   Photographer photographer(program, folder);
+  Dispatch(program.ormel, "MODEL_CMDS", 2);
+  Dispatch(program.ormel, "ZOOM_CMDS", 3);
   photographer.Window(QStringLiteral("window"));
   Dispatch(program.ormel, "ZOOM_CMDS", 1);
   photographer.Window(QStringLiteral("window-zoomed"));
   Dispatch(program.ormel, "ZOOM_CMDS", 3);
-  for (const DialogShot& shot : kDialogs) photographer.Dialog(shot);
+  TakeWell(program, photographer);
+  for (const DialogShot& shot : kDialogs)
+    photographer.OnDialog(shot.file, shot.page, [&] {
+      if (!Dispatch(program.ormel, shot.control, shot.index)) std::printf("%s: not offered\n", shot.file);
+    });
 }
 
 }  // namespace
@@ -135,10 +155,16 @@ int main(int argc, char** argv) {
   ormel::Program program({settings, processes, clock});
   app.SetController(&program.ormel);
   program.ui.SetSplashTime(0);
-  QTimer boxes;
-  QObject::connect(&boxes, &QTimer::timeout, ormel::AnswerBox);
-  boxes.start(400);
-  program.Start(argv[2]);
+  QTimer questions;
+  QObject::connect(&questions, &QTimer::timeout, ormel::AnswerQuestion);
+  questions.start(300);
+  const QString project = private_folder.filePath(QStringLiteral("example.orm"));
+  if (!QFile::copy(QString::fromLocal8Bit(argv[2]), project)) {
+    std::fprintf(stderr, "%s cannot be copied\n", argv[2]);
+    return 1;
+  }
+  QFile::setPermissions(project, QFile::ReadOwner | QFile::WriteOwner);
+  program.Start(project.toStdString());
   program.window.resize(1240, 800);
   QDir().mkpath(QString::fromLocal8Bit(argv[1]));
   ormel::TakeAll(program, QString::fromLocal8Bit(argv[1]));
