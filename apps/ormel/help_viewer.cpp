@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QShortcut>
+#include <QTextBlock>
 #include <QTextBrowser>
 #include <QTextStream>
 #include <QUrl>
@@ -17,6 +18,18 @@ namespace ormel {
 namespace {
 
 constexpr auto kContents = "index";
+
+/// The anchor of a heading in the usual form: "Points and lines" is points-and-lines.
+QString AnchorOf(const QString& heading) {
+  QString anchor;
+  for (const QChar c : heading.toLower())
+    if (c.isLetterOrNumber() || c == QLatin1Char('-')) {
+      anchor += c;
+    } else if (c.isSpace()) {
+      anchor += QLatin1Char('-');
+    }
+  return anchor;
+}
 
 }  // namespace
 
@@ -75,10 +88,22 @@ void HelpViewer::ShowTopic(const QString& topic) {
     return;
   }
   const QString page = PageOf(topic);
-  QUrl url = QUrl::fromLocalFile(folder_ + QLatin1Char('/') + page.section(QLatin1Char('#'), 0, 0) +
-                                 QStringLiteral(".md"));
-  if (page.contains(QLatin1Char('#'))) url.setFragment(page.section(QLatin1Char('#'), 1));
+  const QUrl url = QUrl::fromLocalFile(folder_ + QLatin1Char('/') + page.section(QLatin1Char('#'), 0, 0) +
+                                       QStringLiteral(".md"));
   browser_->setSource(url, QTextDocument::MarkdownResource);
+  GoToHeading(page.section(QLatin1Char('#'), 1));
+}
+
+void HelpViewer::GoToHeading(const QString& anchor) {
+  if (anchor.isEmpty()) return;
+  for (QTextBlock block = browser_->document()->begin(); block.isValid(); block = block.next()) {
+    if (block.blockFormat().headingLevel() == 0 || AnchorOf(block.text()) != anchor) continue;
+    // From the end of the page back, so that the heading stands at the top of the view.
+    browser_->moveCursor(QTextCursor::End);
+    browser_->setTextCursor(QTextCursor(block));
+    browser_->ensureCursorVisible();
+    return;
+  }
 }
 
 void ShowHelpTopic(const QString& topic, QWidget* parent) {

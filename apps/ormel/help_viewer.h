@@ -20,6 +20,7 @@ class HelpViewer : public QWidget {
   QTextBrowser* browser() const { return browser_; }
 
  private:
+  void GoToHeading(const QString& anchor);
   QString PageOf(const QString& topic) const;
 
   QString folder_;

@@ -35,7 +35,6 @@ struct DialogShot {
 };
 constexpr std::array kDialogs = {
     DialogShot{"dialog-about", "Help_CMDS", 5, 0},
-    DialogShot{"dialog-project-settings", "FILE_CMDS", 4, 0},
     DialogShot{"dialog-print-setup", "FILE_CMDS", 5, 0},
     DialogShot{"dialog-save-map", "SAVEMAPAS", 0, 0},
     DialogShot{"dialog-model-settings", "MODEL_CMDS", 1, 0},

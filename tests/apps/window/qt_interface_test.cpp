@@ -11,10 +11,13 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextBrowser>
 #include <QTimer>
 #include <QWidget>
 
 #include "ormel/file_filter.h"
+#include "ormel/help_viewer.h"
 #include "ormel/text_viewer.h"
 #include "ormel/wait_box.h"
 #include "support/temp_dir.h"
@@ -130,6 +133,29 @@ TEST(TextViewer, ShowsAndSearchesAnyFile) {
   TextViewer missing(QString::fromStdString(folder / "none.log"), nullptr);
   missing.setAttribute(Qt::WA_DeleteOnClose, false);
   EXPECT_TRUE(missing.text()->toPlainText().contains("cannot be read"));
+}
+
+TEST(HelpViewer, TopicsLeadToTheirPlaceInTheGuide) {
+  HelpViewer viewer(QStringLiteral(ORMEL_SOURCE_DIR "/docs/guide"), nullptr);
+  struct Case {
+    const char* topic;
+    const char* page;
+    const char* heading;  ///< the cursor stands at it; empty for the top of the page
+  };
+  const Case cases[] = {{"", "index.md", ""},
+                        {"tutorial", "tutorial.md", ""},
+                        {"WellProperties", "drawing.md", "Wells"},
+                        {"NoFlowString", "drawing.md", "Barriers"},
+                        {"nothing of that name", "index.md", ""}};
+  for (const Case& c : cases) {
+    viewer.ShowTopic(c.topic);
+    EXPECT_EQ(viewer.browser()->source().fileName(), c.page) << c.topic;
+    if (*c.heading == 0) continue;
+    EXPECT_EQ(viewer.browser()->textCursor().block().text(), c.heading) << c.topic;
+  }
+  HelpViewer lost(QString(), nullptr);
+  lost.ShowTopic("tutorial");
+  EXPECT_TRUE(lost.browser()->toPlainText().contains("was not found"));
 }
 
 }  // namespace
