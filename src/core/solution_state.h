@@ -9,6 +9,9 @@ struct SolutionState {
   bool GridValid = false;       ///< the .GRD file belongs to the solution
   bool ContoursValid = false;   ///< CONTOUR.EXE has run on the grid
   bool results_drawn = false;
+  /// A program that shows results recognises the finished solve of an unchanged project when it opens it
+  /// again; a script asks for it by its commands.
+  bool restore_on_open = false;
   double SolutionTime = 0.0;    ///< for transient wells [d]
   double TimeTicSpacing = 0.0;  ///< along pathlines [d]; 0 means none
   double ElevationTicSpacing = 0.0;

@@ -17,6 +17,7 @@
 #include "shell/new_database_wizard.h"
 #include "shell/open_steps.h"
 #include "shell/project_copy.h"
+#include "shell/solve_stamp.h"
 #include "shell/project_settings.h"
 #include "shell/recent_projects.h"
 #include "store/database.h"
@@ -111,6 +112,7 @@ void LoadProject(Ormel& ormel, const std::string& path, bool isNew) {
   ormel.project.ProjectOpen = true;
   EnableProjectCommands(ormel, true);
   ormel.view().TurnOnMenus();
+  const bool solved = ormel.solution.restore_on_open && RestoreSolve(ormel).empty();
   ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   EnableMouse(ormel);
   for (int index = 0; index < 2; ++index) ormel.menus.Enable("SolverIntegrityCheck", index, true);
@@ -118,6 +120,7 @@ void LoadProject(Ormel& ormel, const std::string& path, bool isNew) {
   ormel.gui.VertexTolerance = DefaultVertexTolerance(ormel);
   ShowTitle(ormel);
   SelectStatus(ormel);
+  Note(ormel, solved ? "CURRENT" : "");
   ormel.view().SetUpToolbar();
   DBIntegrity(ormel);
   RememberProject(ormel, path);
