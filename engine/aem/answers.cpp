@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
+#include "aem/equations.h"
+#include "aem/partial.h"
 #include "aem/strings.h"
 
 namespace aem::detail {
@@ -62,6 +65,59 @@ std::vector<WellResult> WellResults(const System& s) {
   return results;
 }
 
+std::vector<WellResult> PartialWellResults(const System& s) {
+  std::vector<WellResult> results(s.partial_wells.size());
+  if (s.refused) return results;
+  for (std::size_t i = 0; i < results.size(); ++i) {
+    const WellSource& source = s.partial_wells[i];
+    const PartialWell& well = s.model.partial_wells[i];
+    WellResult& r = results[i];
+    r.discharge = source.discharge;
+    r.specified_head = well.by_head ? well.value : kNotSet;
+    if (s.Ignored(source.at)) continue;
+    const Zone zone = s.ZoneAt(source.at, {});
+    const double far = s.Field(source.at, {}).omega.real();
+    const double potential = far + source.discharge * ScreenFactor(well, zone, far);
+    r.dry = potential <= 0.0;
+    if (!r.dry) r.head = zone.Head(potential);
+  }
+  return results;
+}
+
+void AddPartialWells(const System& s, Complex at, double elevation, PointState* state, double* vertical) {
+  for (std::size_t i = 0; i < s.partial_wells.size(); ++i) {
+    const WellSource& source = s.partial_wells[i];
+    const Complex offset = at - source.at;
+    const double distance = std::abs(offset);
+    if (distance > 6.0 * state->thickness) continue;
+    const Zone zone = s.ZoneAt(source.at, {});
+    const PartialCorrection correction(s.model.partial_wells[i], zone, state->thickness);
+    const PartialCorrection::Local local = correction.At(distance, elevation);
+    state->potential += source.discharge * local.potential;
+    if (distance > source.radius) state->discharge += source.discharge * local.radial * offset / distance;
+    *vertical += source.discharge * local.vertical;
+  }
+  state->head = state->potential > 0.0 ? s.ZoneAt(at, {}).Head(state->potential) : kNotSet;
+  if (state->potential <= 0.0) state->status = PointStatus::kDry;
+}
+
+std::vector<WellResult> TheisResults(const System& s) {
+  std::vector<WellResult> results;
+  if (s.refused) return results;
+  std::map<std::string, std::size_t> known;
+  for (const TheisRecord& record : s.model.theis) {
+    const auto [entry, added] = known.try_emplace(record.origin.label, results.size());
+    if (added) {
+      WellResult r;
+      r.head = HeadOrNone(s, record.at);
+      r.dry = r.head == kNotSet;
+      results.push_back(r);
+    }
+    if (s.time > record.time) results[entry->second].discharge += record.rate;
+  }
+  return results;
+}
+
 std::vector<DiskResult> DiskResults(const System& s) {
   std::vector<DiskResult> results;
   if (s.refused) return results;
@@ -92,6 +148,54 @@ double PieceHeadError(const System& s, int p, const Stage& stage) {
   return worst;
 }
 
+namespace {
+
+/// Head that would be needed for the calculated inflow, minus the calculated head, between control points.
+double BedError(const System& s, int p, const Stage& stage) {
+  const Piece& piece = s.pieces[p];
+  const PieceOwner& o = s.owners[p];
+  const LineSinkString& string = s.model.line_sinks[o.string];
+  double worst = 0.0;
+  for (int i = 1; i < 10; ++i) {
+    const double x = -1.0 + 0.2 * i + 0.03;
+    const Complex toward = piece.Direction() * Complex{0.0, 1.0};
+    const Zone zone = s.ZoneAt(piece.Global(x), toward);
+    const double potential = s.Field(piece.Global(x), toward).omega.real(), head = zone.Head(potential);
+    const double given = stage.At(o.segment, o.start + 0.5 * (1.0 + x) * (o.end - o.start));
+    const double width = EffectiveWidth(string, zone.conductivity * zone.Thickness(potential));
+    const double density = Strength(piece, &s.coefficients[p * kMaxBasis], x);
+    const bool below = string.kind != LineSinkKind::kDrain && head < given - string.depth;
+    const double driving = below ? -string.depth : head - given;
+    worst = std::max(worst, std::abs(driving - density * string.resistance / width));
+  }
+  return worst;
+}
+
+/// Base flow and overland flow along routed streams, upstream first; for others the segment's own share.
+void AddStreamFlows(const System& s, std::vector<StringResult>* results) {
+  std::vector<double> base(results->size(), 0.0), overland(results->size(), 0.0);
+  for (int k : s.stream_order) {
+    const LineSinkString& string = s.model.line_sinks[k];
+    double length = 0.0;
+    for (const LineSinkSegment& g : string.segments) length += std::abs(g.to - g.from);
+    double b = base[k] + string.inflow, o = overland[k];
+    for (std::size_t i = 0; i < string.segments.size(); ++i) {
+      const LineSinkSegment& g = string.segments[i];
+      SegmentResult& r = (*results)[k].segments[i];
+      b += r.discharge;
+      o += length > 0.0 ? string.overland_flow * std::abs(g.to - g.from) / length : 0.0;
+      r.baseflow = b;
+      r.overland_flow = o;
+    }
+    (*results)[k].outflow = b + o;
+    if (s.flows_into[k] < 0) continue;
+    base[s.flows_into[k]] += b;
+    overland[s.flows_into[k]] += o;
+  }
+}
+
+}  // namespace
+
 std::vector<StringResult> StringResults(const System& s) {
   std::vector<StringResult> results(s.model.line_sinks.size());
   if (s.refused) return results;
@@ -109,13 +213,25 @@ std::vector<StringResult> StringResults(const System& s) {
         r.calculated_head = HeadOrNone(s, 0.5 * (g.from + g.to));
         if (string.kind == LineSinkKind::kDischarge) continue;
         r.specified_head = g.value;
+        const int flag = s.flag_of[k][i];
+        r.switched_off = flag >= 0 && s.flags[flag] != 0;
         r.width = string.width;
-        if (!Resists(string))
+        if (Resists(string)) {
+          const PointState state = s.State(0.5 * (g.from + g.to), (g.to - g.from) * Complex{0.0, 1.0});
+          r.width = EffectiveWidth(string, state.conductivity * state.thickness);
+          int below = 0;
+          for (int j = 0; j < 5; ++j) below += Percolates(s, int(k), int(i), 0.1 + 0.2 * j) ? 1 : 0;
+          r.percolating = below > 2;
+          for (int p : s.segment_pieces[k][i])
+            if (!r.switched_off) r.error = std::max(r.error, BedError(s, p, stage));
+        } else if (!r.switched_off)
           for (int p : s.segment_pieces[k][i]) r.error = std::max(r.error, PieceHeadError(s, p, stage));
       }
     });
     for (const SegmentResult& r : results[k].segments) results[k].discharge += r.discharge;
+    results[k].flows_into = s.flows_into[k];
   }
+  AddStreamFlows(s, &results);
   return results;
 }
 

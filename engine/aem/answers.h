@@ -8,6 +8,8 @@ namespace aem::detail {
 class Stage;
 
 double HeadRange(const System& s);
+/// Adds the local flow of partially penetrating wells nearby.
+void AddPartialWells(const System& s, Complex at, double elevation, PointState* state, double* vertical);
 
 // places.cpp
 SinkHit NearestSink(const System& s, Complex point, double distance);
@@ -17,6 +19,11 @@ bool Percolates(const System& s, int string, int segment, double position);
 
 // answers.cpp
 std::vector<WellResult> WellResults(const System& s);
+std::vector<WellResult> PartialWellResults(const System& s);
+std::vector<WellResult> TheisResults(const System& s);
+std::vector<WallResult> WallResults(const System& s);
+/// Flow per length that the wall lets through from left to right at a point of the edge [L2/d].
+double AllowedLeakage(const System& s, const JumpEdge& edge, Complex at);
 std::vector<DiskResult> DiskResults(const System& s);
 std::vector<StringResult> StringResults(const System& s);
 double SegmentDischarge(const System& s, int string, int segment);

@@ -41,6 +41,7 @@ class Nodes {
 struct Drawn {
   int from = -1, to = -1;
   int domain = -1, wall = -1, segment = -1;
+  int string = -1;  ///< a line-sink: cuts others and is cut, but is no edge
   std::vector<std::pair<double, int>> on;
 };
 
@@ -59,10 +60,12 @@ void AddDrawn(const std::vector<int>& list, bool closed, int domain, int wall, s
   const std::size_t n = list.size();
   for (std::size_t i = 0; i + (closed ? 0 : 1) < n; ++i)
     if (list[i] != list[(i + 1) % n])
-      drawn->push_back({list[i], list[(i + 1) % n], domain, wall, int(i), {}});
+      drawn->push_back({list[i], list[(i + 1) % n], domain, wall, int(i), -1, {}});
 }
 
-void CutEdges(double tolerance, Nodes* nodes, const std::vector<Complex>& at, std::vector<Drawn>* drawn) {
+/// The first `edges` of the list are rings and walls; line-sinks behind them do not cut each other.
+void CutEdges(double tolerance, Nodes* nodes, const std::vector<Complex>& at, std::size_t edges,
+              std::vector<Drawn>* drawn) {
   std::vector<std::pair<Complex, Complex>> lines;
   for (const Drawn& d : *drawn) lines.emplace_back(at[d.from], at[d.to]);
   const SegmentIndex index(lines);
@@ -78,7 +81,7 @@ void CutEdges(double tolerance, Nodes* nodes, const std::vector<Complex>& at, st
     box.Grow(2.0 * tolerance);
     index.Find(box, &found);
     for (int other : found) {
-      if (other == int(i)) continue;
+      if (other == int(i) || (i >= edges && other >= int(edges))) continue;
       const auto [c, d] = lines[other];
       bool touches = false;
       for (int node : {(*drawn)[other].from, (*drawn)[other].to}) {
@@ -104,14 +107,34 @@ void CutEdges(double tolerance, Nodes* nodes, const std::vector<Complex>& at, st
 Arrangement Arrange(System& s) {
   Arrangement result;
   Nodes nodes(s.tolerance, &result.nodes);
-  std::vector<Drawn> drawn;
+  std::vector<Drawn> drawn, strings;
   for (std::size_t d = 0; d < s.model.domains.size(); ++d)
     AddDrawn(NodesOf(s.model.domains[d].ring, true, &nodes), true, int(d), -1, &drawn);
   for (std::size_t w = 0; w < s.model.walls.size(); ++w) {
     const bool closed = s.model.walls[w].kind != WallKind::kOpen;
     AddDrawn(NodesOf(s.model.walls[w].points, closed, &nodes), closed, -1, int(w), &drawn);
   }
-  CutEdges(s.tolerance, &nodes, result.nodes, &drawn);
+  s.segment_cuts.resize(s.model.line_sinks.size());
+  for (std::size_t k = 0; k < s.model.line_sinks.size(); ++k) {
+    const std::vector<LineSinkSegment>& segments = s.model.line_sinks[k].segments;
+    s.segment_cuts[k].resize(segments.size());
+    if (drawn.empty()) continue;
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+      const int a = nodes.Get(segments[i].from), b = nodes.Get(segments[i].to);
+      if (a != b) strings.push_back({a, b, -1, -1, int(i), int(k), {}});
+    }
+  }
+  const std::size_t edges = drawn.size();
+  drawn.insert(drawn.end(), strings.begin(), strings.end());
+  CutEdges(s.tolerance, &nodes, result.nodes, edges, &drawn);
+  for (std::size_t i = edges; i < drawn.size(); ++i)
+    for (const auto& [position, node] : drawn[i].on)
+      if (position > 0.0 && position < 1.0)
+        s.segment_cuts[drawn[i].string][drawn[i].segment].push_back(position);
+  result.on_string.assign(result.nodes.size(), false);
+  for (std::size_t i = edges; i < drawn.size(); ++i)
+    for (const auto& [position, node] : drawn[i].on) result.on_string[node] = true;
+  drawn.resize(edges);
 
   s.rings.assign(s.model.domains.size(), {});
   std::map<std::pair<int, int>, std::size_t> known;

@@ -21,6 +21,7 @@ struct ArrangementEdge {
 struct Arrangement {
   std::vector<Complex> nodes;
   std::vector<ArrangementEdge> edges;
+  std::vector<bool> on_string;  ///< by node: a line-sink ends, bends or crosses there
 };
 
 /// Fills System::rings with the domains' rings through the common nodes.  Vertices closer than the tolerance

@@ -1,10 +1,10 @@
 // Turns the model into elements, unknowns and control points.
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 #include <thread>
 
 #include "aem/arrangement.h"
+#include "aem/ignored.h"
 #include "aem/strings.h"
 #include "aem/system.h"
 #include "aem/validate.h"
@@ -34,49 +34,66 @@ int System::AddPiece(const Piece& piece, const PieceOwner& owner) {
 
 namespace {
 
+void AddPoint(System& s, Complex at, int unknown, double head, Condition condition, int element = -1) {
+  Control c;
+  c.at = at;
+  c.unknown = unknown;
+  c.head = head;
+  c.condition = condition;
+  c.element = element;
+  s.controls.push_back(c);
+}
+
 void BuildReference(System& s) {
   s.x.assign(1, 0.0);
-  Control c;
-  c.at = s.model.aquifer.reference_point;
-  c.unknown = 0;
-  c.head = s.model.aquifer.reference_head;
-  s.controls.push_back(c);
+  // Where a wall keeps its inside only, nothing comes from infinity and the heads inside fix the level.
+  const bool enclosed =
+      std::any_of(s.ignored.begin(), s.ignored.end(), [](const auto& r) { return !r.inside; });
+  AddPoint(s, s.model.aquifer.reference_point, 0, s.model.aquifer.reference_head,
+           enclosed ? Condition::kNone : Condition::kHead);
 }
 
 void BuildWells(System& s) {
   for (const Well& well : s.model.wells) {
     WellSource source{well.at, well.radius, well.by_head ? 0.0 : well.value, -1};
-    if (well.by_head) {
+    if (s.Ignored(well.at)) {
+      source.discharge = 0.0;
+    } else if (well.by_head) {
       source.unknown = s.NewUnknown();
-      Control c;
-      c.at = well.at;
-      c.unknown = source.unknown;
-      c.head = well.value;
-      s.controls.push_back(c);
+      AddPoint(s, well.at, source.unknown, well.value, Condition::kHead);
     }
     s.wells.push_back(source);
   }
+  for (std::size_t i = 0; i < s.model.partial_wells.size(); ++i) {
+    const PartialWell& well = s.model.partial_wells[i];
+    WellSource source{well.at, well.radius, well.by_head ? 0.0 : well.value, -1};
+    if (s.Ignored(well.at)) {
+      source.discharge = 0.0;
+    } else if (well.by_head) {
+      source.unknown = s.NewUnknown();
+      AddPoint(s, well.at, source.unknown, well.value, Condition::kScreen, int(i));
+    }
+    s.partial_wells.push_back(source);
+  }
+  for (const TheisRecord& record : s.model.theis)
+    if (!s.Ignored(record.at)) s.theis.emplace_back(record, s.zones.At(record.at).conductivity);
 }
 
 void BuildDisks(System& s) {
   for (const SinkDisk& disk : s.model.disks) {
     DiskSource source{disk.at, disk.radius, disk.by_head ? 0.0 : disk.value, -1};
-    if (disk.by_head) {
+    if (s.Ignored(disk.at)) {
+      source.rate = 0.0;
+    } else if (disk.by_head) {
       source.unknown = s.NewUnknown();
-      Control c;
-      c.at = disk.at;
-      c.unknown = source.unknown;
-      c.head = disk.value;
-      s.controls.push_back(c);
+      AddPoint(s, disk.at, source.unknown, disk.value, Condition::kHead);
     }
     s.disks.push_back(source);
   }
 }
 
-void BuildAreas(System& s) {
-  for (std::size_t d = 0; d < s.rings.size(); ++d)
-    if (s.model.domains[d].recharge_sink != 0.0 && s.rings[d].size() >= 3)
-      s.areas.emplace_back(s.rings[d], s.model.domains[d].recharge_sink);
+bool HasOneZone(Condition c) {
+  return KindOf(c) == FieldKind::kPotential && c != Condition::kEdge && c != Condition::kWallHead;
 }
 
 }  // namespace
@@ -85,22 +102,30 @@ void System::Build() {
   extent = Extent(model);
   tolerance = 2e-7 * std::max({extent.Diagonal(), std::abs(extent.Middle()), 1e-3});
   origin = model.aquifer.reference_point;
-  Arrangement arrangement = Arrange(*this);
+  const Arrangement arrangement = Arrange(*this);
   zones = Zones(model.aquifer, model.domains, rings);
+  FindIgnored(*this);
+  if (refused) return;
   BuildReference(*this);
   BuildWells(*this);
   BuildDisks(*this);
   BuildAreas(*this);
-  BuildStrings(*this);
+  if (refused) return;
+  PlanStrings(*this);
+  if (refused) return;
   BuildJumps(*this, arrangement);
+  BuildStrings(*this);
+  if (refused) return;
   for (Control& c : controls)
-    if (c.condition != Condition::kEdge && c.condition != Condition::kWall) c.zone = ZoneAt(c.at, c.toward);
+    if (HasOneZone(c.condition)) c.zone = ZoneAt(c.at, c.toward);
+  WeighLoops(*this);
   SetCoefficients();
 }
 
 void System::SetCoefficients() {
-  for (WellSource& w : wells)
-    if (w.unknown >= 0) w.discharge = x[w.unknown];
+  for (std::vector<WellSource>* list : {&wells, &partial_wells})
+    for (WellSource& w : *list)
+      if (w.unknown >= 0) w.discharge = x[w.unknown];
   for (DiskSource& d : disks)
     if (d.unknown >= 0) d.rate = x[d.unknown];
   for (std::size_t p = 0; p < pieces.size(); ++p) {

@@ -23,7 +23,8 @@ void CheckStringHeads(const System& s, Checks* checks) {
     std::vector<double> errors(string.segments.size(), 0.0);
     ParallelFor(s.options.threads, errors.size(), [&](std::size_t begin, std::size_t end) {
       for (std::size_t i = begin; i < end; ++i)
-        for (int p : s.segment_pieces[k][i]) errors[i] = std::max(errors[i], PieceHeadError(s, p, stage));
+        if (const int flag = s.flag_of[k][i]; flag < 0 || s.flags[flag] == 0)
+          for (int p : s.segment_pieces[k][i]) errors[i] = std::max(errors[i], PieceHeadError(s, p, stage));
     });
     for (std::size_t i = 0; i < errors.size(); ++i)
       Worse(&checks->line_sink_head, errors[i], string.segments[i].origin.label);
@@ -52,6 +53,36 @@ void CheckEdges(const System& s, Checks* checks) {
       Worse(&checks->domain_head_jump, errors[e], s.model.domains[s.edges[e].domain].origin.label);
 }
 
+/// Flow across sixths of every piece of a wall that lets nothing through, and the flow there without the
+/// walls.
+void CheckWalls(const System& s, Checks* checks) {
+  std::vector<double> errors(s.edges.size(), 0.0), flows(s.edges.size(), 0.0);
+  ParallelFor(s.options.threads, errors.size(), [&](std::size_t begin, std::size_t end) {
+    for (std::size_t e = begin; e < end; ++e) {
+      const JumpEdge& edge = s.edges[e];
+      if (edge.wall < 0 || s.model.walls[edge.wall].conductivity != 0.0) continue;
+      Flow without = s.Around(0.5 * (edge.from + edge.to));
+      for (std::size_t p = 0; p < s.pieces.size(); ++p)
+        if (s.pieces[p].kind == PieceKind::kSink)
+          without.w += Evaluate(s.pieces[p], &s.coefficients[p * kMaxBasis], s.moments[p],
+                                0.5 * (edge.from + edge.to), Side::kMean)
+                           .w;
+      flows[e] = std::abs(without.w);
+      for (int p : edge.pieces)
+        for (int i = 0; i < 6; ++i) {
+          const Piece& piece = s.pieces[p];
+          const Complex a = piece.Global(-0.96 + 0.32 * i), b = piece.Global(-0.64 + 0.32 * i);
+          errors[e] = std::max(errors[e], std::abs(Flux(s, a, b)) / std::abs(b - a));
+        }
+    }
+  });
+  for (std::size_t e = 0; e < errors.size(); ++e) {
+    checks->undisturbed_flow = std::max(checks->undisturbed_flow, flows[e]);
+    if (s.edges[e].wall >= 0)
+      Worse(&checks->wall_leakage, errors[e], s.model.walls[s.edges[e].wall].origin.label);
+  }
+}
+
 }  // namespace
 
 Checks Check(const System& s) {
@@ -60,6 +91,7 @@ Checks Check(const System& s) {
   checks.head_range = HeadRange(s);
   CheckStringHeads(s, &checks);
   CheckEdges(s, &checks);
+  CheckWalls(s, &checks);
   return checks;
 }
 
@@ -72,6 +104,7 @@ Balance WaterBalance(const System& s) {
     entering += std::max(0.0, -discharge);
   };
   for (const WellSource& w : s.wells) count(w.discharge, &b.wells);
+  for (const WellSource& w : s.partial_wells) count(w.discharge, &b.partial_wells);
   for (const DiskSource& d : s.disks) count(d.rate * M_PI * d.radius * d.radius, &b.disks);
   for (const AreaSource& a : s.areas) count(a.Rate() * a.Area(), &b.recharge);
   for (std::size_t k = 0; k < s.model.line_sinks.size(); ++k) {
@@ -88,14 +121,16 @@ Balance WaterBalance(const System& s) {
   ParallelFor(s.options.threads, kPoints, [&](std::size_t begin, std::size_t end) {
     for (std::size_t i = begin; i < end; ++i) {
       const Complex ray = std::polar(1.0, 2.0 * M_PI * double(i) / kPoints);
-      outward[i] = Dot(std::conj(s.Field(centre + radius * ray, {}).w), ray);
+      outward[i] = Dot(std::conj(s.SteadyField(centre + radius * ray, {}).w), ray);
     }
   });
   for (double q : outward) b.infinity += q * 2.0 * M_PI * radius / kPoints;
   if (b.infinity < 0.0) entering -= b.infinity;
+  for (const auto& [record, conductivity] : s.theis)
+    if (s.time > record.time) b.theis_wells += record.rate;
   b.throughflow = entering;
-  b.error = b.wells + b.partial_wells + b.theis_wells + b.disks + b.line_sinks_discharge + b.line_sinks_head +
-            b.drains + b.streams + b.recharge + b.infinity;
+  b.error = b.wells + b.partial_wells + b.disks + b.line_sinks_discharge + b.line_sinks_head + b.drains +
+            b.streams + b.recharge + b.infinity;
   return b;
 }
 

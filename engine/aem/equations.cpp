@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "aem/partial.h"
+#include "aem/strings.h"
+
 namespace aem::detail {
 
 namespace {
@@ -23,30 +26,110 @@ Linearised LineariseEdge(const Control& c, double field, double jump) {
   return l;
 }
 
+/// Inflow per length w (h - stage)/c above the bed's bottom, -w d/c below; written for the potential by one
+/// Newton step on the head, so that the field keeps a factor of one.
+Linearised LineariseBed(const LineSinkString& string, const Control& c, double field) {
+  const double slope = c.zone.Slope(field), head = c.zone.Head(field);
+  const double width = EffectiveWidth(string, c.zone.conductivity * c.zone.Thickness(field));
+  const double factor = slope * string.resistance / width;
+  if (string.kind != LineSinkKind::kDrain && head < c.head - string.depth)
+    return {0.0, -factor, slope * string.depth};
+  return {1.0, -factor, field - slope * (head - c.head)};
+}
+
+/// Flow through a leaky wall is conductivity/thickness times the mean saturated thickness times the
+/// difference in head.  Between equal zones this is the jump over k, confined or unconfined alike.
+double WallFactor(const Wall& wall, const Zone& zone) {
+  return wall.conductivity > 0.0 ? wall.conductivity / (wall.thickness * zone.conductivity) : 0.0;
+}
+
+Linearised LineariseWall(const System& s, const Control& c) {
+  const Wall& wall = s.model.walls[s.edges[s.owners[c.piece].edge].wall];
+  return {1.0, c.zone == c.right ? -WallFactor(wall, c.zone) : 0.0, 0.0};
+}
+
+/// Between two zones the leakage depends on both potentials: one Newton step on it.
+Linearised LineariseWallHead(const System& s, const Control& c, double field, double jump) {
+  const Wall& wall = s.model.walls[s.edges[s.owners[c.piece].edge].wall];
+  const double left = field + 0.5 * jump, right = field - 0.5 * jump;
+  const double mean = 0.5 * (c.zone.Thickness(left) + c.right.Thickness(right));
+  const double conductance =
+      wall.conductivity / wall.thickness * std::max(mean, 1e-3 * c.zone.full_thickness);
+  const double dl = conductance / c.zone.Slope(left), dr = conductance / c.right.Slope(right);
+  const double flow = conductance * (c.zone.Head(left) - c.right.Head(right));
+  Linearised l{-(dl - dr), -0.5 * (dl + dr), 0.0};
+  l.r = l.a * field + l.b * jump + flow;
+  return l;
+}
+
 }  // namespace
 
-Linearised Linearise(const System&, const Control& c, double field, double strength) {
+double EffectiveWidth(const LineSinkString& string, double transmissivity) {
+  const double w = string.width, length = std::sqrt(std::max(transmissivity, 1e-30) * string.resistance);
+  switch (string.location) {
+    case BedLocation::kUnknown:
+      return w;
+    case BedLocation::kCentreline:
+      return 2.0 * length * std::tanh(0.5 * w / length);
+    case BedLocation::kWaterEdge:
+      return length * std::tanh(w / length);
+  }
+  return w;
+}
+
+double ScreenFactor(const PartialWell& well, const Zone& zone, double potential) {
+  return PartialCorrection(well, zone, std::max(zone.Thickness(potential), 1e-3 * zone.full_thickness))
+      .OnScreen();
+}
+
+Linearised Linearise(const System& s, const Control& c, double field, double strength) {
+  if (c.piece >= 0 && s.owners[c.piece].string >= 0) {
+    const PieceOwner& o = s.owners[c.piece];
+    const LineSinkString& string = s.model.line_sinks[o.string];
+    const int flag = s.flag_of[o.string][o.segment];
+    if (flag >= 0 && s.flags[flag] != 0) {
+      const LineSinkSegment& g = string.segments[o.segment];
+      const double scale = 1.0 / std::abs(g.to - g.from);
+      return {0.0, 1.0, -s.carried_given[flag] * scale, flag, scale};
+    }
+    if (c.condition == Condition::kResistance) return LineariseBed(string, c, field);
+  }
   switch (c.condition) {
     case Condition::kHead:
+    case Condition::kResistance:
       return {1.0, 0.0, c.zone.Potential(c.head)};
+    case Condition::kScreen: {
+      const PartialWell& well = s.model.partial_wells[c.element];
+      return {1.0, ScreenFactor(well, c.zone, field), c.zone.Potential(c.head)};
+    }
     case Condition::kEdge:
       return LineariseEdge(c, field, strength);
-    case Condition::kResistance:
     case Condition::kWall:
-      break;
+      return LineariseWall(s, c);
+    case Condition::kWallStream:
+      return {1.0, 0.0, 0.0};
+    case Condition::kWallHead:
+      return LineariseWallHead(s, c, field, strength);
+    case Condition::kNone:
+      return {0.0, 1.0, 0.0};
   }
   return {};
 }
 
-bool DependsOnHead(const System&, const Control& c) {
+bool DependsOnHead(const System& s, const Control& c) {
   switch (c.condition) {
     case Condition::kHead:
-      return false;
+      return c.piece >= 0 && s.flag_of[s.owners[c.piece].string][s.owners[c.piece].segment] >= 0;
     case Condition::kEdge:
       return !c.zone.SameHeads(c.right);
-    case Condition::kResistance:
     case Condition::kWall:
-      break;
+    case Condition::kWallStream:
+    case Condition::kNone:
+      return false;
+    case Condition::kResistance:
+    case Condition::kScreen:
+    case Condition::kWallHead:
+      return true;
   }
   return true;
 }
@@ -56,44 +139,88 @@ LocalRow LocalValues(const System& s, const Control& c) {
   if (c.piece < 0) {
     row.count = 1;
     row.unknown[0] = c.unknown;
-    row.value[0] = 1.0;
+    row.value[0] = row.test[0] = 1.0;
     return row;
   }
   const Piece& piece = s.pieces[c.piece];
-  std::array<double, kMaxBasis> values{};
-  BasisValues(piece, c.parameter, values.data(), nullptr);
+  std::array<double, kMaxBasis> values{}, slopes{};
+  const bool by_slope = c.condition == Condition::kWallStream && !c.at_end;
+  BasisValues(piece, c.parameter, values.data(), by_slope ? slopes.data() : nullptr);
   for (const Term& t : s.terms[c.piece]) {
-    double sum = 0.0;
-    for (int n = 0; n < piece.size; ++n) sum += t.coefficient[n] * values[n];
+    double value = 0.0, slope = 0.0;
+    for (int n = 0; n < piece.size; ++n) {
+      value += t.coefficient[n] * values[n];
+      slope += t.coefficient[n] * slopes[n];
+    }
     row.unknown[row.count] = t.unknown;
-    row.value[row.count++] = sum;
+    const bool left_to_edges = KindOf(c.condition) != FieldKind::kPotential &&
+                               std::size_t(t.unknown) < s.edge_only.size() && s.edge_only[t.unknown] != 0;
+    row.test[row.count] = left_to_edges ? 0.0 : by_slope ? slope : value;
+    row.value[row.count++] = value;
   }
   return row;
 }
 
+namespace {
+
+/// One number of a flow as the control point sees it.
+double Seen(const Control& c, FieldKind kind, const Flow& f) {
+  if (kind == FieldKind::kPotential) return f.omega.real();
+  if (kind == FieldKind::kDoubletStream) return f.omega.imag();
+  return -Dot(std::conj(f.w), c.toward);  // towards the right of the wall
+}
+
+bool Counts(FieldKind kind, PieceKind piece) {
+  return kind == FieldKind::kPotential ||
+         (kind == FieldKind::kDoubletStream) == (piece == PieceKind::kDoublet);
+}
+
+Side SeenFrom(const Control& c, FieldKind kind, const Piece& piece) {
+  if (kind == FieldKind::kNormalFlow) return Side::kMean;
+  return {c.toward * std::conj(piece.to - piece.from), c.toward == Complex{}};
+}
+
+}  // namespace
+
 void InfluenceRow(const System& s, const Control& c, double* row) {
   std::fill(row, row + s.x.size(), 0.0);
-  row[0] = 1.0;
-  for (const WellSource& w : s.wells)
-    if (w.unknown >= 0) row[w.unknown] += WellInfluence(w, c.at).omega.real();
-  for (const DiskSource& d : s.disks)
-    if (d.unknown >= 0) row[d.unknown] += DiskInfluence(d, c.at).omega.real();
+  const FieldKind kind = KindOf(c.condition);
+  if (kind == FieldKind::kPotential) row[0] = 1.0;
+  if (kind != FieldKind::kDoubletStream) {
+    for (const std::vector<WellSource>* list : {&s.wells, &s.partial_wells})
+      for (const WellSource& w : *list)
+        if (w.unknown >= 0) row[w.unknown] += Seen(c, kind, WellInfluence(w, c.at));
+    for (const DiskSource& d : s.disks)
+      if (d.unknown >= 0) row[d.unknown] += Seen(c, kind, DiskInfluence(d, c.at));
+  }
   std::array<Flow, kMaxBasis> basis;
   for (std::size_t p = 0; p < s.pieces.size(); ++p) {
-    if (s.terms[p].empty()) continue;
     const Piece& piece = s.pieces[p];
-    if (int(p) == c.piece) {
+    if (s.terms[p].empty() || !Counts(kind, piece.kind)) continue;
+    if (int(p) == c.piece)
       InfluenceOnSelf(piece, c.parameter, basis.data());
-    } else {
-      const bool left = Cross(piece.to - piece.from, c.toward) >= 0.0;
-      Influence(piece, c.at, left ? Side::kLeft : Side::kRight, basis.data());
-    }
+    else
+      Influence(piece, c.at, SeenFrom(c, kind, piece), basis.data());
     for (const Term& t : s.terms[p]) {
       double sum = 0.0;
-      for (int n = 0; n < piece.size; ++n) sum += t.coefficient[n] * basis[n].omega.real();
+      for (int n = 0; n < piece.size; ++n) sum += t.coefficient[n] * Seen(c, kind, basis[n]);
       row[t.unknown] += sum;
     }
   }
+}
+
+double FieldAtControl(const System& s, const Control& c) {
+  const FieldKind kind = KindOf(c.condition);
+  if (kind == FieldKind::kDoubletStream) return 0.0;
+  Flow sum = s.Around(c.at);
+  for (std::size_t p = 0; p < s.pieces.size(); ++p) {
+    if (!Counts(kind, s.pieces[p].kind) || int(p) == c.piece) continue;
+    const Flow f = Evaluate(s.pieces[p], &s.coefficients[p * kMaxBasis], s.moments[p], c.at,
+                            SeenFrom(c, kind, s.pieces[p]));
+    sum.omega += f.omega;
+    sum.w += f.w;
+  }
+  return Seen(c, kind, sum);
 }
 
 }  // namespace aem::detail

@@ -10,23 +10,36 @@ namespace aem::detail {
 /// a * field + b * strength = r at a control point, from the present iterate.
 struct Linearised {
   double a = 1.0, b = 0.0, r = 0.0;
+  int coupled = -1;    ///< a limited reach: the flow carried there enters too, index in System::carried_terms
+  double scale = 0.0;  ///< with this factor
 };
 
-/// Field: potential (mean of both sides on a doublet).  Strength: density or jump at the point.
+/// Field: what FieldKind says.  Strength: density, jump, or the discharge of a well.
 Linearised Linearise(const System& system, const Control& control, double field, double strength);
 
 /// Whether the condition changes with the head, so that one solution is not enough.
 bool DependsOnHead(const System& system, const Control& control);
 
-/// A strength at control point q as a sum over unknowns; also the test functions of q.
+/// Strength at a control point as a sum over unknowns, and the test functions of the point.
 struct LocalRow {
   int count = 0;
   std::array<int, 2 * kMaxBasis> unknown{};
   std::array<double, 2 * kMaxBasis> value{};
+  std::array<double, 2 * kMaxBasis> test{};
 };
 LocalRow LocalValues(const System& system, const Control& control);
 
-/// What every unknown gives at a control point: row of `unknowns` potentials.
+/// What every unknown gives to the field at a control point: a row of `unknowns` values.
 void InfluenceRow(const System& system, const Control& control, double* row);
+
+/// The same field from everything with its present strength; transient wells left out.
+double FieldAtControl(const System& system, const Control& control);
+
+/// Width of a bed in force at a point (contract of the deck's location code): w, 2 L tanh(w/2L) along the
+/// centreline or L tanh(w/L) along the water's edge, L = sqrt(T c).
+double EffectiveWidth(const LineSinkString& string, double transmissivity);
+
+/// Head loss over the screen of a partially penetrating well per unit discharge, in terms of potential.
+double ScreenFactor(const PartialWell& well, const Zone& zone, double potential);
 
 }  // namespace aem::detail

@@ -11,19 +11,33 @@ namespace {
 
 Side SideOf(const Piece& piece, Complex toward) {
   if (toward == Complex{}) return piece.kind == PieceKind::kDoublet ? Side::kLeft : Side::kMean;
-  return Cross(piece.to - piece.from, toward) > 0.0 ? Side::kLeft : Side::kRight;
+  return {toward * std::conj(piece.to - piece.from), false};
 }
 
 }  // namespace
 
-Flow System::Field(Complex at, Complex toward) const {
+namespace {
+
+/// A direction to the left of an edge; at its ends close to the edge, so that no other edge lies between.
+Complex LeftOf(const JumpEdge& edge, Complex at) {
+  const Complex along = edge.to - edge.from;
+  const double position = Dot(at - edge.from, along) / std::norm(along);
+  if (position < 1e-9) return along * std::polar(1.0, 0.05);
+  if (position > 1.0 - 1e-9) return -along * std::polar(1.0, -0.05);
+  return along * Complex{0.0, 1.0};
+}
+
+}  // namespace
+
+Flow System::Around(Complex at) const {
   const Complex uniform = model.aquifer.uniform_flow;
   Flow sum{x[0] - std::conj(uniform) * (at - origin), std::conj(uniform)};
-  for (const WellSource& w : wells) {
-    const Flow f = WellInfluence(w, at);
-    sum.omega += w.discharge * f.omega;
-    sum.w += w.discharge * f.w;
-  }
+  for (const std::vector<WellSource>* list : {&wells, &partial_wells})
+    for (const WellSource& w : *list) {
+      const Flow f = WellInfluence(w, at);
+      sum.omega += w.discharge * f.omega;
+      sum.w += w.discharge * f.w;
+    }
   for (const DiskSource& d : disks) {
     const Flow f = DiskInfluence(d, at);
     sum.omega += d.rate * f.omega;
@@ -34,6 +48,27 @@ Flow System::Field(Complex at, Complex toward) const {
     sum.omega += f.omega;
     sum.w += f.w;
   }
+  return sum;
+}
+
+bool System::Ignored(Complex at) const {
+  for (const IgnoredRegion& r : ignored)
+    if (Contains(r.ring, at) == r.inside) return true;
+  return false;
+}
+
+Flow System::Field(Complex at, Complex toward) const {
+  Flow sum = SteadyField(at, toward);
+  for (const auto& [record, conductivity] : theis) {
+    const Flow f = TheisInfluence(record, conductivity, time, at);
+    sum.omega += f.omega;
+    sum.w += f.w;
+  }
+  return sum;
+}
+
+Flow System::SteadyField(Complex at, Complex toward) const {
+  Flow sum = Around(at);
   for (std::size_t p = 0; p < pieces.size(); ++p) {
     const Flow f =
         Evaluate(pieces[p], &coefficients[p * kMaxBasis], moments[p], at, SideOf(pieces[p], toward));
@@ -52,7 +87,8 @@ int System::EdgeAt(Complex at) const {
   for (int e : found) {
     const Complex along = edges[e].to - edges[e].from;
     const Complex local = (2.0 * at - edges[e].from - edges[e].to) / along;
-    if (std::abs(local.imag()) < 2e-12 && std::abs(local.real()) <= 1.0) return e;
+    const double rounding = 4e-15 * (std::abs(at.real()) + std::abs(at.imag())) / std::abs(along);
+    if (std::abs(local.imag()) < 2e-12 + rounding && std::abs(local.real()) <= 1.0) return e;
   }
   return -1;
 }
@@ -67,9 +103,9 @@ Zone System::ZoneAt(Complex at, Complex toward) const {
 
 PointState System::State(Complex at, Complex toward) const {
   PointState state;
-  if (refused) return state;
+  if (refused || Ignored(at)) return state;
   const int e = EdgeAt(at);
-  if (e >= 0 && toward == Complex{}) toward = (edges[e].to - edges[e].from) * Complex{0.0, 1.0};
+  if (e >= 0 && toward == Complex{}) toward = LeftOf(edges[e], at);
   const Zone zone = ZoneAt(at, toward);
   const Flow flow = Field(at, toward);
   state.potential = flow.omega.real();

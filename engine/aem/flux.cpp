@@ -91,7 +91,17 @@ double Flux(const System& s, Complex from, Complex to) {
   if (s.refused || from == to) return 0.0;
   const Complex uniform = s.model.aquifer.uniform_flow;
   double sum = Dot(uniform, (to - from) * Complex{0.0, -1.0});
-  for (const WellSource& w : s.wells) sum -= w.discharge / (2.0 * kPi) * AngleSeen(w.at, from, to);
+  for (const std::vector<WellSource>* list : {&s.wells, &s.partial_wells})
+    for (const WellSource& w : *list) sum -= w.discharge / (2.0 * kPi) * AngleSeen(w.at, from, to);
+  for (const auto& [record, conductivity] : s.theis) {
+    const auto flow = [&record = record, k = conductivity, &s](Complex z) {
+      return std::conj(TheisInfluence(record, k, s.time, z).w);
+    };
+    const double foot = NearestOnSegment(from, to, record.at).position;
+    const Complex middle = from + foot * (to - from);
+    if (middle != from) sum += Integrate(flow, from, middle, std::abs(record.rate), 20);
+    if (middle != to) sum += Integrate(flow, middle, to, std::abs(record.rate), 20);
+  }
   for (const DiskSource& d : s.disks) sum += DiskFlux(d, from, to);
   for (const AreaSource& a : s.areas) sum += AreaFlux(a, from, to);
   for (std::size_t p = 0; p < s.pieces.size(); ++p) {

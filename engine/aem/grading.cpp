@@ -16,7 +16,7 @@ int Levels(EndShape e) {
   if (turn < 0.03) return 0;
   if (turn < 0.2) return 1;
   if (turn < 0.7) return 2;
-  return 3;
+  return turn < 1.9 ? 3 : 5;
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "aem/arrangement.h"
 #include "aem/grading.h"
+#include "aem/refine.h"
 #include "aem/system.h"
 
 namespace aem::detail {
@@ -30,6 +31,7 @@ struct Junction {
 struct Ends {
   Combination start, end;  ///< of each edge
   EndShape start_shape, end_shape;
+  bool start_mixed = false, end_mixed = false;  ///< walls and edges without a wall meet there
 };
 
 double TurnAt(const std::vector<std::pair<double, int>>& around, std::size_t i) {
@@ -38,12 +40,26 @@ double TurnAt(const std::vector<std::pair<double, int>>& around, std::size_t i) 
 }
 
 /// Levels of the sectors around a node become unknowns; every edge gets its jump there.
-void MakeNode(System& s, Junction* node, std::vector<Ends>* ends) {
+void MakeNode(System& s, Junction* node, bool on_string, std::vector<Ends>* ends) {
   auto& around = node->edges;
   std::sort(around.begin(), around.end());
   const std::size_t m = around.size();
   std::vector<int> level(m, -1);
-  for (std::size_t i = 1; i < m; ++i) level[i] = s.NewUnknown();
+  bool any_wall = false, any_edge = false;
+  for (const auto& [angle, e] : around) {
+    const bool wall = s.edges[e < 0 ? -e - 1 : e].wall >= 0;
+    any_wall = any_wall || wall;
+    any_edge = any_edge || !wall;
+  }
+  const auto walls = std::count_if(around.begin(), around.end(), [&](const auto& a) {
+    return s.edges[a.second < 0 ? -a.second - 1 : a.second].wall >= 0;
+  });
+  const bool edges_decide = walls == 1 && m > 1;
+  for (std::size_t i = 1; i < m; ++i) {
+    level[i] = s.NewUnknown();
+    s.edge_only.resize(s.x.size(), 0);
+    s.edge_only.back() = edges_decide ? 1 : 0;
+  }
   for (std::size_t i = 0; i < m; ++i) {
     // Sector i lies counter-clockwise of edge i: left of it, seen from the node.
     const int left = level[i], right = level[(i + m - 1) % m];
@@ -55,13 +71,16 @@ void MakeNode(System& s, Junction* node, std::vector<Ends>* ends) {
       if (left >= 0) jump.emplace_back(left, sign);
       if (right >= 0) jump.emplace_back(right, -sign);
     }
-    const EndShape shape{m == 1, m == 1 ? 0.0 : TurnAt(around, i)};
+    const double turn = m == 1 ? 0.0 : any_wall && any_edge ? 2.0 : on_string ? 1.0 : TurnAt(around, i);
+    const EndShape shape{m == 1, turn};
     if (arrives) {
       (*ends)[edge].end = jump;
       (*ends)[edge].end_shape = shape;
+      (*ends)[edge].end_mixed = any_wall && any_edge && !edges_decide;
     } else {
       (*ends)[edge].start = jump;
       (*ends)[edge].start_shape = shape;
+      (*ends)[edge].start_mixed = any_wall && any_edge && !edges_decide;
     }
   }
 }
@@ -114,16 +133,69 @@ void AddControls(System& s, int index, bool reversed) {
     c.at = p.Global(PositionOf(p, c.parameter));
     c.toward = p.Direction() * Complex{0.0, 1.0};
     c.piece = index;
-    c.condition = edge.wall >= 0 ? Condition::kWall : Condition::kEdge;
     c.zone = reversed ? edge.right : edge.left;
     c.right = reversed ? edge.left : edge.right;
+    if (edge.wall < 0) {
+      c.condition = Condition::kEdge;
+      s.controls.push_back(c);
+      continue;
+    }
+    // integral of v times the flow, by parts for the doublets: minus integral v Psi' = integral v' Psi - [v
+    // Psi]
+    c.condition = Condition::kWall;
     s.controls.push_back(c);
+    c.condition = Condition::kWallStream;
+    s.controls.push_back(c);
+    if (s.model.walls[edge.wall].conductivity > 0.0 && c.zone != c.right) {
+      c.condition = Condition::kWallHead;
+      s.controls.push_back(c);
+    }
   }
+}
+
+/// The term [v Psi] at an end of a wall's piece.  Where walls meet walls only, these cancel around the node.
+void AddEndTerm(System& s, int index, bool at_from) {
+  const Piece& p = s.pieces[index];
+  if (s.edges[s.owners[index].edge].wall < 0 || (p.tip && !at_from)) return;
+  constexpr double kInward = 1e-6;
+  Control c;
+  c.parameter = at_from ? ParameterOf(p, -1.0 + kInward) : 1.0 - kInward;
+  c.weight = at_from ? 1.0 : -1.0;
+  c.at = p.Global(PositionOf(p, c.parameter));
+  c.toward = p.Direction() * Complex{0.0, 1.0};
+  c.piece = index;
+  c.condition = Condition::kWallStream;
+  c.at_end = true;
+  s.controls.push_back(c);
+}
+
+/// Where pieces of line-sinks that lie on the edge end: both must be divided alike to meet two conditions.
+std::vector<double> StringEnds(const System& s, Complex from, Complex to) {
+  std::vector<double> positions;
+  Box box;
+  box.Add(from);
+  box.Add(to);
+  box.Grow(s.tolerance);
+  std::vector<int> found;
+  s.segment_index.Find(box, &found);
+  for (int k : found) {
+    const auto [string, segment] = s.segment_of[k];
+    const LineSinkSegment& g = s.model.line_sinks[string].segments[segment];
+    const double reach = 2.0 * s.tolerance;
+    if (NearestOnSegment(from, to, 0.5 * (g.from + g.to)).distance > reach) continue;
+    for (const Part& part : s.segment_parts[string][segment])
+      for (double t : {part.start, part.end}) {
+        const Nearest near = NearestOnSegment(from, to, g.from + t * (g.to - g.from));
+        if (near.distance <= reach) positions.push_back(near.position);
+      }
+  }
+  return positions;
 }
 
 void MakePieces(System& s, int e, const Ends& ends) {
   const Complex from = s.edges[e].from, to = s.edges[e].to;
-  const std::vector<Part> parts = Divide(ends.start_shape, ends.end_shape);
+  const std::vector<Part> parts =
+      CutAt(NearWells(s, from, to, Divide(ends.start_shape, ends.end_shape)), StringEnds(s, from, to));
   Combination at_start = ends.start;
   for (std::size_t i = 0; i < parts.size(); ++i) {
     const Part& part = parts[i];
@@ -143,9 +215,26 @@ void MakePieces(System& s, int e, const Ends& ends) {
     const int index = s.AddPiece(piece, owner);
     MakeTerms(s, index, reversed ? at_end : at_start, reversed ? at_start : at_end, reversed ? -1.0 : 1.0);
     AddControls(s, index, reversed);
+    if (i == 0 && ends.start_mixed) AddEndTerm(s, index, !reversed);
+    if (i + 1 == parts.size() && ends.end_mixed) AddEndTerm(s, index, reversed);
     s.edges[e].pieces.push_back(index);
     at_start = at_end;
   }
+}
+
+}  // namespace
+
+namespace {
+
+/// Edges within ignored ground carry nothing.
+bool Skipped(const System& s, int wall, Complex middle, Complex aside) {
+  for (const IgnoredRegion& r : s.ignored) {
+    if (r.wall == wall) continue;
+    const bool left = Contains(r.ring, middle + aside) == r.inside,
+               right = Contains(r.ring, middle - aside) == r.inside;
+    if (left && right) return true;
+  }
+  return false;
 }
 
 }  // namespace
@@ -166,6 +255,7 @@ void BuildJumps(System& s, const Arrangement& arrangement) {
     edge.right = s.zones.At(middle - aside);
     const bool differ = edge.left.conductivity != edge.right.conductivity || !edge.left.SameHeads(edge.right);
     if (e.wall < 0 && !differ) continue;
+    if (Skipped(s, e.wall, middle, aside)) continue;
     const int index = int(s.edges.size());
     const double leaving = std::arg(edge.to - edge.from);
     nodes[e.from].edges.emplace_back(leaving, index);
@@ -174,8 +264,8 @@ void BuildJumps(System& s, const Arrangement& arrangement) {
     s.edges.push_back(std::move(edge));
   }
   std::vector<Ends> ends(s.edges.size());
-  for (Junction& node : nodes)
-    if (!node.edges.empty()) MakeNode(s, &node, &ends);
+  for (std::size_t i = 0; i < nodes.size(); ++i)
+    if (!nodes[i].edges.empty()) MakeNode(s, &nodes[i], arrangement.on_string[i], &ends);
   for (std::size_t e = 0; e < s.edges.size(); ++e) MakePieces(s, int(e), ends[e]);
   s.edge_index = SegmentIndex(lines);
 }

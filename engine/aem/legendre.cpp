@@ -49,32 +49,44 @@ Rule MakeRule(int n) {
 
 }  // namespace
 
-Complex LegendreQ0(Complex z, Side side) {
-  const Complex upper = SafeLog(z + 1.0), lower = SafeLog(z - 1.0);
-  if (!OnSegment(z)) return 0.5 * (upper - lower);
-  const double cut = side == Side::kMean ? 0.0 : side == Side::kLeft ? -0.5 : 0.5;
+/// ln of the distance to an end of the segment; at the end itself the angle is that of a point beside it.
+Complex EndLog(Complex a, Side side) {
+  Complex log = SafeLog(a);
+  if (a == Complex{}) log = {log.real(), side.mean ? 0.0 : std::arg(side.toward)};
+  return log;
+}
+
+Complex LegendreQ0(const LocalPoint& p, Side side) {
+  const Complex upper = EndLog(p.plus, side);
+  Complex lower = EndLog(p.minus, side);
+  if (p.plus == Complex{})  // seen from the start, the end lies at half a turn of the side's sign
+    lower = {lower.real(), side.mean ? 0.0 : side.Left() ? std::numbers::pi : -std::numbers::pi};
+  if (!OnSegment(p.z)) return 0.5 * (upper - lower);
+  const double cut = side.mean ? 0.0 : side.Left() ? -0.5 : 0.5;
   return {0.5 * (upper.real() - lower.real()), cut * std::numbers::pi};
 }
 
-void LegendreQ(Complex z, Side side, int top, Complex* q) {
-  q[0] = LegendreQ0(z, side);
+void LegendreQ(const LocalPoint& p, Side side, int top, Complex* q) {
+  const Complex z = p.z;
+  q[0] = LegendreQ0(p, side);
   if (top >= 1) q[1] = z * q[0] - 1.0;
   for (int n = 1; n < top; ++n) q[n + 1] = ((2.0 * n + 1.0) * z * q[n] - double(n) * q[n - 1]) / (n + 1.0);
 }
 
-void LegendreQPrime(Complex z, int top, const Complex* q, Complex* dq) {
-  Complex d = 1.0 - z * z;
+void LegendreQPrime(const LocalPoint& p, int top, const Complex* q, Complex* dq) {
+  const Complex z = p.z;
+  Complex d = -p.plus * p.minus;
   if (std::abs(d) < kTiny) d = kTiny;
   dq[0] = 1.0 / d;
   if (top >= 1) dq[1] = q[0] + z * dq[0];
   for (int n = 1; n < top; ++n) dq[n + 1] = dq[n - 1] + (2.0 * n + 1.0) * q[n];
 }
 
-Complex LogIntegral(Complex z, Side side) {
-  const Complex a = z + 1.0, b = z - 1.0;
+Complex LogIntegral(const LocalPoint& p, Side side) {
+  const Complex z = p.z, a = p.plus, b = p.minus;
   Complex log_b = SafeLog(b);
   if (OnSegment(z)) {
-    const double turn = side == Side::kMean ? 0.0 : side == Side::kLeft ? 1.0 : -1.0;
+    const double turn = side.mean ? 0.0 : side.Left() ? 1.0 : -1.0;
     log_b = {log_b.real(), turn * std::numbers::pi};
   }
   return a * SafeLog(a) - b * log_b - 2.0;

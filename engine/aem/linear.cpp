@@ -25,11 +25,11 @@ void ScaleRows(std::vector<double>* matrix, std::vector<double>* right, std::siz
   }
 }
 
-/// right - matrix x, and the largest entry relative to the size of its terms.
+/// right - matrix x, and its largest entry relative to the largest sum of terms of any row.
 double Residual(const std::vector<double>& matrix, const std::vector<double>& right,
                 const std::vector<double>& x, std::vector<double>* residual) {
   const std::size_t n = right.size();
-  double worst = 0.0;
+  double worst = 0.0, largest = 1e-300;
   for (std::size_t i = 0; i < n; ++i) {
     const double* row = matrix.data() + i * n;
     double sum = right[i], size = std::abs(right[i]);
@@ -39,9 +39,10 @@ double Residual(const std::vector<double>& matrix, const std::vector<double>& ri
     }
     (*residual)[i] = sum;
     if (!std::isfinite(sum)) return 2.0;
-    if (size > 0.0) worst = std::max(worst, std::abs(sum) / size);
+    worst = std::max(worst, std::abs(sum));
+    largest = std::max(largest, size);
   }
-  return worst;
+  return worst / largest;
 }
 
 }  // namespace

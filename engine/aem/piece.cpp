@@ -23,55 +23,57 @@ Complex SafeInverse(Complex c) {
   return 1.0 / (std::abs(c) < 1e-14 ? Complex{1e-14} : c);
 }
 
-void PlainSink(const Piece& piece, Complex z, Side on, Plain* out) {
+void PlainSink(const Piece& piece, const LocalPoint& z, Side on, Plain* out) {
   std::array<Complex, 2 * kMaxBasis + 2> q;
   LegendreQ(z, on, piece.size, q.data());
   out[0] = {LogIntegral(z, on), 2.0 * q[0]};
   for (int n = 1; n < piece.size; ++n) out[n] = {2.0 * (q[n + 1] - q[n - 1]) / (2.0 * n + 1.0), 2.0 * q[n]};
 }
 
-void PlainTipSink(const Piece& piece, Complex z, Complex c, Side on, Plain* out) {
+void PlainTipSink(const Piece& piece, Complex to_start, const LocalPoint& c, Side on, Plain* out) {
   std::array<Complex, 2 * kMaxBasis + 2> q;
   LegendreQ(c, on, 2 * piece.size, q.data());
-  const Complex inverse = SafeInverse(c);
+  const Complex inverse = SafeInverse(c.z);
   // ln(C^2 - 1) written as ln((Z + 1)/2) moves its cut to Z < -1, where the far series has it too.
-  const Complex log = std::log(std::abs(z + 1.0) < 1e-14 ? Complex{1e-14} : z + 1.0);
-  out[0] = {2.0 * (log + 2.0 * c * q[0] - 2.0), -q[0] * inverse};
+  const Complex log = std::log(std::abs(to_start) < 1e-14 ? Complex{1e-14} : to_start);
+  out[0] = {2.0 * (log + 2.0 * c.z * q[0] - 2.0), -q[0] * inverse};
   for (int n = 1; n < piece.size; ++n) {
     const int d = 2 * n;
     out[n] = {4.0 * (q[d + 1] - q[d - 1]) / (2.0 * d + 1.0), -q[d] * inverse};
   }
 }
 
-void PlainDoublet(const Piece& piece, Complex z, Side on, Plain* out) {
+void PlainDoublet(const Piece& piece, const LocalPoint& z, Side on, Plain* out) {
   std::array<Complex, 2 * kMaxBasis + 2> q, dq;
   LegendreQ(z, on, piece.size, q.data());
   LegendreQPrime(z, piece.size, q.data(), dq.data());
   for (int n = 0; n < piece.size; ++n) out[n] = {2.0 * q[n], 2.0 * dq[n]};
 }
 
-void PlainTipDoublet(const Piece& piece, Complex c, Side on, Plain* out) {
+void PlainTipDoublet(const Piece& piece, const LocalPoint& c, Side on, Plain* out) {
   std::array<Complex, 2 * kMaxBasis + 2> q, dq;
   LegendreQ(c, on, 2 * piece.size, q.data());
   LegendreQPrime(c, 2 * piece.size, q.data(), dq.data());
-  const Complex slope = -0.25 * SafeInverse(c);
+  const Complex slope = -0.25 * SafeInverse(c.z);
   for (int n = 0; n < piece.size; ++n) out[n] = {-2.0 * q[2 * n + 1], -2.0 * dq[2 * n + 1] * slope};
 }
 
-Side Mirrored(Side on) {
-  return on == Side::kMean ? on : on == Side::kLeft ? Side::kRight : Side::kLeft;
+/// The point in the plane of C = sqrt((1 - Z)/2): C - 1 = -(Z + 1)/(2 (C + 1)).
+LocalPoint RootPoint(const LocalPoint& p) {
+  const Complex c = std::sqrt(-0.5 * p.minus);
+  return {c, c + 1.0, -0.5 * p.plus / (c + 1.0)};
 }
 
-void PlainNear(const Piece& piece, Complex z, Side on, Plain* out) {
+void PlainNear(const Piece& piece, const LocalPoint& p, Side on, Plain* out) {
   const bool sink = piece.kind == PieceKind::kSink;
   if (!piece.tip) {
-    sink ? PlainSink(piece, z, on, out) : PlainDoublet(piece, z, on, out);
+    sink ? PlainSink(piece, p, on, out) : PlainDoublet(piece, p, on, out);
     return;
   }
   // The root turns the upper side of the piece into the lower side of the segment in the C plane.
-  const Complex c = std::sqrt(0.5 * (1.0 - z));
-  const Side turned = Mirrored(on);
-  sink ? PlainTipSink(piece, z, c, turned, out) : PlainTipDoublet(piece, c, turned, out);
+  const LocalPoint c = RootPoint(p);
+  const Side turned = on.Turned();
+  sink ? PlainTipSink(piece, p.plus, c, turned, out) : PlainTipDoublet(piece, c, turned, out);
 }
 
 /// Moments of each basis function, by exact quadrature, once for all pieces of one sort.
@@ -144,9 +146,36 @@ Flow Scaled(const Piece& piece, const Plain& plain, double net) {
 
 }  // namespace
 
+namespace {
+
+/// Whether a point lies on the line of the piece but for the rounding of its coordinates.
+bool OnLine(const Piece& piece, Complex at, double off) {
+  const double rounding = 1e-15 * (std::abs(at.real()) + std::abs(at.imag()));
+  return off * off < 1e-24 + 4.0 * rounding * rounding / std::norm(piece.to - piece.from);
+}
+
+LocalPoint PointIn(const Piece& piece, Complex at) {
+  const Complex scale = 2.0 / (piece.to - piece.from);
+  const Complex z = SnappedLocal(piece, at);
+  // A point at an end but for rounding is the end, so that the elements which meet there agree on it.
+  const double rounding = 4e-15 * (std::abs(at.real()) + std::abs(at.imag()));
+  if (std::abs(at - piece.to) <= rounding) return {1.0, 2.0, 0.0};
+  if (std::abs(at - piece.from) <= rounding) return {-1.0, 0.0, -2.0};
+  if (z.imag() == 0.0 && std::abs(z.real()) < 1.0)
+    return {z, ((at - piece.from) * scale).real(), ((at - piece.to) * scale).real()};
+  // One imaginary part for all three, from the nearer end: different roundings would put a point beyond an
+  // end on different sides of the cuts.
+  const Complex plus = (at - piece.from) * scale, minus = (at - piece.to) * scale;
+  const double nearer = std::norm(plus) < std::norm(minus) ? plus.imag() : minus.imag();
+  const double off = nearer == 0.0 ? 0.0 : nearer;
+  return {Complex{z.real(), off}, Complex{plus.real(), off}, Complex{minus.real(), off}};
+}
+
+}  // namespace
+
 Complex SnappedLocal(const Piece& piece, Complex at) {
   const Complex z = piece.Local(at);
-  if (std::abs(z.imag()) < 1e-12 && std::abs(z.real()) < 1.0) return {z.real(), 0.0};
+  if (std::abs(z.real()) < 1.0 && OnLine(piece, at, z.imag())) return {z.real(), 0.0};
   return {z.real(), z.imag() == 0.0 ? 0.0 : z.imag()};
 }
 
@@ -157,7 +186,7 @@ void Influence(const Piece& piece, Complex at, Side on, Flow* basis) {
   if (std::norm(z) > kNearRadius * kNearRadius) {
     for (int n = 0; n < piece.size; ++n) plain[n] = FarSeries(table.of[n], piece.kind, z);
   } else {
-    PlainNear(piece, z, on, plain.data());
+    PlainNear(piece, PointIn(piece, at), on, plain.data());
   }
   for (int n = 0; n < piece.size; ++n) basis[n] = Scaled(piece, plain[n], table.of[n][0]);
 }
@@ -165,12 +194,12 @@ void Influence(const Piece& piece, Complex at, Side on, Flow* basis) {
 void InfluenceOnSelf(const Piece& piece, double parameter, Flow* basis) {
   const bool sink = piece.kind == PieceKind::kSink;
   std::array<Plain, kMaxBasis> plain;
-  const Complex z{parameter, 0.0};
+  const LocalPoint p(Complex{parameter, 0.0});
   if (piece.tip) {
-    sink ? PlainTipSink(piece, 1.0 - 2.0 * z * z, z, Side::kMean, plain.data())
-         : PlainTipDoublet(piece, z, Side::kMean, plain.data());
+    sink ? PlainTipSink(piece, 2.0 - 2.0 * parameter * parameter, p, Side::kMean, plain.data())
+         : PlainTipDoublet(piece, p, Side::kMean, plain.data());
   } else {
-    sink ? PlainSink(piece, z, Side::kMean, plain.data()) : PlainDoublet(piece, z, Side::kMean, plain.data());
+    sink ? PlainSink(piece, p, Side::kMean, plain.data()) : PlainDoublet(piece, p, Side::kMean, plain.data());
   }
   const MomentTable& table = MomentsOf(piece);
   for (int n = 0; n < piece.size; ++n) basis[n] = Scaled(piece, plain[n], table.of[n][0]);
@@ -243,7 +272,7 @@ Flow Evaluate(const Piece& piece, const double* coefficients, const Moments& mom
   if (std::norm(z) > kNearRadius * kNearRadius)
     return Scaled(piece, FarSeries(moments, piece.kind, z), moments[0]);
   std::array<Plain, kMaxBasis> plain;
-  PlainNear(piece, z, on, plain.data());
+  PlainNear(piece, PointIn(piece, at), on, plain.data());
   Plain sum{};
   for (int n = 0; n < piece.size; ++n) {
     sum.g += coefficients[n] * plain[n].g;

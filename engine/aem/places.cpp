@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "aem/answers.h"
+#include "aem/strings.h"
 
 namespace aem::detail {
 
@@ -98,8 +99,16 @@ double SinkDensity(const System& s, int string, int segment, double position) {
                       : Strength(s.pieces[on.piece], &s.coefficients[on.piece * kMaxBasis], on.parameter);
 }
 
-bool Percolates(const System&, int, int, double) {
-  return false;
+bool Percolates(const System& s, int string, int segment, double position) {
+  const LineSinkString& line = s.model.line_sinks[string];
+  if (s.refused || line.kind == LineSinkKind::kDischarge || line.kind == LineSinkKind::kDrain ||
+      !Resists(line))
+    return false;
+  const LineSinkSegment& g = line.segments[segment];
+  const Complex along = g.to - g.from;
+  const PointState state = s.State(g.from + position * along, along * Complex{0.0, 1.0});
+  const double stage = Stage(line, s.tolerance).At(segment, position);
+  return state.status != PointStatus::kOk || state.head < stage - line.depth;
 }
 
 }  // namespace aem::detail

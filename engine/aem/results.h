@@ -133,7 +133,8 @@ struct Checks {
   double undisturbed_flow = 0.0;  ///< the flow per length that the wall leakage is measured by [L2/d]
 };
 
-/// Flows of the whole model [L3/d], positive where water leaves the aquifer.
+/// Flows of the whole model [L3/d], positive where water leaves the aquifer.  Transient wells live on
+/// storage: they are told, and are no part of the throughflow and the error.
 struct Balance {
   double wells = 0.0, partial_wells = 0.0, theis_wells = 0.0, disks = 0.0;
   double line_sinks_discharge = 0.0, line_sinks_head = 0.0, drains = 0.0, streams = 0.0;

@@ -92,9 +92,11 @@ void Solution::Evaluate(std::span<const Complex> points, std::span<PointState> s
   });
 }
 
-PointState Solution::AtElevation(Complex point, double, double* vertical) const {
+PointState Solution::AtElevation(Complex point, double elevation, double* vertical) const {
   *vertical = 0.0;
-  return At(point);
+  PointState state = At(point);
+  if (state.status == PointStatus::kOk) detail::AddPartialWells(*system_, point, elevation, &state, vertical);
+  return state;
 }
 
 double Solution::HeadOf(Complex point, double potential) const {
@@ -122,10 +124,10 @@ std::vector<WellResult> Solution::Wells() const {
   return detail::WellResults(*system_);
 }
 std::vector<WellResult> Solution::PartialWells() const {
-  return {};
+  return detail::PartialWellResults(*system_);
 }
 std::vector<WellResult> Solution::TheisWells() const {
-  return {};
+  return detail::TheisResults(*system_);
 }
 std::vector<DiskResult> Solution::Disks() const {
   return detail::DiskResults(*system_);
@@ -137,7 +139,7 @@ std::vector<DomainResult> Solution::Domains() const {
   return detail::DomainResults(*system_);
 }
 std::vector<WallResult> Solution::Walls() const {
-  return {};
+  return detail::WallResults(*system_);
 }
 
 double Solution::Flux(std::span<const Complex> line) const {

@@ -126,7 +126,8 @@ class Solution {
 
   /// Flow across a polyline from its left to its right, looking from the first vertex to the last [L3/d].
   /// Closed form for wells, line-sinks and doublets; areas of recharge by their own edge integrals, exact to
-  /// about 1e-10 of the value.  Wells met by the line itself count half.
+  /// about 1e-10 of the value.  A well exactly on the line counts nothing: what it draws from both sides
+  /// cancels.
   double Flux(std::span<const Complex> line) const;
 
   /// Errors between the control points.

@@ -28,7 +28,7 @@ class DenseField {
       ParallelFor(s_.options.threads, count, [&](std::size_t begin, std::size_t end) {
         for (std::size_t q = start + begin; q < start + end; ++q) {
           InfluenceRow(s_, s_.controls[q], &matrix_[q * columns_]);
-          given_[q] = bare.Field(s_.controls[q].at, s_.controls[q].toward).omega.real();
+          given_[q] = FieldAtControl(bare, s_.controls[q]);
           local_[q] = LocalValues(s_, s_.controls[q]);
         }
       });
@@ -55,7 +55,7 @@ class DenseField {
     std::vector<std::vector<std::pair<std::size_t, double>>> tests(columns_);
     for (std::size_t q = 0; q < rows_; ++q)
       for (int i = 0; i < local_[q].count; ++i)
-        tests[local_[q].unknown[i]].emplace_back(q, local_[q].value[i] * s_.controls[q].weight);
+        tests[local_[q].unknown[i]].emplace_back(q, local_[q].test[i] * s_.controls[q].weight);
     ParallelFor(s_.options.threads, columns_, [&](std::size_t begin, std::size_t end) {
       for (std::size_t j = begin; j < end; ++j) {
         double* out = &matrix[j * columns_];
@@ -67,16 +67,27 @@ class DenseField {
             for (std::size_t i = 0; i < columns_; ++i) out[i] += factor * row[i];
           for (int i = 0; i < local_[q].count; ++i)
             out[local_[q].unknown[i]] += weight * l.b * local_[q].value[i];
+          if (l.coupled >= 0)
+            for (const auto& [i, c] : s_.carried_terms[l.coupled]) out[i] += weight * l.scale * c;
           right[j] += weight * (l.r - l.a * given_[q]);
         }
       }
     });
+    for (const auto& loop : s_.loops)
+      for (const auto& [i, wi] : loop)
+        for (const auto& [j, wj] : loop) matrix[std::size_t(i) * columns_ + j] += wi * wj / LoopScale(loop);
     const double residual = SolveDense(&matrix, &right, columns_, s_.options.threads);
     if (residual < 1e-6) *x = right;
     return residual;
   }
 
  private:
+  static double LoopScale(const std::vector<std::pair<int, double>>& loop) {
+    double sum = 0.0;
+    for (const auto& [i, w] : loop) sum += std::abs(w);
+    return sum * sum;
+  }
+
   /// The system with every unknown at zero: what is given.
   System Bare() const {
     System bare = s_;
@@ -92,9 +103,58 @@ class DenseField {
 };
 
 double HeadAt(const Control& c, double field, double strength) {
-  return c.condition == Condition::kEdge || c.condition == Condition::kWall
+  if (KindOf(c.condition) != FieldKind::kPotential) return kNotSet;
+  return c.condition == Condition::kEdge || c.condition == Condition::kWallHead
              ? c.zone.Head(field + 0.5 * strength)
              : c.zone.Head(field);
+}
+
+/// Largest change of head at the control points, and the range of heads there.
+struct Change {
+  double largest = 0.0, low = 1e300, high = -1e300;
+
+  void Add(const Control& c, double field, double strength, double old_field, double old_strength) {
+    const double head = HeadAt(c, field, strength);
+    if (head == kNotSet) return;
+    largest = std::max(largest, std::abs(head - HeadAt(c, old_field, old_strength)));
+    low = std::min(low, head);
+    high = std::max(high, head);
+  }
+  double Tolerance() const { return kHeadTolerance * std::max(high - low, 1e-3); }
+};
+
+/// Where the first iteration starts: beds at their stage, edges at the head of the reference point or of the
+/// domain's average.
+void StartValues(const System& s, std::vector<double>* field, std::vector<double>* strength) {
+  for (std::size_t q = 0; q < s.controls.size(); ++q) {
+    const Control& c = s.controls[q];
+    if (KindOf(c.condition) != FieldKind::kPotential) continue;
+    const bool given = c.condition == Condition::kHead || c.condition == Condition::kResistance ||
+                       c.condition == Condition::kScreen;
+    double head = given ? c.head : s.model.aquifer.reference_head;
+    if (c.condition == Condition::kEdge) {
+      const int domain = s.edges[s.owners[c.piece].edge].domain;
+      if (domain >= 0 && s.model.domains[domain].average_head != kNotSet)
+        head = s.model.domains[domain].average_head;
+    }
+    if (given) {
+      (*field)[q] = c.zone.Potential(head);
+      continue;
+    }
+    head = std::max(
+        {head, c.zone.base + 0.1 * c.zone.full_thickness, c.right.base + 0.1 * c.right.full_thickness});
+    (*field)[q] = 0.5 * (c.zone.Potential(head) + c.right.Potential(head));
+    (*strength)[q] = c.zone.Potential(head) - c.right.Potential(head);
+  }
+}
+
+bool Settled(const std::vector<double>& before, const std::vector<double>& after) {
+  double largest = 0.0, change = 0.0;
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    largest = std::max(largest, std::abs(after[i]));
+    change = std::max(change, std::abs(after[i] - before[i]));
+  }
+  return change <= 1e-8 * largest;
 }
 
 }  // namespace
@@ -106,25 +166,23 @@ IterationReport System::Iterate(int asked, const ProgressCallback& progress) {
   bool depends = false;
   for (const Control& c : controls) depends = depends || DependsOnHead(*this, c);
   const auto tell = [&](double fraction, const char* what) {
-    return !progress || progress({report.iterations + 1, asked, fraction, report.change, what});
+    const bool go_on = !progress || progress({report.iterations + 1, asked, fraction, report.change, what});
+    report.cancelled = !go_on;
+    return go_on;
   };
   DenseField field(*this);
-  if (!field.Assemble([&](double part) { return tell(0.8 * part, "assembling"); })) {
-    report.cancelled = true;
-    return report;
-  }
+  if (!field.Assemble([&](double part) { return tell(0.8 * part, "assembling"); })) return report;
   std::vector<double> values, strengths, new_values, new_strengths;
   field.Values(x, &values, &strengths);
+  if (iterations_done == 0) StartValues(*this, &values, &strengths);
   const int limit = depends ? asked + options.extra_iterations : 1;
-  while (report.iterations < limit) {
+  while (report.iterations < limit && !report.converged) {
+    Route();
     std::vector<Linearised> linear;
     linear.reserve(controls.size());
     for (std::size_t q = 0; q < controls.size(); ++q)
       linear.push_back(Linearise(*this, controls[q], values[q], strengths[q]));
-    if (!tell(0.85, "solving")) {
-      report.cancelled = true;
-      return report;
-    }
+    if (!tell(0.85, "solving")) return report;
     std::vector<double> next = x;
     report.residual = field.Solve(linear, &next);
     if (!(report.residual < 1e-6)) {
@@ -136,26 +194,22 @@ IterationReport System::Iterate(int asked, const ProgressCallback& progress) {
       return report;
     }
     field.Values(next, &new_values, &new_strengths);
-    double change = 0.0, low = 1e300, high = -1e300;
-    for (std::size_t q = 0; q < controls.size(); ++q) {
-      const double head = HeadAt(controls[q], new_values[q], new_strengths[q]);
-      change = std::max(change, std::abs(head - HeadAt(controls[q], values[q], strengths[q])));
-      low = std::min(low, head);
-      high = std::max(high, head);
-    }
+    Change change;
+    for (std::size_t q = 0; q < controls.size(); ++q)
+      change.Add(controls[q], new_values[q], new_strengths[q], values[q], strengths[q]);
     x = next;
     SetCoefficients();
     values.swap(new_values);
     strengths.swap(new_strengths);
+    const std::vector<double> carried_before = carried;
+    const int switched = SwitchStates(values, report.iterations > asked + options.extra_iterations / 2);
     ++report.iterations;
     ++iterations_done;
-    report.change = change;
-    report.converged = !depends || change <= kHeadTolerance * std::max(high - low, 1e-3);
-    if (!tell(1.0, "iteration done")) {
-      report.cancelled = true;
-      break;
-    }
-    if (report.converged && report.iterations >= std::min(asked, depends ? asked : 1)) break;
+    report.change = change.largest;
+    const bool still =
+        change.largest <= change.Tolerance() && switched == 0 && Settled(carried_before, carried);
+    report.converged = !depends || (still && report.iterations >= std::min(asked, 2));
+    if (!tell(1.0, "iteration done")) break;
   }
   converged = report.converged;
   if (!report.converged && !report.cancelled) {

@@ -71,7 +71,7 @@ Flow AreaSource::Influence(Complex z) const {
     const Complex along = (b - a) / length, outward = along * Complex{0.0, -1.0};
     const Complex local = (2.0 * z - a - b) / (b - a);
     const double logs =
-        0.5 * length * LogIntegral(local, Side::kMean).real() + length * std::log(0.5 * length);
+        0.5 * length * LogIntegral(LocalPoint(local), Side::kMean).real() + length * std::log(0.5 * length);
     potential += Dot(a - z, outward) * (2.0 * logs - length);
     flow += outward * logs;
   }

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "aem/grading.h"
+#include "aem/refine.h"
 #include "aem/system.h"
 
 namespace aem::detail {
@@ -64,10 +65,11 @@ void AddControls(System& s, int piece, const LineSinkString& string, const Stage
   }
 }
 
-void AddHeadSegment(System& s, int k, int i, const std::vector<Part>& parts, const Stage& stage) {
+void AddHeadSegment(System& s, int k, int i, const Stage& stage) {
   const LineSinkString& string = s.model.line_sinks[k];
   const LineSinkSegment& segment = string.segments[i];
-  for (const Part& part : parts) {
+  for (const Part& part : s.segment_parts[k][i]) {
+    if (s.Ignored(segment.from + 0.5 * (part.start + part.end) * (segment.to - segment.from))) continue;
     Piece piece;
     piece.kind = PieceKind::kSink;
     piece.tip = part.tip_at_start || part.tip_at_end;
@@ -90,13 +92,91 @@ void AddHeadSegment(System& s, int k, int i, const std::vector<Part>& parts, con
 
 void AddDischargeSegment(System& s, int k, int i) {
   const LineSinkSegment& segment = s.model.line_sinks[k].segments[i];
-  const int index = s.AddPiece({segment.from, segment.to, PieceKind::kSink, false, 1}, {k, i, 0.0, 1.0, -1});
-  s.coefficients[index * kMaxBasis] = segment.value;
-  s.segment_pieces[k][i].push_back(index);
+  for (const Part& part : s.segment_parts[k][i]) {
+    const Complex along = segment.to - segment.from;
+    if (s.Ignored(segment.from + 0.5 * (part.start + part.end) * along)) continue;
+    const Piece piece{segment.from + part.start * along, segment.from + part.end * along, PieceKind::kSink,
+                      false, 1};
+    const int index = s.AddPiece(piece, {k, i, part.start, part.end, -1});
+    s.coefficients[index * kMaxBasis] = segment.value;
+    s.segment_pieces[k][i].push_back(index);
+  }
 }
 
 bool Usable(const System& s, const LineSinkSegment& segment) {
   return std::abs(segment.to - segment.from) > s.tolerance;
+}
+
+}  // namespace
+
+namespace {
+
+void MakeFlags(System& s) {
+  s.flag_of.resize(s.model.line_sinks.size());
+  for (std::size_t k = 0; k < s.model.line_sinks.size(); ++k) {
+    const LineSinkString& string = s.model.line_sinks[k];
+    s.flag_of[k].assign(string.segments.size(), -1);
+    if (string.kind != LineSinkKind::kDrain && string.kind != LineSinkKind::kStream) continue;
+    for (std::size_t i = 0; i < string.segments.size(); ++i) {
+      if (!Usable(s, string.segments[i])) continue;
+      s.flag_of[k][i] = int(s.flags.size());
+      s.flags.push_back(0);
+    }
+  }
+  s.carried.assign(s.flags.size(), 0.0);
+  s.carried_given.assign(s.flags.size(), 0.0);
+  s.carried_terms.resize(s.flags.size());
+  s.switches.assign(s.flags.size(), 0);
+}
+
+/// The routed string that begins where another ends takes its water; a ring of them is refused.
+void LinkStreams(System& s) {
+  const std::size_t n = s.model.line_sinks.size();
+  s.flows_into.assign(n, -1);
+  std::map<std::pair<long long, long long>, std::vector<int>> starts;
+  const double cell = 4.0 * s.tolerance;
+  const auto key = [&](Complex p) {
+    return std::pair{std::llround(p.real() / cell), std::llround(p.imag() / cell)};
+  };
+  const auto routed = [&](std::size_t k) {
+    return s.model.line_sinks[k].kind == LineSinkKind::kStream && !s.model.line_sinks[k].segments.empty();
+  };
+  for (std::size_t k = 0; k < n; ++k)
+    if (routed(k)) starts[key(s.model.line_sinks[k].segments.front().from)].push_back(int(k));
+  std::vector<int> waiting(n, 0);
+  std::size_t streams = 0;
+  for (std::size_t k = 0; k < n; ++k) {
+    if (!routed(k)) continue;
+    ++streams;
+    const LineSinkString& string = s.model.line_sinks[k];
+    if (string.ends) continue;
+    const Complex last = string.segments.back().to;
+    const auto [i, j] = key(last);
+    for (long long a = i - 1; a <= i + 1 && s.flows_into[k] < 0; ++a)
+      for (long long b = j - 1; b <= j + 1 && s.flows_into[k] < 0; ++b) {
+        const auto found = starts.find({a, b});
+        if (found == starts.end()) continue;
+        for (int other : found->second)
+          if (other != int(k) && std::abs(s.model.line_sinks[other].segments.front().from - last) <= cell) {
+            s.flows_into[k] = other;
+            ++waiting[other];
+            break;
+          }
+      }
+  }
+  for (std::size_t k = 0; k < n; ++k)
+    if (routed(k) && waiting[k] == 0) s.stream_order.push_back(int(k));
+  for (std::size_t i = 0; i < s.stream_order.size(); ++i) {
+    const int next = s.flows_into[s.stream_order[i]];
+    if (next >= 0 && --waiting[next] == 0) s.stream_order.push_back(next);
+  }
+  if (s.stream_order.size() == streams) return;
+  for (std::size_t k = 0; k < n; ++k)
+    if (routed(k) && waiting[k] > 0) {
+      s.Add(Severity::kFatal, s.model.line_sinks[k].origin,
+            "Routed streams flow into one another in a ring: end one of them or turn it round.");
+      return;
+    }
 }
 
 }  // namespace
@@ -134,7 +214,7 @@ double Stage::At(int segment, double position) const {
   return sb > sa ? va + (vb - va) * (s - sa) / (sb - sa) : va;
 }
 
-void BuildStrings(System& s) {
+void PlanStrings(System& s) {
   Joints joints(s.tolerance);
   for (const LineSinkString& string : s.model.line_sinks) {
     if (string.kind == LineSinkKind::kDischarge || Resists(string)) continue;
@@ -144,30 +224,46 @@ void BuildStrings(System& s) {
       joints.Add(segment.to, segment.from - segment.to);
     }
   }
-  s.segment_pieces.resize(s.model.line_sinks.size());
+  MakeFlags(s);
+  LinkStreams(s);
+  const std::size_t n = s.model.line_sinks.size();
+  s.segment_parts.resize(n);
   std::vector<std::pair<Complex, Complex>> lines;
-  for (std::size_t k = 0; k < s.model.line_sinks.size(); ++k) {
+  for (std::size_t k = 0; k < n; ++k) {
     const LineSinkString& string = s.model.line_sinks[k];
-    const Stage stage(string, s.tolerance);
-    s.segment_pieces[k].resize(string.segments.size());
+    s.segment_parts[k].resize(string.segments.size());
     for (std::size_t i = 0; i < string.segments.size(); ++i) {
       const LineSinkSegment& segment = string.segments[i];
       lines.emplace_back(segment.from, segment.to);
       s.segment_of.emplace_back(int(k), int(i));
       if (!Usable(s, segment)) continue;
-      if (string.kind == LineSinkKind::kDischarge) {
-        AddDischargeSegment(s, int(k), int(i));
-        continue;
-      }
       std::vector<Part> parts{{0.0, 1.0, false, false}};
-      if (!Resists(string)) {
+      const bool by_head = string.kind != LineSinkKind::kDischarge;
+      if (by_head && !Resists(string)) {
         const Complex along = segment.to - segment.from;
         parts = Divide(joints.Shape(segment.from, along), joints.Shape(segment.to, -along));
       }
-      AddHeadSegment(s, int(k), int(i), parts, stage);
+      parts = CutAt(parts, s.segment_cuts[k][i]);
+      if (by_head) parts = NearWells(s, segment.from, segment.to, parts);
+      s.segment_parts[k][i] = std::move(parts);
     }
   }
   s.segment_index = SegmentIndex(lines);
+}
+
+void BuildStrings(System& s) {
+  s.segment_pieces.resize(s.model.line_sinks.size());
+  for (std::size_t k = 0; k < s.model.line_sinks.size(); ++k) {
+    const LineSinkString& string = s.model.line_sinks[k];
+    const Stage stage(string, s.tolerance);
+    s.segment_pieces[k].resize(string.segments.size());
+    for (std::size_t i = 0; i < string.segments.size(); ++i) {
+      if (string.kind == LineSinkKind::kDischarge)
+        AddDischargeSegment(s, int(k), int(i));
+      else
+        AddHeadSegment(s, int(k), int(i), stage);
+    }
+  }
 }
 
 }  // namespace aem::detail

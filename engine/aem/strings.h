@@ -9,8 +9,12 @@ namespace aem::detail {
 
 struct System;
 
-/// Pieces of all line-sink strings.  A segment of a head string without resistance is divided towards free
-/// ends, where the density grows like one over the root of the distance, and towards corners.
+/// Decides how every segment is divided: fills segment_parts, flags and the links of streams.  Pre: wells.
+void PlanStrings(System& system);
+
+/// Pieces of all line-sink strings.  Pre: PlanStrings.  A segment of a head string without resistance is
+/// divided towards free ends, where the density grows like one over the root of the distance, and towards
+/// corners.
 void BuildStrings(System& system);
 
 /// Whether the string's bed resists the flow: a resistance and a width.

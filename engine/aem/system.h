@@ -7,9 +7,11 @@
 #include <vector>
 
 #include "aem/aquifer.h"
+#include "aem/grading.h"
 #include "aem/piece.h"
 #include "aem/solution.h"
 #include "aem/sources.h"
+#include "aem/theis.h"
 
 namespace aem::detail {
 
@@ -38,15 +40,30 @@ struct JumpEdge {
 enum class Condition : unsigned char {
   kHead,        ///< potential of the given head
   kResistance,  ///< flow through a bed
+  kScreen,      ///< head of a partially penetrating well
   kEdge,        ///< one head on both sides
-  kWall,        ///< no flow, or flow by the difference in head
+  kWall,        ///< no flow, or flow by the difference in head: what elements other than doublets give
+  kWallStream,  ///< the same: stream function of the doublets, tested with slopes instead of values
+  kWallHead,    ///< of a leaky wall between two zones: the part that depends on the mean potential
+  kNone,        ///< the unknown stays 0
 };
+
+/// What is taken from the field at a control point.
+enum class FieldKind : unsigned char { kPotential, kNormalFlow, kDoubletStream };
+
+inline FieldKind KindOf(Condition c) {
+  return c == Condition::kWall         ? FieldKind::kNormalFlow
+         : c == Condition::kWallStream ? FieldKind::kDoubletStream
+                                       : FieldKind::kPotential;
+}
 
 /// A control point: a * field + b * strength = r, moments of which make the equations.
 struct Control {
   Complex at, toward;      ///< `toward`: on which side of elements through the point it lies, 0 if anywhere
   int piece = -1;          ///< the piece that it belongs to
   int unknown = -1;        ///< of an element that is no piece
+  int element = -1;        ///< kScreen: the partially penetrating well
+  bool at_end = false;     ///< kWallStream: the value at an end where the wall meets a domain's edge
   double parameter = 0.0;  ///< on the piece
   double weight = 1.0;
   Condition condition = Condition::kHead;
@@ -55,7 +72,14 @@ struct Control {
   Zone right;         ///< for an edge that on the right
 };
 
-/// Potential and discharge from everything but what the caller adds.
+/// A closed wall whose one side is left out of the computation.
+struct IgnoredRegion {
+  int wall = -1;
+  bool inside = true;  ///< what lies inside is ignored, else what lies outside
+  std::vector<Complex> ring;
+};
+
+/// Elements, unknowns and state of a model.
 struct System {
   Model model;
   Options options;
@@ -69,7 +93,9 @@ struct System {
   double tolerance = 0.0;                   ///< distance below which vertices are one [L]
   Complex origin;                           ///< where uniform flow has potential 0
 
-  std::vector<WellSource> wells;  ///< the model's wells in order
+  std::vector<WellSource> wells;          ///< the model's wells in order
+  std::vector<WellSource> partial_wells;  ///< far field of the partially penetrating wells, in order
+  std::vector<std::pair<TheisRecord, double>> theis;  ///< with the conductivity where the well stands
   std::vector<DiskSource> disks;
   std::vector<AreaSource> areas;
   std::vector<Piece> pieces;
@@ -78,6 +104,22 @@ struct System {
   std::vector<double> coefficients;  ///< kMaxBasis a piece
   std::vector<Moments> moments;
   std::vector<JumpEdge> edges;
+  std::vector<IgnoredRegion> ignored;
+  /// By unknown: a jump at a node where a wall meets domain edges, decided by the condition of the edges
+  /// alone.
+  std::vector<char> edge_only;
+  std::vector<std::vector<std::vector<Part>>> segment_parts;   ///< [string][segment]
+  std::vector<std::vector<std::vector<double>>> segment_cuts;  ///< [string][segment] crossings with edges
+  std::vector<std::vector<int>> flag_of;                       ///< [string][segment] index in flags
+  std::vector<int> flows_into;        ///< string that a routed stream continues in, -1 none
+  std::vector<int> stream_order;      ///< routed streams, upstream first
+  std::vector<double> carried;        ///< by flag index: flow available to a routed reach [L3/d]
+  std::vector<double> carried_given;  ///< by flag: the part of `carried` that no unknown gives
+  /// By flag, of limited reaches only: the rest of `carried` as a sum over unknowns.
+  std::vector<std::vector<std::pair<int, double>>> carried_terms;
+  std::vector<int> switches;  ///< by flag index: how often it has changed
+  /// Walls around ignored ground: integral of the jump along each as a sum over unknowns.
+  std::vector<std::vector<std::pair<int, double>>> loops;
   SegmentIndex edge_index;                      ///< over edges
   std::vector<std::pair<int, int>> segment_of;  ///< string and segment of each entry of segment_index
   SegmentIndex segment_index;
@@ -103,9 +145,20 @@ struct System {
   int AddPiece(const Piece& piece, const PieceOwner& owner);
   void SetCoefficients();  ///< from x
 
+  // routing.cpp
+  /// Flow that each routed reach can lose, from the present strengths.
+  void Route();
+  /// Switches drains and reaches by the present heads; returns how many changed.
+  int SwitchStates(const std::vector<double>& field, bool only_off);
+
   // field.cpp
+  bool Ignored(Complex at) const;
+  /// What comes from anything but pieces; transient wells left out.
+  Flow Around(Complex at) const;
   /// Everything: omega with real part the potential, w = Qx - i Qy.
   Flow Field(Complex at, Complex toward) const;
+  /// The same without transient wells.
+  Flow SteadyField(Complex at, Complex toward) const;
   Zone ZoneAt(Complex at, Complex toward) const;
   PointState State(Complex at, Complex toward = {}) const;
   /// The edge through the point, -1 if none.

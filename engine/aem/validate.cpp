@@ -56,7 +56,6 @@ class Validator {
     CheckCrossings();
     CheckDomains();
     CheckWalls();
-    RefuseMissing();
     return std::move(findings_);
   }
 
@@ -370,20 +369,6 @@ class Validator {
         Warn(w.origin, "The wall has fewer than two different vertices: it is left out.");
       else
         CheckSelfCrossing(w.origin, points, false, "wall");
-    }
-  }
-
-  /// Elements that this version cannot compute stop the run rather than being left out.
-  void RefuseMissing() {
-    for (const PartialWell& w : m_.partial_wells)
-      Fatal(w.origin, "Partially penetrating wells cannot be computed yet.");
-    for (const TheisRecord& w : m_.theis) Fatal(w.origin, "Transient wells cannot be computed yet.");
-    for (const Wall& w : m_.walls) Fatal(w.origin, "Walls cannot be computed yet.");
-    for (const LineSinkString& s : m_.line_sinks) {
-      if (s.kind == LineSinkKind::kDrain) Fatal(s.origin, "Drains cannot be computed yet.");
-      if (s.kind == LineSinkKind::kStream) Fatal(s.origin, "Routed streams cannot be computed yet.");
-      if (s.kind != LineSinkKind::kDischarge && s.resistance > 0.0 && s.width > 0.0)
-        Fatal(s.origin, "Bed resistance cannot be computed yet.");
     }
   }
 

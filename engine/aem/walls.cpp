@@ -1,0 +1,93 @@
+// What a solved system says about its walls.
+#include <algorithm>
+#include <cmath>
+
+#include "aem/answers.h"
+
+namespace aem::detail {
+
+double AllowedLeakage(const System& s, const JumpEdge& edge, Complex at) {
+  const Wall& wall = s.model.walls[edge.wall];
+  if (wall.conductivity == 0.0) return 0.0;
+  const Complex toward = (edge.to - edge.from) * Complex{0.0, 1.0};
+  const double left = s.Field(at, toward).omega.real(), right = s.Field(at, -toward).omega.real();
+  if (edge.left == edge.right)
+    return wall.conductivity / (wall.thickness * edge.left.conductivity) * (left - right);
+  const double thickness = 0.5 * (edge.left.Thickness(left) + edge.right.Thickness(right));
+  return wall.conductivity / wall.thickness * thickness * (edge.left.Head(left) - edge.right.Head(right));
+}
+
+namespace {
+
+/// Edges of each wall's segments, in order along it.
+std::vector<std::vector<std::vector<int>>> EdgesOf(const System& s) {
+  std::vector<std::vector<std::vector<int>>> list(s.model.walls.size());
+  for (std::size_t w = 0; w < list.size(); ++w) list[w].resize(s.model.walls[w].points.size());
+  for (std::size_t e = 0; e < s.edges.size(); ++e)
+    if (s.edges[e].wall >= 0) list[s.edges[e].wall][s.edges[e].segment].push_back(int(e));
+  return list;
+}
+
+double LeakageBetween(const System& s, const JumpEdge& edge, Complex a, Complex b) {
+  const GaussRule rule = Gauss(6);
+  double sum = 0.0;
+  for (int i = 0; i < rule.size; ++i)
+    sum += 0.5 * rule.w[i] * AllowedLeakage(s, edge, 0.5 * (a + b) + 0.5 * (b - a) * rule.x[i]);
+  return sum * std::abs(b - a);
+}
+
+double JumpAt(const System& s, const JumpEdge& edge, Complex at) {
+  const Complex toward = (edge.to - edge.from) * Complex{0.0, 1.0};
+  return s.Field(at, toward).omega.real() - s.Field(at, -toward).omega.real();
+}
+
+/// Flow per length across a tenth of the segment beyond what the wall lets through.
+double Excess(const System& s, const std::vector<int>& edges, Complex a, Complex b) {
+  for (int e : edges) {
+    const JumpEdge& edge = s.edges[e];
+    const double low = Dot(a - edge.from, edge.to - edge.from),
+                 high = Dot(b - edge.from, edge.to - edge.from);
+    if (low < -1e-9 * std::norm(edge.to - edge.from) || high > (1.0 + 1e-9) * std::norm(edge.to - edge.from))
+      continue;
+    return (Flux(s, a, b) - LeakageBetween(s, edge, a, b)) / std::abs(b - a);
+  }
+  return 0.0;
+}
+
+}  // namespace
+
+std::vector<WallResult> WallResults(const System& s) {
+  std::vector<WallResult> results(s.model.walls.size());
+  if (s.refused) return results;
+  const auto edges = EdgesOf(s);
+  for (std::size_t w = 0; w < results.size(); ++w) {
+    const Wall& wall = s.model.walls[w];
+    const std::size_t n = wall.points.size(), count = wall.kind == WallKind::kOpen && n > 0 ? n - 1 : n;
+    for (std::size_t i = 0; i < count; ++i) {
+      const Complex a = wall.points[i].at, b = wall.points[(i + 1) % n].at;
+      WallVertexResult v;
+      v.node = a;
+      v.centre = 0.5 * (a + b);
+      const auto at = [&](double t) { return a + t * (b - a); };
+      for (int e : edges[w][i]) {
+        const JumpEdge& edge = s.edges[e];
+        v.leakage += LeakageBetween(s, edge, edge.from, edge.to);
+      }
+      if (!edges[w][i].empty()) {
+        const JumpEdge& first = s.edges[edges[w][i].front()];
+        const JumpEdge& last = s.edges[edges[w][i].back()];
+        const int middle = s.EdgeAt(at(0.5));
+        const double start = JumpAt(s, first, at(1e-6)), end = JumpAt(s, last, at(1.0 - 1e-6));
+        v.jump_node = start;
+        if (middle >= 0) v.jump_parabolic = JumpAt(s, s.edges[middle], at(0.5)) - 0.5 * (start + end);
+        v.delta_flow_node = Excess(s, edges[w][i], at(1e-9), at(0.1));
+        v.delta_flow_centre = Excess(s, edges[w][i], at(0.45), at(0.55));
+      }
+      results[w].leakage += v.leakage;
+      results[w].vertices.push_back(v);
+    }
+  }
+  return results;
+}
+
+}  // namespace aem::detail
