@@ -41,6 +41,7 @@ int Run(int argc, char** argv) {
   ormel::AddSolveCommands(app, program);
   ormel::AddRenderCommand(app, program);
   ormel::AddQueryCommands(app, program);
+  ormel::AddWhpaCommands(app, program);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {

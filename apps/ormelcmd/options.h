@@ -23,6 +23,7 @@ void AddProjectCommands(CLI::App& app, Program& program);  ///< new, set, window
 void AddElementCommands(CLI::App& app, Program& program);  ///< add ...
 void AddSolveCommands(CLI::App& app, Program& program);    ///< solve, deck
 void AddRenderCommand(CLI::App& app, Program& program);
+void AddWhpaCommands(CLI::App& app, Program& program);   ///< whpa ...
 void AddQueryCommands(CLI::App& app, Program& program);  ///< sql, results
 
 /// "12.5,-3": two numbers.  Throws UserError naming `what`.

@@ -20,6 +20,12 @@ constexpr const char* kRepairTitle = "Database Repair";
 /// Condition on the fields X and Y; the four sides are bound as left, right, top, bottom.
 constexpr std::string_view kOutside = "(X < ? or X > ? or Y > ? or Y < ?)";
 
+/// The ends of the stream boundary of a protection area are single points too.
+std::string NotOfBoundaries(Database& db) {
+  if (!db.HasField("WHPAs", "VID1") || !db.HasField("WHPAs", "VID2")) return {};
+  return " and VID not in (select VID1 from WHPAs) and VID not in (select VID2 from WHPAs)";
+}
+
 std::int64_t Delete(Ormel& ormel, const std::string& from_where) {
   const MapRect& w = ormel.window.SolveWindow;
   return ormel.db().Execute("delete from " + from_where, {w.x1, w.x2, w.y1, w.y2});
@@ -33,7 +39,8 @@ std::int64_t RemoveStrayPoints(Ormel& ormel, const std::string& table) {
   // The vertices that have just lost their element: single points outside that nobody claims.
   Delete(ormel, "Vertices where PID=-1 and " + std::string(kOutside) +
                     " and VID not in (select VID from TestPoints) and VID not in (select VID from Wells)"
-                    " and VID not in (select VID from Particles)");
+                    " and VID not in (select VID from Particles)" +
+                    NotOfBoundaries(ormel.db()));
   return count;
 }
 
@@ -52,7 +59,8 @@ void DBIntegrity(Ormel& ormel) {
   Database& db = ormel.db();
   db.Execute(
       "delete from Vertices where PID=-1 and VID not in (select VID from TestPoints)"
-      " and VID not in (select VID from Wells) and VID not in (select VID from Particles)");
+      " and VID not in (select VID from Wells) and VID not in (select VID from Particles)" +
+      NotOfBoundaries(db));
   db.Execute("update Model set UNIFLOWCompute=abs(UNIFLOWCompute) where UNIFLOWCompute<0");
   db.Execute(
       "delete from Vertices where PID=-10 and X<>(select UNIFLOWRefX from Model)"

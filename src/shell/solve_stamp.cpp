@@ -24,7 +24,9 @@ constexpr const char* kStampExtension = ".RUN";
 
 /// What the solver is told, in the order of identities.
 constexpr std::array<std::string_view, 9> kModelQueries{
-    "select VID,PID,Seq,X,Y from Vertices order by VID",
+    // Capture zones and the boundaries of protection areas are drawn from the results.
+    "select VID,PID,Seq,X,Y from Vertices where PID not in (select PID from Capzones) and VID not in "
+    "(select VID1 from WHPAs union select VID2 from WHPAs) order by VID",
     "select VID,Head,Radius,NParticles,Transient,Cyclic,Cycles,SS,Time,TopElev,BottomElev,HeadSpecified,"
     "PPWell,StartHead,StartElev,Pond,Label from Wells order by VID",
     "select * from LinesinkStrings order by PID",

@@ -36,6 +36,9 @@ TEST_F(IntegrityTest, UnclaimedVerticesGo) {
   TestPoint(Vertex(-1, 2, 2));
   const auto particle = Vertex(-1, 3, 3);
   ormel.db().Execute("insert into Particles (VID) values (?)", {particle});
+  const auto boundary = Vertex(-1, 7, 7);
+  ormel.db().Execute(
+      "insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,VID1,VID2) values ('W',1,1,0.2,?,0)", {boundary});
   Vertex(-1, 4, 4);
   Vertex(5, 6, 6);  // of a string
   ormel.db().Execute("update Model set UNIFLOWCompute=-1, UNIFLOWRefX=10, UNIFLOWRefY=20");
@@ -43,7 +46,7 @@ TEST_F(IntegrityTest, UnclaimedVerticesGo) {
   Vertex(-10, 10, 21);
   Vertex(-10, 11, 20);
   DBIntegrity(ormel);
-  EXPECT_EQ(Count("Vertices"), 6);
+  EXPECT_EQ(Count("Vertices"), 7);
   EXPECT_EQ(Number("select count(*) from Vertices where X=4 or (X=11 and Y=21)"), 0);
   EXPECT_EQ(Number("select UNIFLOWCompute from Model"), 1);
   EXPECT_TRUE(ui.boxes.empty());

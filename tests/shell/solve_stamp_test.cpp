@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "model/observations.h"
 #include "model/wells.h"
 #include "support/test_project.h"
 
@@ -50,6 +51,11 @@ TEST_F(StampTest, FallsWithEachChangeOfTheModel) {
   }
   EXPECT_EQ(RestoreSolve(ormel), "the model has been changed since it was solved");
   EXPECT_FALSE(ormel.solution.ValidSolution);
+}
+
+TEST_F(StampTest, StandsWhileCaptureZonesAreDrawnFromIt) {
+  StoreCapzone(ormel, "W 5 years", std::vector<MapPoint>{{0, 0}, {1, 0}, {1, 1}});
+  EXPECT_EQ(WhyNotSolved(ormel), "");
 }
 
 TEST_F(StampTest, FallsWithEachFileOfTheRun) {

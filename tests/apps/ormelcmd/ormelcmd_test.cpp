@@ -83,6 +83,21 @@ TEST_F(OrmelcmdTest, EveryKindOfElementIsStored) {
   EXPECT_EQ(query("select count(*) as N from Vertices where PID>0"), "N\n11\n");
 }
 
+TEST_F(OrmelcmdTest, OutlinesCaptureZonesOfTheSolvedModel) {
+  MakeTown();
+  EXPECT_EQ(Run({"whpa", "outline", "town.orm"}).code, 1);
+  Do({"solve", "town.orm"});
+  EXPECT_NE(Run({"whpa", "outline", "town.orm", "--well", "South"}).err.find("no pumping well \"South\""),
+            std::string::npos);
+  Do({"whpa", "outline", "town.orm", "--years", "1", "2", "--tolerance", "0.01"});
+  const std::string zones = Do({"sql", "town.orm", "--csv", "select Label from Capzones order by Label"});
+  EXPECT_EQ(zones, "Label\n\"O'Brien, north 1 year\"\n\"O'Brien, north 2 years\"\n");
+  EXPECT_NE(Do({"whpa", "list", "town.orm"}).find("1 year"), std::string::npos);
+  Do({"render", "town.orm", "map.png", "--size", "200x100"});  // the solve still stands
+  Do({"whpa", "radius", "town.orm", "--radius", "250"});
+  EXPECT_EQ(Do({"sql", "town.orm", "--csv", "select Type,Radius from WHPAs"}), "Type,Radius\n1,250\n");
+}
+
 TEST_F(OrmelcmdTest, ExportsADeck) {
   MakeTown();
   Do({"deck", "town.orm", "deck.DAT"});

@@ -1,0 +1,147 @@
+// whpa outline, radius, list
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iostream>
+#include <memory>
+
+#include "core/command.h"
+#include "ormelcmd/options.h"
+#include "ormelcmd/table.h"
+#include "shell/solve_stamp.h"
+#include "store/database.h"
+#include "text/strings.h"
+#include "whpa/outline_command.h"
+#include "whpa/rows.h"
+
+namespace ormel {
+namespace {
+
+/// Those of `all` that are named, or all of them when none is.  Throws UserError for a name without a well.
+template <class Well>
+std::vector<Well> Chosen(const std::vector<Well>& all, const std::vector<std::string>& names,
+                         const char* kind) {
+  if (names.empty()) return all;
+  std::vector<Well> chosen;
+  for (const std::string& name : names) {
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [&name](const Well& well) { return EqualNoCase(well.label, name); });
+    if (found == all.end()) throw UserError("there is no " + std::string(kind) + " \"" + name + "\"");
+    chosen.push_back(*found);
+  }
+  return chosen;
+}
+
+struct OutlineOptions {
+  std::string path;
+  std::vector<std::string> wells;
+  std::vector<double> years{2.0, 5.0, 10.0};
+  double tolerance = 0.002;
+};
+
+int Outline(const CommonOptions& common, const OutlineOptions& given) {
+  Session session(MakeBatchOptions(common));
+  session.OpenProject(given.path);
+  Ormel& ormel = session.ormel();
+  if (const std::string reason = RestoreSolve(ormel); !reason.empty())
+    throw UserError("capture zones need a solved model: " + reason + "; run: ormelcmd solve \"" + given.path +
+                    "\"");
+  OutlineRequest request;
+  request.wells = Chosen(CaptureWells(ormel), given.wells, "pumping well");
+  request.years = given.years;
+  request.tolerance = given.tolerance;
+  if (request.wells.empty()) throw UserError("the model has no pumping well");
+  int stored = 0;
+  RunCommand(ormel, "OutlineCaptureZones", [&] { stored = OutlineCaptureZones(ormel, request); });
+  if (session.ui().CancelRequested())
+    throw UserError("cancelled; " + std::to_string(stored) + " capture zones are stored");
+  if (stored < static_cast<int>(request.wells.size() * request.years.size())) {
+    session.ui().Say("only " + std::to_string(stored) + " capture zones were outlined");
+    return kExitSolver;
+  }
+  if (!common.quiet) session.ui().Say(std::to_string(stored) + " capture zones outlined");
+  return session.Finish();
+}
+
+struct RadiusOptions {
+  std::string path;
+  std::vector<std::string> wells;
+  double radius = 0.0;
+};
+
+int Radius(const CommonOptions& common, const RadiusOptions& given) {
+  if (!(given.radius > 0.0)) throw UserError("--radius must be above 0");
+  Session session(MakeBatchOptions(common));
+  session.OpenForEdit(given.path);
+  session.Edit([&] {
+    Ormel& ormel = session.ormel();
+    const std::vector<WhpaWell> wells =
+        Chosen(EligibleWells(ormel), given.wells, "well for a protection area");
+    std::vector<WhpaRow> rows;
+    for (const WhpaWell& well : wells) {
+      ormel.db().Execute("delete from WHPAs where Type=1 and Well=?", {well.label});
+      WhpaRow& row = rows.emplace_back();
+      row.Well = well.label;
+      row.Radius = given.radius;
+    }
+    AddWhpaRows(ormel, rows);
+  });
+  return session.Finish();
+}
+
+int List(const std::string& path) {
+  Database db = Database::Open(path, OpenMode::kReadOnly);
+  PrintAligned(std::cout,
+               ReadTable(db,
+                         "select Capzones.Label, count(*) as Points, min(X) as Left, max(X) as Right, "
+                         "min(Y) as Bottom, max(Y) as Top from Capzones inner join Vertices on "
+                         "Capzones.PID=Vertices.PID group by Capzones.PID order by Capzones.Label",
+                         8));
+  const TextTable areas = ReadTable(db, "select Well,Type,Radius,TimeOfTravel,T from WHPAs order by Well", 8);
+  if (!areas.rows.empty()) {
+    std::cout << '\n';
+    PrintAligned(std::cout, areas);
+  }
+  return kExitOk;
+}
+
+}  // namespace
+
+void AddWhpaCommands(CLI::App& app, Program& program) {
+  CLI::App* whpa = app.add_subcommand("whpa", "Capture zones and protection areas of wells");
+  whpa->require_subcommand(1);
+  whpa->fallthrough();
+
+  auto outline = std::make_shared<OutlineOptions>();
+  CLI::App* trace = whpa->add_subcommand("outline", "Outline the capture zones of a solved model");
+  trace->add_option("project", outline->path, "The project")->required();
+  trace->add_option("--well", outline->wells, "Label of a well, several times; otherwise every pumping well")
+      ->allow_extra_args(false);
+  trace->add_option("--years", outline->years, "Times of travel")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  trace
+      ->add_option("--tolerance", outline->tolerance,
+                   "Largest error of the line, in parts of a zone's diagonal")
+      ->check(CLI::Range(1e-5, 0.1))
+      ->capture_default_str();
+  trace->footer("Each zone becomes a polygon \"<well> <n> years\"; one of that label is replaced.");
+  trace->callback([&program, outline] {
+    program.run = [&program, outline] { return Outline(program.common, *outline); };
+  });
+
+  auto radius = std::make_shared<RadiusOptions>();
+  CLI::App* circle = whpa->add_subcommand("radius", "Protection areas of an arbitrary radius");
+  circle->add_option("project", radius->path, "The project")->required();
+  circle->add_option("--well", radius->wells, "Label of a well, several times; otherwise every such well")
+      ->allow_extra_args(false);
+  circle->add_option("--radius", radius->radius, "Radius in map units")->required();
+  circle->callback(
+      [&program, radius] { program.run = [&program, radius] { return Radius(program.common, *radius); }; });
+
+  auto path = std::make_shared<std::string>();
+  CLI::App* list = whpa->add_subcommand("list", "List capture zones and protection areas");
+  list->add_option("project", *path, "The project")->required();
+  list->callback([&program, path] { program.run = [path] { return List(*path); }; });
+}
+
+}  // namespace ormel
