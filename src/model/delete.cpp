@@ -158,7 +158,7 @@ constexpr std::array kDeleters{
 
 }  // namespace
 
-LSConfirm::LSConfirm(Ormel& ormel, std::string message) : Form(ormel) {
+LSConfirm::LSConfirm(Ormel& ormel, const std::string& message) : Form(ormel) {
   InitControls();
   Caption("Message", message);
 }

@@ -14,7 +14,7 @@ enum class DeleteChoice : int { kWhole = 1, kVertex = 2, kNeither = 0 };
 /// Whole element, vertex, or neither.
 class LSConfirm final : public Form {
  public:
-  LSConfirm(Ormel& ormel, std::string message);
+  LSConfirm(Ormel& ormel, const std::string& message);
   std::string Title() const override { return "Confirm"; }
   std::span<const ControlSpec> Controls() const override;
   std::string_view Name() const override { return "LSConfirm"; }

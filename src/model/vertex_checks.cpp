@@ -1,4 +1,5 @@
 // Overlapping and degenerate points.
+#include <array>
 #include <cmath>
 #include <fstream>
 
@@ -81,9 +82,10 @@ void FreePlaces::Add(MapPoint at) {
 bool FreePlaces::Taken(MapPoint at) const {
   if (!(tolerance_ > 0.0)) return false;
   const double column = std::floor(at.x / tolerance_), row = std::floor(at.y / tolerance_);
-  for (double c = column - 1; c <= column + 1; ++c) {
-    for (double r = row - 1; r <= row + 1; ++r) {
-      const auto cell = cells_.find(CellHash(c, r));
+  constexpr std::array kAround{-1.0, 0.0, 1.0};
+  for (const double across : kAround) {
+    for (const double up : kAround) {
+      const auto cell = cells_.find(CellHash(column + across, row + up));
       if (cell == cells_.end()) continue;
       for (const MapPoint other : cell->second)
         if (Overlaps(other, at, tolerance_)) return true;
