@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstdlib>
 #include <limits>
 #include <numbers>
 #include <utility>
@@ -11,6 +13,16 @@ namespace {
 
 QPointF ToPoint(DevicePoint p) {
   return {static_cast<qreal>(p.x), static_cast<qreal>(p.y)};
+}
+
+/// A line of more points than this is thinned: points closer than the step [pixels] to the one before only
+/// show the rounding to whole pixels.
+constexpr std::size_t kLongLine = 32;
+constexpr int kFineStep = 2;
+
+bool Near(DevicePoint a, DevicePoint b, int step) {
+  const auto apart = [](int p, int q) { return std::abs(static_cast<std::int64_t>(p) - q); };
+  return apart(a.x, b.x) < step && apart(a.y, b.y) < step;
 }
 
 bool Contains(const QRectF& bounds, QPointF p) {
@@ -83,7 +95,9 @@ std::vector<QPolygonF> ClipPolyline(std::span<const DevicePoint> points, const Q
   std::vector<QPolygonF> runs;
   if (points.empty()) return runs;
   DevicePoint last = points.front();
+  const int step = points.size() > kLongLine ? kFineStep : 1;
   for (const DevicePoint& point : points.subspan(1)) {
+    if (Near(point, last, step) && &point != &points.back()) continue;
     if (point == last) continue;
     AddSegment(runs, ToPoint(last), ToPoint(point), bounds);
     last = point;

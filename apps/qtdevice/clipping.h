@@ -14,8 +14,9 @@
 
 namespace ormel {
 
-/// The runs of a polyline inside `bounds`, in order.  Repeated points are dropped; a line that is one point
-/// stays a run of one point.
+/// The runs of a polyline inside `bounds`, in order.  Repeated points are dropped, and of a long line those
+/// that lie within a pixel of the one before; its end stays.  A line that is one point stays a run of one
+/// point.
 std::vector<QPolygonF> ClipPolyline(std::span<const DevicePoint> points, const QRectF& bounds);
 
 /// The polygon cut to `bounds` (Sutherland and Hodgman 1974).  New edges run along the bounds, which are to

@@ -1,6 +1,7 @@
 #include "qtdevice/painter_device.h"
 
 #include <QFontMetricsF>
+#include <QPaintEngine>
 #include <QPolygonF>
 #include <QString>
 #include <algorithm>
@@ -14,6 +15,7 @@ namespace ormel {
 namespace {
 
 constexpr double kReferenceDpi = 96.0;
+constexpr double kWide = 2.5;          ///< pixels
 constexpr int kMargin = 256;           ///< pixels beyond the surface that are still painted
 constexpr int kLargeRadius = 1 << 14;  ///< beyond it a circle is cut like a polygon
 
@@ -31,6 +33,13 @@ QList<qreal> DashPattern(PenStyle style) {
       break;
   }
   return {};
+}
+
+QList<QLineF> Segments(const QPolygonF& run) {
+  QList<QLineF> segments;
+  segments.reserve(run.size() - 1);
+  for (qsizetype i = 1; i < run.size(); ++i) segments.append(QLineF(run[i - 1], run[i]));
+  return segments;
 }
 
 QRectF RectOf(const DeviceRect& rect) {
@@ -63,13 +72,21 @@ QPainterDevice::QPainterDevice(QPainter& painter, QSize pixels, int dpi_x, int d
       size_(pixels),
       bounds_(-kMargin, -kMargin, pixels.width() + 2.0 * kMargin, pixels.height() + 2.0 * kMargin),
       dpi_x_(dpi_x),
-      dpi_y_(dpi_y) {
+      dpi_y_(dpi_y),
+      raster_(painter.paintEngine() != nullptr && painter.paintEngine()->type() == QPaintEngine::Raster) {
   painter_.setRenderHint(QPainter::Antialiasing);
   painter_.setRenderHint(QPainter::TextAntialiasing);
 }
 
 double QPainterDevice::PenWidth(const Pen& pen) const {
   return std::max(1.0, pen.width) * std::max(1.0, dpi_x_ / kReferenceDpi);
+}
+
+bool QPainterDevice::AsSegments(const Pen& pen) const {
+  // The rasterizer has a short way for single segments of a line that is two pixels wide; their square ends
+  // close the bends.
+  const double width = PenWidth(pen);
+  return pen.style == PenStyle::kSolid && width > 1.0 && width <= kWide && raster_;
 }
 
 QPointF QPainterDevice::UsePen(const Pen& pen) {
@@ -79,9 +96,11 @@ QPointF QPainterDevice::UsePen(const Pen& pen) {
   }
   const double width = PenWidth(pen);
   QPen qpen(ToQColor(pen.color), width);
-  qpen.setJoinStyle(Qt::RoundJoin);
+  // Round joins cost more than the line itself and show only on wide ones.
+  const bool wide = width > kWide;
+  qpen.setJoinStyle(wide ? Qt::RoundJoin : Qt::BevelJoin);
   if (pen.style == PenStyle::kSolid) {
-    qpen.setCapStyle(Qt::RoundCap);
+    qpen.setCapStyle(wide ? Qt::RoundCap : Qt::SquareCap);
   } else {
     qpen.setCapStyle(Qt::FlatCap);
     qpen.setDashPattern(DashPattern(pen.style));
@@ -103,6 +122,8 @@ void QPainterDevice::Polyline(std::span<const DevicePoint> points, const Pen& pe
     run.translate(shift);
     if (run.size() == 1) {
       painter_.drawPoint(run.front());
+    } else if (AsSegments(pen)) {
+      painter_.drawLines(Segments(run));
     } else {
       painter_.drawPolyline(run);
     }

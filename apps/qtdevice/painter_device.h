@@ -34,6 +34,7 @@ class QPainterDevice final : public DrawingDevice {
 
  private:
   double PenWidth(const Pen& pen) const;
+  bool AsSegments(const Pen& pen) const;
   /// Takes the pen and returns the shift that puts its lines on whole pixels.
   QPointF UsePen(const Pen& pen);
 
@@ -41,6 +42,7 @@ class QPainterDevice final : public DrawingDevice {
   QSize size_;
   QRectF bounds_;  ///< figures are cut to this
   int dpi_x_, dpi_y_;
+  bool raster_;  ///< pixels, not a vector file
 };
 
 QColor ToQColor(Color color);

@@ -144,6 +144,16 @@ TEST(PainterDevice, CoverMixesColoursAndTheClipHolds) {
   EXPECT_EQ(image.pixel(37, 37), qRgb(0, 0, 0));
 }
 
+TEST(Clipping, ThinsALongLineButKeepsItsEnds) {
+  std::vector<DevicePoint> line;
+  for (int i = 0; i < 100; ++i) line.push_back({i, i % 2});
+  const std::vector<QPolygonF> runs = ClipPolyline(line, QRectF(-10, -10, 200, 200));
+  ASSERT_EQ(runs.size(), 1u);
+  EXPECT_LE(runs[0].size(), 52);
+  EXPECT_EQ(runs[0].front(), QPointF(0, 0));
+  EXPECT_EQ(runs[0].back(), QPointF(99, 1));
+}
+
 TEST(Clipping, CutsALineIntoTheRunsThatAreInside) {
   const std::vector<DevicePoint> zigzag{{-10, 5}, {5, 5}, {5, 5}, {5, 50}, {8, 50}, {8, 5}, {20, 5}};
   const std::vector<QPolygonF> runs = ClipPolyline(zigzag, QRectF(0, 0, 10, 10));
