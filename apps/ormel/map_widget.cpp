@@ -210,9 +210,9 @@ void MapWidget::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void MapWidget::mouseDoubleClickEvent(QMouseEvent* event) {
-  // The second press of a double click is a press too: it places the next vertex of a string.
-  mousePressEvent(event);
-  if (event->button() != Qt::LeftButton || !Ready() || dragging_) return;
+  // The second press at the same place is no press of its own: a string would get a vertex twice.
+  if (event->button() != Qt::LeftButton) return mousePressEvent(event);
+  if (!Ready() || dragging_) return;
   Map_DblClick(*view_);
   emit Touched();
 }

@@ -19,6 +19,7 @@ void Program::Start(const std::string& project) {
     window.show();
     window.raise();
     window.activateWindow();
+    window.map().setFocus();
   };
   Form_Load(ormel, project, steps);
   window.Refresh();

@@ -228,6 +228,7 @@ void QtInterface::PleaseWaitShow(std::string_view text) {
   if (wait_box_ != nullptr) wait_box_->SetText(wait_text_);
   if (waiting_) return;
   waiting_ = true;
+  asked_before_wait_ = asking_;
   cancel_ = false;
   fraction_ = -1.0;
   step_.clear();
@@ -266,7 +267,7 @@ bool QtInterface::CancelRequested() {
 }
 
 void QtInterface::Pump() {
-  if (!waiting_ || pumping_ || asking_ > 0 || last_pump_.elapsed() < kPumpEvery) return;
+  if (!waiting_ || pumping_ || Answering() || last_pump_.elapsed() < kPumpEvery) return;
   pumping_ = true;
   if (wait_box_ == nullptr && wait_time_.elapsed() > kShowAfter) ShowWaitBox();
   if (wait_box_ != nullptr) wait_box_->SetElapsed(wait_time_.elapsed());
@@ -276,7 +277,7 @@ void QtInterface::Pump() {
 }
 
 bool QtInterface::eventFilter(QObject* target, QEvent* event) {
-  if (!pumping_ || asking_ > 0 || !IsInput(event->type())) return false;
+  if (!pumping_ || Answering() || !IsInput(event->type())) return false;
   const auto* widget = qobject_cast<QWidget*>(target);
   if (widget == nullptr) return event->type() == QEvent::Shortcut;
   return wait_box_ == nullptr || widget->window() != wait_box_;

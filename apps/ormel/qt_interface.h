@@ -61,6 +61,8 @@ class QtInterface final : public QObject, public UserInterface {
  private:
   /// The widget a new dialog belongs to.
   QWidget* Front() const;
+  /// A dialog has come up since the wait began.
+  bool Answering() const { return asking_ > asked_before_wait_; }
   void Pump();
   void ShowWaitBox();
   class Asking;
@@ -75,7 +77,8 @@ class QtInterface final : public QObject, public UserInterface {
   bool waiting_ = false;
   bool cancel_ = false;
   bool pumping_ = false;
-  int asking_ = 0;
+  int asking_ = 0;             ///< open dialogs
+  int asked_before_wait_ = 0;  ///< of them, those from whose buttons the waiting command was started
   int splash_time_ = 1800;
   QHash<QString, QString> folders_;  ///< where each kind of file dialog was last used
 };

@@ -14,8 +14,8 @@ struct PanelRow {
 constexpr std::array kPanels = {PanelRow{"Activity", 22, "What you are doing"},
                                 PanelRow{"Feedback", 0, "What to do next"},
                                 PanelRow{"Note", 12, "State of the solution"},
-                                PanelRow{"XPosition", 17, "East coordinate of the pointer"},
-                                PanelRow{"YPosition", 17, "North coordinate of the pointer"}};
+                                PanelRow{"XPosition", 20, "East coordinate of the pointer"},
+                                PanelRow{"YPosition", 20, "North coordinate of the pointer"}};
 
 /// A label that may be narrower than its text, so that a long feedback never widens the window.
 class PanelLabel : public QLabel {

@@ -20,7 +20,9 @@
 #include "ormel/help_viewer.h"
 #include "ormel/text_viewer.h"
 #include "ormel/wait_box.h"
+#include "support/fakes.h"
 #include "support/temp_dir.h"
+#include "window/every_kind_form.h"
 
 namespace ormel {
 namespace {
@@ -106,6 +108,42 @@ TEST(QtInterface, AQuestionInTheMiddleOfAWaitCanBeAnswered) {
   EXPECT_EQ(ui.Ask(Box{"Title", "Go on?", Buttons::kYesNo, Icon::kQuestion}), Answer::kYes);
   EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
   ui.PleaseWaitHide();
+}
+
+/// A form whose OK button works for a while.
+class SlowForm : public test::EveryKind {
+ public:
+  SlowForm(Ormel& controller, QtInterface& ui) : EveryKind(controller), ui_(ui) {}
+  bool cancelled = false;
+
+ protected:
+  void Pressed(std::string_view name) override {
+    if (name == "OK") {
+      ui_.PleaseWaitShow("Working...");
+      QElapsedTimer time;
+      time.start();
+      while (!cancelled && time.elapsed() < 5000) cancelled = ui_.CancelRequested();
+      ui_.PleaseWaitHide();
+    }
+    EveryKind::Pressed(name);
+  }
+
+ private:
+  QtInterface& ui_;
+};
+
+TEST(QtInterface, ACommandThatADialogStartsCanBeCancelledToo) {
+  test::TestController controller;
+  QtInterface ui;
+  SlowForm form(controller.ormel, ui);
+  QTimer::singleShot(50, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Return); });
+  QTimer::singleShot(900, [] {
+    for (QWidget* window : QApplication::topLevelWidgets())
+      if (auto* box = qobject_cast<WaitBox*>(window)) QTest::keyClick(box, Qt::Key_Escape);
+  });
+  ui.ShowForm(form);
+  EXPECT_TRUE(form.cancelled);
+  EXPECT_EQ(form.Result, 1);
 }
 
 TEST(FileFilter, PairsBecomeTheToolkitsFilters) {
