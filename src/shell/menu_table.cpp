@@ -165,7 +165,7 @@ constexpr std::array kItems = std::to_array<MenuItem>({
     {"WHPA", 1, "Calculated WHPA", "SimpleWHPAMenu", 0, kProject, "", c::Whpa},
     {"WHPA", 2, "Multiple Wells", "SimpleWHPAMenu", 0, kProject, "", c::Whpa},
     {"WHPA", 3, "Redraw WHPAs", "SimpleWHPAMenu", 0, kProject, "", c::Whpa},
-    {"OUTLINECZ", 0, "&Outline Capture Zone...", "SimpleWHPAMenu", 0, kProject | kLine, "", c::OutlineZone},
+    {"OUTLINECZ", 0, "&Outline Capture Zone...", "TOOLSMENU", 0, kProject, "", c::OutlineZone},
     {"INSPECTORMENU", 0, "Instant Inspector Settings...", "TOOLSMENU", 0, kProject},
     {"SolverIntegrityCheck", 0, "Solver Integrity Check", "TOOLSMENU", 0, kCheck},
     {"TOOLS_CMDS", 5, "Ormel Database &Viewer", "TOOLSMENU", 0, kProject | kLine},

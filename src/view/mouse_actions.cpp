@@ -231,6 +231,7 @@ class StreamBoundary final : public MouseAction {
   void RightPress(const MouseEvent& event) const override { Cancel(event); }
   void Cancel(const MouseEvent& event) const override {
     RemoveRubber(event.view);
+    CancelStreamBoundary(event.ormel);
     EndPlacing(event.ormel);
   }
 };

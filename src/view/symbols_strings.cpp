@@ -89,10 +89,15 @@ void DrawFluxLine(const MapCanvas& canvas, std::span<const MapPoint> points, Dra
   MarkVertices(canvas, points, mode == DrawMode::kErase ? kMapBackground : QBColor(0), 1.0);
 }
 
-void DrawCapzone(const MapCanvas& canvas, std::span<const MapPoint> points, DrawMode mode, bool vertices) {
+/// `closed`: the last vertex is joined to the first one.
+void DrawCapzone(const MapCanvas& canvas, std::span<const MapPoint> points, bool closed, DrawMode mode,
+                 bool vertices) {
   if (points.empty()) return;
   const Color color = ColorOfMode(mode, QBColor(9));
-  canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, 1.0, color);
+  if (closed)
+    DrawRing(canvas, points, 1.0, color);
+  else
+    canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, 1.0, color);
   if (mode == DrawMode::kSelected) MarkVertices(canvas, points, QBColor(0), 1.0);
   if (mode == DrawMode::kErase) MarkVertices(canvas, points, color, 1.0);
   if (vertices) MarkVertices(canvas, points, color, 1.5);
@@ -172,13 +177,18 @@ void ModelDrawAllCapzones(const MapCanvas& canvas) {
   const Named named(canvas.ormel, "ModelDrawAllCapzones");
   if (!canvas.ormel.menus.Checked("layermenu", kLayerWhpas)) return;
   const VertexChains chains(canvas.ormel.db(), "Capzones");
-  RowReader rows(canvas.ormel.db(), "select PID from Capzones");
-  while (rows.Next()) DrawCapzone(canvas, chains.Of(rows.Long(0)), DrawMode::kNormal, false);
+  RowReader rows(
+      canvas.ormel.db(),
+      "select Capzones.PID,Polygons.Closed from Capzones left join Polygons on Polygons.PID=Capzones.PID");
+  while (rows.Next())
+    DrawCapzone(canvas, chains.Of(rows.Long(0)), rows.Bool(1), DrawMode::kNormal, false);
 }
 
 void ModelDrawCapzone(const MapCanvas& canvas, Pid pid, DrawMode mode, bool vertices) {
   const Named named(canvas.ormel, "ModelDrawCapzone");
-  DrawCapzone(canvas, ChainOf(canvas.ormel.db(), pid), mode, vertices);
+  const bool closed =
+      canvas.ormel.db().Scalar("select Closed from Polygons where PID=?", {pid}).AsBool();
+  DrawCapzone(canvas, ChainOf(canvas.ormel.db(), pid), closed, mode, vertices);
 }
 
 }  // namespace ormel

@@ -10,6 +10,7 @@
 #include "core/solver_port.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/delete.h"
 #include "model/vertices.h"
 #include "model/wells.h"
 #include "store/bulk.h"
@@ -47,6 +48,12 @@ void Redraw(Ormel& ormel) {
   ormel.view().ZoomActions(Zoom::kRedraw);
 }
 
+/// An area that has just been made is to be seen, whatever the menu's switch said before.
+void ShowStored(Ormel& ormel) {
+  ormel.menus.Check("ShowWHPAs", true);
+  Redraw(ormel);
+}
+
 CaseOutcome Arbitrary(Ormel& ormel) {
   std::vector<WhpaWell> wells = EligibleWells(ormel);
   DropRowsOfMissingWells(ormel, WhpaType::kArbitrary, wells,
@@ -64,7 +71,7 @@ CaseOutcome Arbitrary(Ormel& ormel) {
   }
   AddWhpaRows(ormel, rows);
   Refresh(ormel);
-  Redraw(ormel);
+  ShowStored(ormel);
   return {};
 }
 
@@ -113,7 +120,7 @@ CaseOutcome Calculated(Ormel& ormel) {
   outcome.stream_boundary = form.answers.stream_boundary;
   if (outcome.stream_boundary) ormel.StreamWell = row.Well;
   Refresh(ormel);
-  Redraw(ormel);
+  ShowStored(ormel);
   return outcome;
 }
 
@@ -148,7 +155,7 @@ CaseOutcome Multiple(Ormel& ormel) {
   }
   AddWhpaRows(ormel, rows);
   Refresh(ormel);
-  if (!outcome.stream_boundary) Redraw(ormel);
+  if (!outcome.stream_boundary) ShowStored(ormel);
   return outcome;
 }
 
@@ -163,10 +170,9 @@ CaseOutcome Rerun(Ormel& ormel) {
   return outcome;
 }
 
-/// Every row gets the stem of the run's files.
-void NameRun(Ormel& ormel) {
+/// Every row gets the stem of the run's files; `stem` is the one from before the command.
+void NameRun(Ormel& ormel, std::string stem) {
   if (ormel.db().RowCount("WHPAs") == 0) return;
-  std::string stem = PresentStem(ormel);
   if (stem.empty()) stem = StemFromClock(ormel.clock().Now());
   ormel.db().Execute("update WHPAs set WHPAText=?", {stem});
 }
@@ -186,9 +192,11 @@ void WHPA(Ormel& ormel, int Index) {
   RunCommand(ormel, "WHPA", [&] {
     using Case = CaseOutcome (*)(Ormel&);
     constexpr Case kCases[] = {Arbitrary, Calculated, Multiple, Rerun};
+    const std::string stem = PresentStem(ormel);
     const CaseOutcome outcome = kCases[Index & 3](ormel);
+    ReadWhpaState(ormel);
     if (outcome.ended) return;
-    NameRun(ormel);
+    NameRun(ormel, stem);
     if (outcome.stream_boundary) return WaitForBoundary(ormel);
     if (!outcome.run) return;
     CommitSoFar(ormel);
@@ -242,6 +250,20 @@ void MakeStreamImages(Ormel& ormel) {
                         {rows.Double(5), rows.Double(6)}});
   }
   for (const Image& image : images) MirrorWell(ormel, image.well, image.first, image.second, image.at);
+}
+
+void CancelStreamBoundary(Ormel& ormel) {
+  RunCommand(ormel, "CancelStreamBoundary", [&] {
+    DeleteBoundaryVertices(ormel, "Type=2 or Type=3");
+    ormel.db().Execute(
+        "update WHPAs set VID1=0,VID2=0,Point1X=0,Point1Y=0,Point2X=0,Point2Y=0 where Type=2 or Type=3");
+    ormel.mouse.LineInProgress = false;
+    Inform(ormel, "Stream Boundary",
+           "The stream boundary was not finished, and the protection area was not computed.\nChoose the "
+           "command again to enter the boundary, or Redraw WHPAs to compute the area without one.",
+           Icon::kInformation);
+    ormel.view().ZoomActions(Zoom::kRedrawInPlace);
+  });
 }
 
 void ElemAddStreamBoundaryVertex(Ormel& ormel, int pointNumber) {

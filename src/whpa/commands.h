@@ -20,6 +20,9 @@ void WHPA(Ormel& ormel, int Index);
 /// areas are run.
 void ElemAddStreamBoundaryVertex(Ormel& ormel, int pointNumber);
 
+/// Ends the entry of a boundary before its second point: the rows have none, and nothing is run.
+void CancelStreamBoundary(Ormel& ormel);
+
 /// Makes the image wells of the affected rows anew, after a boundary point was placed or moved.
 void MakeStreamImages(Ormel& ormel);
 

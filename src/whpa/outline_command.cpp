@@ -13,6 +13,7 @@
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/model_values.h"
+#include "model/validity.h"
 #include "model/vertices.h"
 #include "solver/deck_writer.h"
 #include "solver/extents.h"
@@ -329,6 +330,7 @@ void OutlineCaptureZone(Ormel& ormel) {
     ormel.ui().ShowForm(form);
     if (form.Result != 1) return;
     const int stored = OutlineCaptureZones(ormel, form.Request());
+    if (stored > 0) TurnOnLayer(ormel, kLayerWhpas);
     Note(ormel, std::to_string(stored) + " capture zones outlined");
     ormel.view().ZoomActions(Zoom::kRedraw);
   });

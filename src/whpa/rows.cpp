@@ -75,6 +75,13 @@ void DeleteRunFiles(Ormel& ormel, const std::string& stem) {
     DeleteTolerantly(ModelFile(ormel, stem + extension));
 }
 
+/// Nothing else names the two points: without their rows they would stay on the map for good.
+void DeleteBoundaryVertices(Ormel& ormel, std::string_view where) {
+  for (const char* field : {"VID1", "VID2"})
+    ormel.db().Execute("delete from Vertices where PID=-1 and VID in (select " + std::string(field) +
+                       " from WHPAs" + Where(where) + ")");
+}
+
 void RemoveWhpaRows(Ormel& ormel, std::string_view where, bool keep_files) {
   struct Doomed {
     std::string well, stem;
@@ -92,6 +99,7 @@ void RemoveWhpaRows(Ormel& ormel, std::string_view where, bool keep_files) {
     ormel.db().Execute("delete from Vertices where VID in (select VID from Wells where Label=?)", {image});
     ormel.db().Execute("delete from Wells where Label=?", {image});
   }
+  DeleteBoundaryVertices(ormel, where);
   ormel.db().Execute("delete from WHPAs" + Where(where));
 }
 

@@ -43,6 +43,8 @@ std::vector<WhpaRow> ReadWhpaRows(Ormel& ormel, std::string_view where);
 /// Deletes the image wells of the rows that meet the condition, with their vertices, and then the rows.
 /// Unless `keep_files`, the files of a pathline run among them go too.
 void RemoveWhpaRows(Ormel& ormel, std::string_view where, bool keep_files);
+/// Deletes the vertices of the boundary points of these rows; the rows stay.
+void DeleteBoundaryVertices(Ormel& ormel, std::string_view where);
 /// Deletes the six files of a run in the project's folder; a missing one is no error.
 void DeleteRunFiles(Ormel& ormel, const std::string& stem);
 

@@ -52,6 +52,25 @@ TEST_F(IntegrityTest, UnclaimedVerticesGo) {
   EXPECT_TRUE(ui.boxes.empty());
 }
 
+TEST_F(IntegrityTest, PointsOfAStreamBoundaryStay) {
+  StoreWell(ormel, {.Label = "W"}, {1, 1});
+  const auto first = Vertex(-1, 5, 5), second = Vertex(-1, 500, 500);
+  const auto stray = Vertex(-1, 7, 7);
+  ormel.db().Execute(
+      "insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,WHPAText,Type,VID1,VID2) values "
+      "('W',0,0,0.2,'NONE',3,?,?)",
+      {first, second});
+  ormel.db().Execute(
+      "insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,WHPAText) values ('W',9,0,0,'NONE')");
+  DBIntegrity(ormel);
+  EXPECT_EQ(Count("Vertices"), 3);
+  EXPECT_EQ(Number("select count(*) from Vertices where VID=" + std::to_string(stray)), 0);
+  ormel.window.SolveWindow = {0, 100, 50, 0};
+  ui.AnswerTo("Database Repair", {Answer::kOk});
+  DBRepair(ormel);  // the second point lies outside the window, but it belongs to the area
+  EXPECT_EQ(Count("Vertices"), 3);
+}
+
 TEST_F(IntegrityTest, RepairRemovesWhatLiesOutsideTheWindow) {
   ormel.window.SolveWindow = {0, 100, 50, 0};
   StoreWell(ormel, {.Label = "in"}, {100, 50});  // on a corner: inside
