@@ -145,8 +145,6 @@ bool MirrorWell(Ormel& ormel, const std::string& label, MapPoint point1, MapPoin
   image.PathlineColor = kDefaultPathlineColor;
 
   // The earlier image goes first: one image to a well.
-  ormel.db().Execute(
-      "delete from Vertices where VID in (select VID from Wells where Label='Mirror_" + SQLSafe(label) + "')");
   ormel.db().Execute("delete from Wells where Label='Mirror_" + SQLSafe(label) + "'");
   const MapPoint at = ReflectInLine(well, point1, point2);
   ormel.view().DrawWell(at, image.Setback, image.Radius, DrawMode::kImageWell);

@@ -180,14 +180,12 @@ void ModelDrawAllCapzones(const MapCanvas& canvas) {
   RowReader rows(
       canvas.ormel.db(),
       "select Capzones.PID,Polygons.Closed from Capzones left join Polygons on Polygons.PID=Capzones.PID");
-  while (rows.Next())
-    DrawCapzone(canvas, chains.Of(rows.Long(0)), rows.Bool(1), DrawMode::kNormal, false);
+  while (rows.Next()) DrawCapzone(canvas, chains.Of(rows.Long(0)), rows.Bool(1), DrawMode::kNormal, false);
 }
 
 void ModelDrawCapzone(const MapCanvas& canvas, Pid pid, DrawMode mode, bool vertices) {
   const Named named(canvas.ormel, "ModelDrawCapzone");
-  const bool closed =
-      canvas.ormel.db().Scalar("select Closed from Polygons where PID=?", {pid}).AsBool();
+  const bool closed = canvas.ormel.db().Scalar("select Closed from Polygons where PID=?", {pid}).AsBool();
   DrawCapzone(canvas, ChainOf(canvas.ormel.db(), pid), closed, mode, vertices);
 }
 
