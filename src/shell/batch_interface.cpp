@@ -223,6 +223,11 @@ void BatchInterface::SetControl(Form& form, std::string_view control, const std:
   }
 }
 
+void BatchInterface::Use(BatchSetting setting) {
+  options_.settings.push_back(std::move(setting));
+  setting_uses_.push_back(0);
+}
+
 /// Sets what the options say; gives how many of them named this form.
 int BatchInterface::Fill(Form& form) {
   int named = 0;
@@ -299,7 +304,8 @@ std::vector<std::string> BatchInterface::Unused() const {
       unused.push_back("--answer \"" + options_.answers[i].key + "=" + options_.answers[i].value + "\"");
   for (std::size_t i = 0; i < options_.settings.size(); ++i) {
     const BatchSetting& s = options_.settings[i];
-    if (setting_uses_[i] == 0) unused.push_back("--set \"" + s.form + "." + s.control + "=" + s.value + "\"");
+    if (setting_uses_[i] == 0 && !s.optional)
+      unused.push_back("--set \"" + s.form + "." + s.control + "=" + s.value + "\"");
   }
   return unused;
 }

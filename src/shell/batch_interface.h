@@ -23,6 +23,7 @@ struct BatchAnswer {
 /// or number for lists, anything for a button that is to be pressed.
 struct BatchSetting {
   std::string form, control, value;
+  bool optional = false;  ///< no remark when the form does not come up
 };
 
 struct BatchOptions {
@@ -61,6 +62,8 @@ class BatchInterface : public UserInterface {
   void ShowHelp(std::string_view topic) override;
   void MenusChanged() override {}
 
+  /// One more value for a control, known only once the project is open.
+  void Use(BatchSetting setting);
   /// A message of the program itself, in the same form.
   void Say(std::string_view text);
   /// From a signal handler: the running outside program is to end.

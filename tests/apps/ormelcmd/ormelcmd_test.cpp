@@ -94,8 +94,6 @@ TEST_F(OrmelcmdTest, OutlinesCaptureZonesOfTheSolvedModel) {
   EXPECT_EQ(zones, "Label\n\"O'Brien, north 1 year\"\n\"O'Brien, north 2 years\"\n");
   EXPECT_NE(Do({"whpa", "list", "town.orm"}).find("1 year"), std::string::npos);
   Do({"render", "town.orm", "map.png", "--size", "200x100"});  // the solve still stands
-  Do({"whpa", "radius", "town.orm", "--radius", "250"});
-  EXPECT_EQ(Do({"sql", "town.orm", "--csv", "select Type,Radius from WHPAs"}), "Type,Radius\n1,250\n");
 }
 
 TEST_F(OrmelcmdTest, ExportsADeck) {

@@ -1,17 +1,15 @@
-// whpa outline, radius, list
-#include <CLI/CLI.hpp>
+// whpa outline, list
 #include <algorithm>
 #include <iostream>
 #include <memory>
 
 #include "core/command.h"
-#include "ormelcmd/options.h"
 #include "ormelcmd/table.h"
+#include "ormelcmd/whpa.h"
 #include "shell/solve_stamp.h"
 #include "store/database.h"
 #include "text/strings.h"
 #include "whpa/outline_command.h"
-#include "whpa/rows.h"
 
 namespace ormel {
 namespace {
@@ -62,32 +60,6 @@ int Outline(const CommonOptions& common, const OutlineOptions& given) {
   return session.Finish();
 }
 
-struct RadiusOptions {
-  std::string path;
-  std::vector<std::string> wells;
-  double radius = 0.0;
-};
-
-int Radius(const CommonOptions& common, const RadiusOptions& given) {
-  if (!(given.radius > 0.0)) throw UserError("--radius must be above 0");
-  Session session(MakeBatchOptions(common));
-  session.OpenForEdit(given.path);
-  session.Edit([&] {
-    Ormel& ormel = session.ormel();
-    const std::vector<WhpaWell> wells =
-        Chosen(EligibleWells(ormel), given.wells, "well for a protection area");
-    std::vector<WhpaRow> rows;
-    for (const WhpaWell& well : wells) {
-      ormel.db().Execute("delete from WHPAs where Type=1 and Well=?", {well.label});
-      WhpaRow& row = rows.emplace_back();
-      row.Well = well.label;
-      row.Radius = given.radius;
-    }
-    AddWhpaRows(ormel, rows);
-  });
-  return session.Finish();
-}
-
 int List(const std::string& path) {
   Database db = Database::Open(path, OpenMode::kReadOnly);
   PrintAligned(std::cout,
@@ -106,13 +78,9 @@ int List(const std::string& path) {
 
 }  // namespace
 
-void AddWhpaCommands(CLI::App& app, Program& program) {
-  CLI::App* whpa = app.add_subcommand("whpa", "Capture zones and protection areas of wells");
-  whpa->require_subcommand(1);
-  whpa->fallthrough();
-
+void DefineOutline(CLI::App& whpa, Program& program) {
   auto outline = std::make_shared<OutlineOptions>();
-  CLI::App* trace = whpa->add_subcommand("outline", "Outline the capture zones of a solved model");
+  CLI::App* trace = whpa.add_subcommand("outline", "Outline the capture zones of a solved model");
   trace->add_option("project", outline->path, "The project")->required();
   trace->add_option("--well", outline->wells, "Label of a well, several times; otherwise every pumping well")
       ->allow_extra_args(false);
@@ -129,17 +97,8 @@ void AddWhpaCommands(CLI::App& app, Program& program) {
     program.run = [&program, outline] { return Outline(program.common, *outline); };
   });
 
-  auto radius = std::make_shared<RadiusOptions>();
-  CLI::App* circle = whpa->add_subcommand("radius", "Protection areas of an arbitrary radius");
-  circle->add_option("project", radius->path, "The project")->required();
-  circle->add_option("--well", radius->wells, "Label of a well, several times; otherwise every such well")
-      ->allow_extra_args(false);
-  circle->add_option("--radius", radius->radius, "Radius in map units")->required();
-  circle->callback(
-      [&program, radius] { program.run = [&program, radius] { return Radius(program.common, *radius); }; });
-
   auto path = std::make_shared<std::string>();
-  CLI::App* list = whpa->add_subcommand("list", "List capture zones and protection areas");
+  CLI::App* list = whpa.add_subcommand("list", "List capture zones and protection areas");
   list->add_option("project", *path, "The project")->required();
   list->callback([&program, path] { program.run = [path] { return List(*path); }; });
 }
