@@ -17,11 +17,13 @@
 
 #include "ormel/application.h"
 #include "ormel/form_dialog.h"
+#include "ormel/help_viewer.h"
 #include "ormel/program.h"
 #include "platform/file_settings.h"
 #include "platform/posix_processes.h"
 #include "platform/system_clock.h"
 #include "shell/menus.h"
+#include "shell/welcome.h"
 
 namespace ormel {
 namespace {
@@ -77,6 +79,19 @@ class Photographer {
     Save(program_.window.grab(), name);
   }
 
+  /// A viewer that the window has opened; it is closed afterwards.
+  template <class Viewer>
+  void Child(const char* file) {
+    Settle(250);
+    auto* viewer = program_.window.findChild<Viewer*>();
+    if (viewer == nullptr) {
+      std::printf("%s: not opened\n", file);
+      return;
+    }
+    Save(viewer->grab(), QString::fromLatin1(file));
+    viewer->close();
+  }
+
   /// Does something that opens a dialog and takes its picture; Escape then closes it.
   void OnDialog(const char* file, int page, const std::function<void()>& open) {
     const QString name = QString::fromLatin1(file);
@@ -123,15 +138,30 @@ void TakeWell(Program& program, Photographer& photographer) {
                         [&] { QTest::mouseClick(&map, Qt::LeftButton, {}, map.rect().center()); });
 }
 
+/// The guide as it stands beside the map.
+void TakeGuide(Program& program, Photographer& photographer) {
+  program.ui.ShowHelp("drawing");
+  photographer.Child<HelpViewer>("viewer-guide");
+}
+
+void TakeWelcome(Program& program, Photographer& photographer) {
+  Welcome form(program.ormel);
+  photographer.OnDialog("dialog-welcome", 0, [&] { program.ui.ShowForm(form); });
+}
+
 void TakeAll(Program& program, const QString& folder) {
   Photographer photographer(program, folder);
   Dispatch(program.ormel, "MODEL_CMDS", 2);
+  Dispatch(program.ormel, "ShowWellLabels", 0);
+  Dispatch(program.ormel, "TMARKS", kTimeMarks2Years);
   Dispatch(program.ormel, "ZOOM_CMDS", 3);
   photographer.Window(QStringLiteral("window"));
   Dispatch(program.ormel, "ZOOM_CMDS", 1);
   photographer.Window(QStringLiteral("window-zoomed"));
   Dispatch(program.ormel, "ZOOM_CMDS", 3);
   TakeWell(program, photographer);
+  TakeWelcome(program, photographer);
+  TakeGuide(program, photographer);
   for (const DialogShot& shot : kDialogs)
     photographer.OnDialog(shot.file, shot.page, [&] {
       if (!Dispatch(program.ormel, shot.control, shot.index)) std::printf("%s: not offered\n", shot.file);
