@@ -75,21 +75,23 @@ TEST(QtInterface, ALongCommandShowsItsProgressRepaintsAndHearsOnlyCancel) {
     window.update();
   });
   QString bar_seen;
-  QTimer::singleShot(900, &window, [&] {
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, [&] {
     auto* box = window.findChild<WaitBox*>();
-    ASSERT_NE(box, nullptr);
-    EXPECT_TRUE(box->isVisible());
+    if (box == nullptr || !box->isVisible()) return;
+    look.stop();
     bar_seen = QString::number(box->findChild<QProgressBar*>()->value());
     QTest::mouseClick(box->findChild<QPushButton*>(), Qt::LeftButton);
   });
+  look.start(50);
   ui.PleaseWaitShow("Solving...");
   QElapsedTimer time;
   time.start();
-  while (!ui.CancelRequested() && time.elapsed() < 5000) {
+  while (!ui.CancelRequested() && time.elapsed() < 20000) {
     ui.Progress(0.25, "Iteration 2");
     QTest::qSleep(5);
   }
-  EXPECT_LT(time.elapsed(), 3000);
+  EXPECT_LT(time.elapsed(), 20000) << "Cancel was not heard";
   EXPECT_EQ(bar_seen, "250");
   EXPECT_GT(window.paints, paints);
   EXPECT_EQ(window.presses, 0) << "the map heard the mouse in the middle of a command";
@@ -122,7 +124,7 @@ class SlowForm : public test::EveryKind {
       ui_.PleaseWaitShow("Working...");
       QElapsedTimer time;
       time.start();
-      while (!cancelled && time.elapsed() < 5000) cancelled = ui_.CancelRequested();
+      while (!cancelled && time.elapsed() < 20000) cancelled = ui_.CancelRequested();
       ui_.PleaseWaitHide();
     }
     EveryKind::Pressed(name);
@@ -137,10 +139,12 @@ TEST(QtInterface, ACommandThatADialogStartsCanBeCancelledToo) {
   QtInterface ui;
   SlowForm form(controller.ormel, ui);
   QTimer::singleShot(50, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Return); });
-  QTimer::singleShot(900, [] {
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, [] {
     for (QWidget* window : QApplication::topLevelWidgets())
       if (auto* box = qobject_cast<WaitBox*>(window)) QTest::keyClick(box, Qt::Key_Escape);
   });
+  look.start(50);
   ui.ShowForm(form);
   EXPECT_TRUE(form.cancelled);
   EXPECT_EQ(form.Result, 1);
