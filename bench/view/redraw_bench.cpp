@@ -15,6 +15,7 @@
 #include "store/schema.h"
 #include "support/temp_dir.h"
 #include "view/map_view_impl.h"
+#include "view/mouse.h"
 
 namespace ormel {
 namespace {
@@ -148,6 +149,33 @@ void RedrawTownClose(benchmark::State& state) {
   town.ormel.window.SolveWindow = full;
 }
 BENCHMARK(RedrawTownClose)->Unit(benchmark::kMillisecond);
+
+/// The pointer over the map, and with a rubber line behind it.
+void MoveThePointer(benchmark::State& state) {
+  Town& town = TheTown();
+  town.ormel.mouse.MouseMode = state.range(0) != 0 ? MouseMode::kDigitize : MouseMode::kSelect;
+  town.ormel.mouse.MouseElement = state.range(0) != 0 ? Element::kLinesink : Element::kNone;
+  town.ormel.mouse.LineInProgress = state.range(0) != 0;
+  int step = 0;
+  for (auto _ : state) {
+    step = (step + 7) % 1000;
+    Map_MouseMove(town.map, MouseButton::kNone, 0, {step, 1000 - step});
+  }
+  town.map.ClearMouseMode();
+}
+BENCHMARK(MoveThePointer)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
+
+/// A click in select mode on a full map.
+void ClickOnTheMap(benchmark::State& state) {
+  Town& town = TheTown();
+  int step = 0;
+  for (auto _ : state) {
+    step = (step + 7) % 1000;
+    Map_MouseDown(town.map, MouseButton::kLeft, 0, {step, 1000 - step});
+    Map_MouseUp(town.map, MouseButton::kLeft, 0, {step, 1000 - step});
+  }
+}
+BENCHMARK(ClickOnTheMap)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace ormel

@@ -18,6 +18,8 @@ constexpr double kNeighbourhood = 16384.0;
 constexpr std::size_t kLinePoints = 5000;
 /// Lines of the editor grid closer than this would only paint the map grey [pixels].
 constexpr double kClosestGrid = 2.0;
+/// Points of a line closer than this in both directions are one [pixels].
+constexpr int kShortestStep = 2;
 constexpr Color kGridColor = QBColor(7);
 
 bool Fits32(double value) {
@@ -224,22 +226,31 @@ void VgGdi::vgGDIPolyline(std::span<const MapPoint> points, PenStyle style, doub
   line_.clear();
   const auto add = [&](Spot spot) {
     const DevicePoint point = Round(spot);
+    // Steps of a pixel would draw the stairs of the rounding instead of the line.
+    const bool step = !line_.empty() && std::abs(point.x - line_.back().x) < kShortestStep &&
+                      std::abs(point.y - line_.back().y) < kShortestStep;
+    if (!step) line_.push_back(point);
+  };
+  const auto end = [&](Spot spot) {
+    const DevicePoint point = Round(spot);
     if (line_.empty() || !(line_.back() == point)) line_.push_back(point);
+    Emit(line_, pen);
   };
   if (!spots_far_) {
     for (const Spot& spot : spots_) add(spot);
-    Emit(line_, pen);
-    return;
+    return end(spots_.back());
   }
   const clip::Box near = Neighbourhood(view_);
+  Spot last{};
   for (std::size_t i = 1; i < spots_.size(); ++i) {
     const auto part = clip::Segment(near, spots_[i - 1], spots_[i]);
     if (!part) continue;
-    if (!line_.empty() && !near.Holds(spots_[i - 1])) Emit(line_, pen);  // the line came back from outside
+    if (!line_.empty() && !near.Holds(spots_[i - 1])) end(last);  // the line came back from outside
     add(part->first);
     add(part->second);
+    last = part->second;
   }
-  if (!line_.empty()) Emit(line_, pen);
+  if (!line_.empty()) end(last);
 }
 
 void VgGdi::vgGDIPolygon(std::span<const MapPoint> points, PenStyle style, double width, Color color,

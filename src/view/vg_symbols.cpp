@@ -114,7 +114,7 @@ void VgGdi::vgGDISymbol(MapPoint at, VgSymbol symbol, Color color, Color fill, d
         target_->Circle(middle, radius, pen, std::nullopt);
         break;
       case Part::kDisc:
-        target_->Circle(middle, radius, pen, fill);
+        target_->Circle(middle, radius, {PenStyle::kNone, pen_width, color}, fill);  // ink only inside
         break;
     }
   }

@@ -183,10 +183,10 @@ struct TestPointCase {
 
 TEST(TestPoints, FollowTheDisplayAndTheSignOfTheDifference) {
   const TestPointCase cases[] = {
-      {"plain, no solution", false, false, false, kTestScale5, 3.0, {"circle 4 at 200,200 r2 fill 4"}},
-      {"plain, above", false, false, true, kTestScale5, 3.0, {"circle 2 at 200,200 r2 fill 2"}},
-      {"exactly 0 is red", false, false, true, kTestScale5, 0.0, {"circle 4 at 200,200 r2 fill 4"}},
-      {"below is red", false, false, true, kTestScale5, -3.0, {"circle 4 at 200,200 r2 fill 4"}},
+      {"plain, no solution", false, false, false, kTestScale5, 3.0, {"circle 4 style5 at 200,200 r2 fill 4"}},
+      {"plain, above", false, false, true, kTestScale5, 3.0, {"circle 2 style5 at 200,200 r2 fill 2"}},
+      {"exactly 0 is red", false, false, true, kTestScale5, 0.0, {"circle 4 style5 at 200,200 r2 fill 4"}},
+      {"below is red", false, false, true, kTestScale5, -3.0, {"circle 4 style5 at 200,200 r2 fill 4"}},
       {"text has a sign",
        true,
        false,

@@ -113,6 +113,22 @@ TEST(VgGdi, DrawsLongLinesInPiecesThatShareTheirEnds) {
   EXPECT_EQ(t.device.calls().size(), 1U);
 }
 
+TEST(VgGdi, DenseLinesKeepTheirEndsAndLoseTheStairsOfRounding) {
+  Layer t;
+  std::vector<MapPoint> points;
+  for (int i = 0; i <= 1000; ++i) points.push_back({i * 0.05, i * 0.025});
+  t.vg.vgGDIPolyline(points, PenStyle::kSolid, 1.0, QBColor(1));
+  ASSERT_EQ(t.device.calls().size(), 1U);
+  const auto& drawn = t.device.calls()[0].points;
+  EXPECT_EQ(drawn.front(), (DevicePoint{200, 200}));
+  EXPECT_EQ(drawn.back(), (DevicePoint{300, 150}));
+  EXPECT_LT(drawn.size(), 60U);
+  for (const DevicePoint& p : drawn) EXPECT_LE(std::abs((p.x - 200) * 0.5 - (200 - p.y)), 1.0);
+  t.device.Reset();
+  t.vg.vgGDILine({0, 0}, {0.1, 0.1}, PenStyle::kSolid, 1.0, QBColor(1));
+  EXPECT_EQ(t.device.Lines(), (std::vector<std::string>{"line 1 200,200 200,200"})) << "a dot";
+}
+
 TEST(VgGdi, LinesFromFarAwayCrossTheViewWhereTheyShould) {
   Layer t;
   // Through (0, 50): from far left to far right, its slope 1/1e7.
@@ -156,7 +172,7 @@ TEST(VgGdi, DrawsTheElevenSymbolsAsShapesAroundTheirPlace) {
        {"circle 4 at 200,200 r5", "line 4 195,195 205,205", "line 4 195,205 205,195"}},
       {VgSymbol::kCircleUprightCross,
        {"circle 4 at 200,200 r5", "line 4 195,200 205,200", "line 4 200,205 200,195"}},
-      {VgSymbol::kDot, {"circle 4 at 200,200 r2 fill 2"}},
+      {VgSymbol::kDot, {"circle 4 style5 at 200,200 r2 fill 2"}},
       {VgSymbol::kDiagonalCross, {"line 4 195,195 205,205", "line 4 195,205 205,195"}},
       {VgSymbol::kUprightCross, {"line 4 195,200 205,200", "line 4 200,205 200,195"}},
       {VgSymbol::kCircle, {"circle 4 at 200,200 r3"}},
