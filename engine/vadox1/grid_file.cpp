@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <string>
 
 namespace vadox1 {
 
@@ -43,7 +44,8 @@ std::vector<double> GridHeads(const aem::Solution& solution, const GridShape& sh
   return heads;
 }
 
-std::string GridText(const GridShape& shape, const std::vector<double>& heads) {
+void WriteGrid(const GridShape& shape, const std::vector<double>& heads,
+               const std::function<void(std::string_view)>& write) {
   double low = kBlank, high = -kBlank;
   for (const double head : heads) {
     if (head >= kBlank) continue;
@@ -55,7 +57,6 @@ std::string GridText(const GridShape& shape, const std::vector<double>& heads) {
   std::string text =
       fmt::format("DSAA\r\n{} {}\r\n{:.10g} {:.10g}\r\n{:.10g} {:.10g}\r\n{:.9g} {:.9g}\r\n", shape.columns,
                   shape.rows, window.left, window.right, window.bottom, window.top, low, high);
-  text.reserve(text.size() + heads.size() * 12);
   constexpr int kPerLine = 10;
   for (std::size_t node = 0; node < heads.size(); ++node) {
     const int column = static_cast<int>(node % static_cast<std::size_t>(shape.columns));
@@ -66,8 +67,10 @@ std::string GridText(const GridShape& shape, const std::vector<double>& heads) {
     }
     const bool row_ends = column + 1 == shape.columns;
     text += row_ends ? "\r\n\r\n" : (column % kPerLine == kPerLine - 1 ? "\r\n" : " ");
+    if (!row_ends) continue;
+    write(text);
+    text.clear();
   }
-  return text;
 }
 
 }  // namespace vadox1

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 #include <functional>
-#include <string>
+#include <string_view>
 #include <vector>
 
 #include "aem/solution.h"
@@ -14,7 +14,7 @@ namespace vadox1 {
 inline constexpr double kBlank = 1.70141e38;
 
 /// More nodes than this are refused: no map shows them, and they would fill the memory.
-inline constexpr double kMostNodes = 2e8;
+inline constexpr double kMostNodes = 1e8;
 
 struct GridShape {
   aem::Window window;
@@ -33,6 +33,8 @@ std::vector<double> GridHeads(const aem::Solution& solution, const GridShape& sh
 
 /// DSAA; columns and rows; ranges of x, of y and of the heads; then the heads, ten a line, a blank line
 /// behind each row.  Nine significant digits.
-std::string GridText(const GridShape& shape, const std::vector<double>& heads);
+/// The text comes in pieces.
+void WriteGrid(const GridShape& shape, const std::vector<double>& heads,
+               const std::function<void(std::string_view)>& write);
 
 }  // namespace vadox1

@@ -218,7 +218,9 @@ void Session::Do(const GridCommand& command) {
     Progress(share, text);
     return true;
   });
-  files::WriteWholeFile(command.file, GridText(shape, heads));
+  files::OutputFile out(command.file);
+  WriteGrid(shape, heads, [&](std::string_view piece) { out.Write(piece); });
+  out.Commit();
 }
 
 }  // namespace vadox1

@@ -65,6 +65,12 @@ TEST(PathFile, points_stand_in_their_columns) {
   EXPECT_EQ(PathText({}), "* \r\n");
 }
 
+std::string GridText(const GridShape& shape, const std::vector<double>& heads) {
+  std::string text;
+  WriteGrid(shape, heads, [&](std::string_view piece) { text += piece; });
+  return text;
+}
+
 TEST(GridFile, cells_are_nearly_square_and_dry_nodes_blank) {
   const struct {
     aem::Window window;
