@@ -38,6 +38,10 @@ constexpr double kStill = 1e-9;
 /// The longest travel time at this speed moves it by a thousandth of a step: see Mover.
 constexpr double kSlow = 1e-3;
 
+bool Stopped(const std::atomic<bool>* flag) {
+  return flag != nullptr && flag->load(std::memory_order_relaxed);
+}
+
 class PathTracer {
  public:
   PathTracer(const TraceField& field, const PathStart& start, const TraceOptions& options,
@@ -53,7 +57,7 @@ class PathTracer {
   Path Run() {
     Begin();
     while (!ended_) {
-      if (stop_ != nullptr && stop_->load(std::memory_order_relaxed)) break;
+      if (Stopped(stop_) || Stopped(options_.stop)) break;
       if (Stuck()) {
         End(PathEnd::kStagnation);
       } else {
@@ -70,6 +74,11 @@ class PathTracer {
   bool Stuck();
   void Advance();
   bool StandsStill() const;
+  /// Short steps are taken where the flow diverges, at a well's rim first of all, and their errors grow with
+  /// it.
+  detail::Tolerance ToleranceOf(double way) const {
+    return {tolerance_.position * std::min(1.0, 10.0 * way / options_.step), tolerance_.height};
+  }
   void Accept(const Place& end, const Motion& motion);
   void ComeToTime(const Trial& trial, double way);
   void FieldEnds(const Trial& trial, double way);
@@ -80,7 +89,7 @@ class PathTracer {
   void Meet(const Event& event, double way);
   void Arrive(const Event& event, const Motion& motion, double way);
   void CrossLine(const Crossing& crossing, const Motion& motion);
-  bool TakenBy(const Crossing& crossing, const Motion& motion, Complex normal);
+  bool TakenBy(const Crossing& crossing, const Motion& near_side, Complex normal);
   const std::string& LineSinkLabel(const Crossing& crossing) const;
   bool CrossedInVain(const Crossing& crossing);
   void Slide(const Segment& line, Complex normal);
@@ -94,8 +103,16 @@ class PathTracer {
     path_.label = std::move(label);
   }
   void EndAtTop();
+  /// Where there is a head but no usable flow, in the middle of a singular point, the water goes nowhere.
   void EndWithoutField(PointStatus status) {
-    End(status == PointStatus::kIgnored ? PathEnd::kIgnored : PathEnd::kDry);
+    switch (status) {
+      case PointStatus::kOk:
+        return End(PathEnd::kStagnation);
+      case PointStatus::kDry:
+        return End(PathEnd::kDry);
+      case PointStatus::kIgnored:
+        return End(PathEnd::kIgnored);
+    }
   }
 
   const TraceField& field_;
@@ -116,7 +133,6 @@ class PathTracer {
 
   long long calls_ = 0;  ///< of Advance
   Place mark_;           ///< where the particle was at the last look of Stuck
-  double mark_time_ = -1.0;
 };
 
 // --- the start ---
@@ -129,7 +145,7 @@ void PathTracer::Begin() {
   if (wet) place_.s = std::clamp((start.elevation - state.base) / state.thickness, 0.0, 1.0);
   if (!wet) {
     path_.points.push_back({start.at, start.elevation, 0.0, kNotSet});
-    EndWithoutField(state.status);
+    EndWithoutField(state.status == PointStatus::kIgnored ? PointStatus::kIgnored : PointStatus::kDry);
   } else {
     AddPoint(state);
   }
@@ -191,9 +207,8 @@ bool PathTracer::Stuck() {
   if (++calls_ % kLook != 0) return false;
   const bool moved =
       std::abs(place_.at - mark_.at) > 1e-3 * options_.step || std::fabs(place_.s - mark_.s) > 1e-4;
-  const bool waited = mark_time_ < 0.0 || place_.time - mark_time_ > 1e-3 * options_.longest_time;
+  const bool waited = place_.time - mark_.time > 1e-3 * options_.longest_time;
   mark_ = place_;
-  mark_time_ = place_.time;
   return !moved && !waited;
 }
 
@@ -208,7 +223,7 @@ void PathTracer::Advance() {
   double way = std::min(next_, 2.0 * Remaining() / motion_.dt);
   const double pace = std::abs(motion_.v);
   if (pace * way > options_.step) way = options_.step / pace;
-  const Trial trial = mover_.Step(place_, motion_, way, tolerance_);
+  const Trial trial = mover_.Step(place_, motion_, way, ToleranceOf(way));
   if (!trial.ok) return FieldEnds(trial, way);
   const double length = std::abs(trial.end.at - place_.at);
   if (length > options_.step * 1.0001) {
@@ -224,12 +239,15 @@ void PathTracer::Advance() {
   const bool tiny = pace * way < kTiny * options_.step && std::fabs(motion_.ds) * way < kTiny;
   next_ = way * factor;
   if (bad && !tiny) return;
+  if (bad) next_ = std::max(next_, kTiny * options_.step);
   if (trial.end.time > options_.longest_time) return ComeToTime(trial, way);
   Accept(trial.end, trial.motion);
 }
 
 void PathTracer::Accept(const Place& end, const Motion& motion) {
+  const double before = place_.time;
   place_ = end;
+  place_.time = std::max(place_.time, before);
   place_.s = std::clamp(place_.s, 0.0, 1.0);
   motion_ = motion;
   AddPoint(motion_.state);
@@ -333,7 +351,6 @@ void PathTracer::Arrive(const Event& event, const Motion& motion, double way) {
       AddPointHere();
       return EndAtTop();
     case EventKind::kCrossing:
-      AddPoint(motion.state);
       return CrossLine(event.crossing, motion);
     case EventKind::kNone:
       return;
@@ -347,12 +364,16 @@ void PathTracer::CrossLine(const Crossing& crossing, const Motion& motion) {
   const Complex along = line.to - line.from;
   Complex normal = Complex(0.0, 1.0) * along / std::abs(along);
   if (Dot(normal, motion.v) < 0.0) normal = -normal;
+  // The flow and the head on this side of the line.
+  Motion near = mover_.At({place_.at - kNudge * options_.step * normal, place_.s, place_.time});
+  if (!near.ok) near = motion;
+  AddPoint(near.state);
   next_ = kFarthest * options_.step;
   const bool wall = crossing.type == CrossingType::kWall;
   if (wall && field_.GetModel().walls[static_cast<std::size_t>(crossing.index)].conductivity <= 0.0) {
     return Slide(line, normal);
   }
-  if (crossing.type == CrossingType::kLineSink && TakenBy(crossing, motion, normal)) return;
+  if (crossing.type == CrossingType::kLineSink && TakenBy(crossing, near, normal)) return;
   if (CrossedInVain(crossing)) {
     if (crossing.type == CrossingType::kLineSink) return End(PathEnd::kSurfaceWater, LineSinkLabel(crossing));
     return Slide(line, normal);
@@ -368,8 +389,8 @@ const std::string& PathTracer::LineSinkLabel(const Crossing& crossing) const {
 }
 
 /// Whether the line-sink ends the path; otherwise the particle passes and its relative height is adjusted.
-bool PathTracer::TakenBy(const Crossing& crossing, const Motion& motion, Complex normal) {
-  const double near = std::fabs(Dot(motion.state.discharge, normal));
+bool PathTracer::TakenBy(const Crossing& crossing, const Motion& near_side, Complex normal) {
+  const double near = std::fabs(Dot(near_side.state.discharge, normal));
   const double taken =
       mover_.direction() * field_.SinkDensity(crossing.index, crossing.segment, crossing.position);
   const double far = near - taken;
@@ -461,7 +482,7 @@ std::vector<Path> TracePaths(const TraceField& field, std::span<const PathStart>
   std::atomic<bool> stop{false};
   std::mutex reporting;
   const auto work = [&] {
-    while (!stop.load()) {
+    while (!stop.load() && !Stopped(options.stop)) {
       const std::size_t index = next.fetch_add(1);
       if (index >= starts.size()) return;
       paths[index] = PathTracer(field, starts[index], options, &stop).Run();
@@ -478,7 +499,7 @@ std::vector<Path> TracePaths(const TraceField& field, std::span<const PathStart>
   for (std::size_t i = 1; i < threads; ++i) team.emplace_back(work);
   work();
   team.clear();
-  if (stop.load()) paths.clear();
+  if (stop.load() || Stopped(options.stop)) paths.clear();
   return paths;
 }
 

@@ -81,6 +81,8 @@ struct TraceOptions {
   /// one travel times are good to about 1e-5 at the default step.
   double tolerance = 1e-7;
   int threads = 0;  ///< 0: as many as the machine has
+  /// When it becomes true the paths stop where they are; what TracePaths returns is then empty.
+  const std::atomic<bool>* stop = nullptr;
 };
 
 /// One path.

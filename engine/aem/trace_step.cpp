@@ -65,7 +65,7 @@ Trial Mover::Step(const Place& from, const Motion& first, double way, const Tole
     for (int j = 0; j < i; ++j) at = stage[j].Move(at, way * kA[i][j]);
     stage[i] = At(at);
     if (!stage[i].ok) {
-      trial.failed = stage[i].state.status == PointStatus::kOk ? PointStatus::kDry : stage[i].state.status;
+      trial.failed = stage[i].state.status;
       return trial;
     }
     trial.end = at;
@@ -78,6 +78,8 @@ Trial Mover::Step(const Place& from, const Motion& first, double way, const Tole
   trial.error =
       std::max({std::abs(error.at) / tolerance.position, std::fabs(error.time) * speed / tolerance.position,
                 std::fabs(error.s) / tolerance.height});
+  // Where the velocity jumps within the step its weights of both signs can even turn time back.
+  if (!(trial.end.time > from.time)) trial.error = std::max(trial.error, 1e6);
   // The middle of the cubic through both ends.
   const Place change = trial.motion.Move(first.Move({}, way / 8.0), -way / 8.0);
   trial.middle = {0.5 * (from.at + trial.end.at) + change.at, 0.5 * (from.s + trial.end.s) + change.s,

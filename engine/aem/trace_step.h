@@ -40,7 +40,7 @@ struct Motion {
 /// A tried step of Dormand and Prince.
 struct Trial {
   bool ok = false;
-  PointStatus failed = PointStatus::kOk;  ///< why not ok
+  PointStatus failed = PointStatus::kOk;  ///< why not ok; kOk: no finite flow
   Place end, middle;
   Motion motion;       ///< at the end
   double error = 0.0;  ///< estimate over tolerance: above 1 the step is too long

@@ -88,6 +88,7 @@ void Session::Do(const TraceCommand& command) {
   options.longest_time = command.time;
   options.step = StepOf(command, window, logs_);
   options.window = window;
+  options.stop = &interrupted;
   for (const BoundaryLine& line : command.boundaries) options.boundaries.push_back({line.from, line.to});
 
   const aem::SolutionField field(solution);
@@ -104,6 +105,7 @@ void Session::Do(const TraceCommand& command) {
     return stopped == nullptr;
   });
   if (stopped) std::rethrow_exception(stopped);
+  if (interrupted.load()) throw Interrupted();
 
   std::array<int, aem::kPathEnds> counts{};
   std::vector<NamedPath> named(paths.size());

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 #include "vadox1/program_run.h"
 
@@ -18,6 +19,7 @@ using test::ReadXtr;
 using test::Town;
 using test::XtrRecord;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 const std::string kLogs =
@@ -139,6 +141,49 @@ TEST(ProgramPaths, line_sink_records_have_the_fields_that_are_read) {
   ASSERT_EQ(by_head.fields.size(), 14u);
   EXPECT_NEAR(by_head.Number(5), 58.0, 1e-9);
   EXPECT_NEAR(by_head.Number(6), 58.0, 1e-3);
+}
+
+/// Rims, centres, vertices, middles and corners of everything, in both directions and at three heights.
+TEST(ProgramPaths, starts_at_awkward_places_end_with_a_reason) {
+  std::vector<std::pair<double, double>> places = {{1300, 500},  {1300.2, 500},  {700, 1000}, {1900, 1900},
+                                                   {2000, 1900}, {-3000, -3000}, {3000, 3000}};
+  std::string model =
+      " inhomogeneity\n transmissivity 40 -9999 -9999 -.001 .3 IN_000007_0000\n 1000 200 IN_000007_0001\n "
+      "1600 200 IN_000007_0002\n"
+      " 1700 900 IN_000007_0003\n 1000 800 IN_000007_0004\n quit\n well\n discharge\n 1300 500 900 .2 "
+      "WL_000001\n"
+      " 700 1000 -300 .2 WL_000002\n quit\n sinkdisk\n discharge\n 1900 1900 2000 1900 .004 0 WL_000006\n "
+      "quit\n linesink\n head\n"
+      " resistance 0\n width 0 0\n depth 0\n";
+  for (const auto& corner :
+       {std::pair{1000.0, 200.0}, {1600.0, 200.0}, {1700.0, 900.0}, {1000.0, 800.0}, {1300.0, 200.0}}) {
+    places.push_back(corner);
+  }
+  double x = -400.0, y = 100.0;
+  for (int i = 2; i < 12; ++i) {
+    const double to_x = x + 100.0, to_y = 300.0 + 150.0 * std::sin(0.01 * i * i);
+    model += " " + std::to_string(x) + " " + std::to_string(y) + " " + std::to_string(to_x) + " " +
+             std::to_string(to_y) + " 56 LS_000020_" + std::to_string(1000 + i) + "\n";
+    places.emplace_back(x, y);
+    places.emplace_back(0.5 * (x + to_x), 0.5 * (y + to_y));
+    x = to_x, y = to_y;
+  }
+  std::string points;
+  for (const auto& [px, py] : places) {
+    for (const char* rest : {" 0 1\n", " 0 -1\n", " 9 1\n", " 9 -1\n", " 99 1\n", " 99 -1\n"}) {
+      points += " " + std::to_string(px) + " " + std::to_string(py) + rest;
+    }
+  }
+  Town town;
+  const Outcome run = town.Run(Model(" uniflow -.4 .1\n", model + " quit\n") + Solve(Trace(points, "36500")));
+  ASSERT_EQ(run.status, 0) << run.fatal;
+  const std::vector<PthPath> paths = ReadPth(town.Read("my town.PTH"));
+  ASSERT_EQ(paths.size(), places.size() * 6);
+  for (const PthPath& path : paths) {
+    EXPECT_THAT(path.end, Not(StartsWith("stagnation"))) << path.start;
+    EXPECT_LT(path.points.size(), 1500u) << path.start;
+    for (std::size_t i = 1; i < path.points.size(); ++i) EXPECT_GE(path.points[i][3], path.points[i - 1][3]);
+  }
 }
 
 TEST(ProgramPaths, one_streamline_of_a_saved_solution) {

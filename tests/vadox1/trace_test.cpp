@@ -362,7 +362,7 @@ TEST(Trace, every_start_ends_and_says_why) {
          f.discharge = [](Complex z) { return std::abs(z) < 5 ? Complex(std::nan("")) : -z; };
        },
        {{20, 3}, 0, true},
-       PathEnd::kDry},
+       PathEnd::kStagnation},
   };
   for (const Case& c : cases) {
     FormulaField field;
@@ -403,6 +403,11 @@ TEST(Trace, many_paths_do_not_depend_on_the_number_of_threads) {
   EXPECT_GT(starts[0].at.real(), 0.1499);
   EXPECT_GT(starts[5].at.imag(), 0.1499);
   EXPECT_TRUE(TracePaths(field, starts, options, [](std::size_t) { return false; }).empty());
+  // A stop is heard within a path, not only between two.
+  std::atomic<bool> stop{true};
+  options.stop = &stop;
+  EXPECT_TRUE(TracePaths(field, starts, options).empty());
+  EXPECT_EQ(TracePath(field, starts[0], options).points.size(), 1u);
 }
 
 TEST(WellIndex, finds_every_well_in_reach) {
