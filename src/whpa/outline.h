@@ -26,7 +26,7 @@ using RayTracer = std::function<bool(const std::vector<double>& angles, std::vec
 
 struct OutlineOptions {
   double tolerance = 0.002;  ///< largest move of the outline, in parts of its diagonal
-  int first_rays = 64;
+  int first_rays = 32;
   double longest_side = 0.05;  ///< of the outline between two tips, in parts of its diagonal
   int rounds = 40;             ///< each halves the angles where the outline still moves
 };

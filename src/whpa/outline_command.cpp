@@ -31,6 +31,9 @@ namespace {
 
 constexpr const char* kDeckStem = "_OUTLINE";
 constexpr std::size_t kLabelLimit = 32;
+/// A tip lies on a chord of its path: with this many steps a radius it is off by a 2000th of the radius, a
+/// small part of the least tolerance that the dialog starts with.
+constexpr double kStepsPerRadius = 16;
 
 constexpr ControlSpec kControls[] = {
     {.name = "listWell", .kind = ControlKind::kMultiList, .caption = "Select Well(s)"},
@@ -101,7 +104,7 @@ class WellTracer {
     };
     const double reach = 20 * (std::hypot(width, height) + radius_after(days_.back()));
     window_ = {-reach, -reach, width + reach, height + reach};
-    step_ = std::max({radius_after(days_.front()) / 40, well_.radius / 4, reach * 1e-5});
+    step_ = std::max({radius_after(days_.front()) / kStepsPerRadius, well_.radius / 4, reach * 1e-5});
   }
 
   void WriteDeck(const std::vector<double>& angles) const {

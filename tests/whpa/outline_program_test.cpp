@@ -5,59 +5,23 @@
 #include <cmath>
 #include <numbers>
 
-#include "model/model_values.h"
-#include "model/uniform_flow.h"
-#include "model/vertices.h"
-#include "model/wells.h"
-#include "platform/posix_processes.h"
-#include "solver/driver.h"
-#include "solver/solver_bridge.h"
-#include "support/test_project.h"
-#include "whpa/outline.h"
-#include "whpa/outline_command.h"
-#include "whpa/run.h"
+#include "solved_project.h"
 
 namespace ormel {
 namespace {
 
-constexpr double kQ = 900, kThickness = 20, kPorosity = 0.25, kGradient = 0.002, kConductivity = 12;
+using test::kConductivity;
+using test::kGradient;
+using test::kPorosity;
+using test::kQ;
+using test::kThickness;
+
 constexpr double kFlow = kGradient * kConductivity * kThickness;  ///< ambient discharge per width [m2/d]
 constexpr double kLength = kQ / (2 * std::numbers::pi * kFlow);
 
-/// A confined aquifer in uniform flow towards the west, solved by the programs beside this one.
-struct SolvedProject : test::TestProject {
-  PosixProcesses real{ORMEL_BIN_DIR};
-  SolverBridge bridge{ormel, [](Ormel& o) { ModelRunWHPAs(o); }};
-
-  SolvedProject() {
-    ormel.ports.processes = &real;
-    ormel.ports.solver = &bridge;
-    ormel.window.SolveWindow = {500000, 503000, 202000, 200000};
-    ModelValues model = ReadModel(ormel);
-    model.AQThickness = kThickness;
-    model.AQHydCond = kConductivity;
-    model.AQPorosity = kPorosity;
-    model.SOLVERIterations = 2;
-    model.TRACECompute = 0;
-    model.ViewErrorLog = model.ViewMessageLog = 0;
-    WriteModel(ormel, model);
-    StoreUniformFlow(ormel, {500500, 201000}, 100, kGradient, 180);
-  }
-
-  void AddWell(const std::string& label, MapPoint at) {
-    WellRow row;
-    row.Label = label;
-    row.Head = kQ;
-    row.Radius = 0.2;
-    StoreWell(ormel, row, at);
-  }
-
-  std::vector<ModelPoint> Zone(const std::string& label) {
-    const Pid pid = ormel.db().Scalar("select PID from Capzones where Label=?", {label}).AsLong();
-    std::vector<ModelPoint> ring;
-    for (const MapPoint& p : PointsOf(ormel, pid)) ring.push_back({p.x, p.y});
-    return ring;
-  }
+/// A confined aquifer in uniform flow towards the west.
+struct SolvedProject : test::SolvedProject {
+  SolvedProject() { StoreUniformFlow(ormel, {500500, 201000}, 100, kGradient, 180); }
 };
 
 /// Distance to the isochrone of a well at the origin in flow towards -x, to first order, in units of kLength
