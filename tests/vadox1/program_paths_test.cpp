@@ -186,6 +186,61 @@ TEST(ProgramPaths, starts_at_awkward_places_end_with_a_reason) {
   }
 }
 
+/// An impermeable wall across uniform flow is gone round, whichever end; nothing passes through it.
+TEST(ProgramPaths, paths_go_round_an_impermeable_wall) {
+  const std::string wall =
+      " inhomogeneity \nslurry open     .00000E+00 1.00000E+00 2.00000E-01 -9.99900E+03 HB_000011_0000\n 0 "
+      "-300 HB_000011_0001\n"
+      " 0 300 HB_000011_0002\n quit\n";
+  Town town;
+  const Outcome run =
+      town.Run(Model(" uniflow 1 0\n", wall) +
+               Solve(Trace(" -800 20 8 1.0\n -800 -150 8 1.0\n 900 20 8 -1.0\n -1e-3 50 8 1.0\n")));
+  ASSERT_EQ(run.status, 0) << run.fatal;
+  const std::vector<PthPath> paths = ReadPth(town.Read("my town.PTH"));
+  ASSERT_EQ(paths.size(), 4u);
+  for (const PthPath& path : paths) {
+    EXPECT_EQ(path.end, "window") << path.start;
+    for (std::size_t i = 1; i < path.points.size(); ++i) {
+      const std::vector<double>&a = path.points[i - 1], &b = path.points[i];
+      if ((a[0] > 0.0) == (b[0] > 0.0)) continue;
+      const double y = a[1] + (b[1] - a[1]) * a[0] / (a[0] - b[0]);
+      EXPECT_GT(std::fabs(y), 299.0) << path.start;
+    }
+  }
+}
+
+/// What a routed stream, a drain and a partially penetrating well take is taken: the paths say by whom.
+TEST(ProgramPaths, paths_end_at_streams_drains_and_partial_wells) {
+  const std::string elements =
+      " ppwell\n discharge\n 500 0 15 5 600 .2 WL_000003\n quit\n linesink\n drain\n resistance 0\n width 0 "
+      "0\n depth 0\n"
+      " -600 -900 -600 -100 59 LS_000001_0002\n stream 5000\n end\n overlandflow 0\n resistance .1\n width "
+      "10\n depth 3\n"
+      " -600 100 58.5 LS_000002_0002\n -600 900 \n quit\n";
+  Town town;
+  const Outcome run =
+      town.Run(Model(" uniflow .3 0\n", elements) +
+               Solve(Trace(" -640 -500 15 1.0\n -620 500 19 1.0\n 480 10 10 1.0\n 502 0 10 1.0\n") +
+                     " trace\n file around\n time 4000\n well 500 0 10 8\n go\n quit\n"));
+  ASSERT_EQ(run.status, 0) << run.fatal;
+  const std::vector<PthPath> paths = ReadPth(town.Read("my town.PTH"));
+  ASSERT_EQ(paths.size(), 4u);
+  EXPECT_EQ(paths[0].end, "surface water LS_000001_0002");
+  EXPECT_EQ(paths[1].end, "surface water LS_000002_0002");
+  EXPECT_EQ(paths[2].end, "well WL_000003");
+  EXPECT_EQ(paths[3].end, "well WL_000003");
+  const std::vector<PthPath> around = ReadPth(town.Read("around.PTH"));
+  ASSERT_EQ(around.size(), 8u);
+  for (const PthPath& path : around) {
+    EXPECT_THAT(path.end, Not(StartsWith("stagnation"))) << path.start;
+    for (const std::vector<double>& p : path.points) {
+      EXPECT_GE(p[2], -1e-6);
+      EXPECT_LE(p[2], 20.0 + 1e-6);
+    }
+  }
+}
+
 TEST(ProgramPaths, one_streamline_of_a_saved_solution) {
   Town town;
   ASSERT_EQ(town.Run(Model(" uniflow -1 0\n", "") + Solve("")).status, 0);
