@@ -149,7 +149,7 @@ bool DrawMapOutput(Ormel& ormel, ViewState& state, DrawingDevice& device, const 
   if (!output.title.empty()) area.top += device.DpiY() * 10 / 72 * 5 / 2;
 
   VgGdi vg(ormel);
-  MapRect window = output.window.value_or(ormel.window.SolveWindow);
+  MapRect window = UsableWindow(ormel, output.window.value_or(ormel.window.SolveWindow));
   if (vg.InitArea(device, area, window, false, 0.0) != VgInit::kDone) return false;
   device.SetClip(area);
   DrawMap({ormel, vg}, state);

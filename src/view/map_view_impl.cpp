@@ -116,7 +116,6 @@ void MapViewImpl::DrawPicture(DrawingDevice& device) {
   if (!ormel_.project.ProjectOpen) return;
   const EditorGrid grid = GridOf(ormel_);
   MapRect window = ormel_.window.SolveWindow;
-  if (window.y1 < window.y2) std::swap(window.y1, window.y2);
   const VgInit init = vg_.vgGDIInitObject(device, window, grid.shown, grid.spacing);
   if (init == VgInit::kOverflow) {  // the zoom ends here: back to the window that could be drawn
     window = drawn_window_;

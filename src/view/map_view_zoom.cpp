@@ -130,6 +130,7 @@ void MapViewImpl::ZoomActions(Zoom code, const MapRect& rect) {
     return;
   }
   RunCommand(ormel_, "ZoomActions", [&] {
+    ormel_.window.SolveWindow = UsableWindow(ormel_, ormel_.window.SolveWindow);
     if (ZoomMode(code)) return;
     const MapRect& window = ormel_.window.SolveWindow;
     switch (code) {
@@ -245,7 +246,7 @@ void MapViewImpl::ApplyView(const MapRect& window) {
     overlay_.RemoveGroup(Overlay::Group::kRubber);  // it comes back with the next move of the pointer
     auto& rubber = ormel_.mouse.Rubber;
     const double x = vg_.vgGDIDeviceToWorldX(rubber[0], false), y = vg_.vgGDIDeviceToWorldY(rubber[1], false);
-    SetWindow(window);
+    SetWindow(UsableWindow(ormel_, window));
     Redraw();
     if (vg_.Ready() && ormel_.mouse.LineInProgress) {  // the rubber line keeps its start on the map
       const DevicePoint start = vg_.vgGDIWorldToDevice(x, y);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <utility>
 
 #include "core/command.h"
 #include "core/ormel.h"
@@ -68,6 +70,17 @@ constexpr std::array kLayers{
 
 std::span<const MapLayer> MapLayers() {
   return kLayers;
+}
+
+MapRect UsableWindow(const Ormel& ormel, MapRect window) {
+  const auto usable = [](MapRect& r) {
+    if (r.x2 < r.x1) std::swap(r.x1, r.x2);
+    if (r.y1 < r.y2) std::swap(r.y1, r.y2);
+    return r.x1 < r.x2 && r.y2 < r.y1 && std::isfinite(r.Width()) && std::isfinite(r.Height());
+  };
+  if (usable(window)) return window;
+  window = WindowOf(ormel.window.full);
+  return usable(window) ? window : MapRect{-100.0, 100.0, 100.0, -100.0};
 }
 
 double HazeOpacity(const Ormel& ormel) {

@@ -36,6 +36,10 @@ std::span<const MapLayer> MapLayers();
 void DrawMap(const MapCanvas& canvas, ViewState& state,
              const std::function<void(std::string_view)>& progress = {});
 
+/// A window that can be drawn: sides in their order; one without width or height, or that is no number, gives
+/// way to the extents of the map, and these to -100 ... 100.
+MapRect UsableWindow(const Ormel& ormel, MapRect window);
+
 /// Share of the haze that covers the base maps, 0 to 1.
 double HazeOpacity(const Ormel& ormel);
 

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "view/display_commands.h"
 #include "view/map_fixture.h"
 
@@ -72,6 +74,23 @@ TEST(ZoomActions, StopsAtTheLimitAfterTheRedraw) {
     t.map.ZoomActions(Zoom::kOut);
     t.map.ZoomActions(Zoom::kOut);
     EXPECT_TRUE(t.ormel.menus.Enabled("WINDOWZOOMIN"));
+  }
+}
+
+TEST(ZoomActions, MendsAWindowThatCannotBeDrawn) {
+  const double nan = std::nan("");
+  const MapRect full{0, 50, 50, 0};
+  const MapRect cases[][2] = {{{100, -100, -100, 100}, {-100, 100, 100, -100}},
+                              {{5, 5, 10, 0}, full},
+                              {{nan, 1, 1, 0}, full},
+                              {{-INFINITY, INFINITY, 1, 0}, full}};
+  for (const auto& [given, drawn] : cases) {
+    MapProject t;
+    t.ormel.window.full = ExtentsOf(full);
+    t.ormel.window.SolveWindow = given;
+    t.Redraw();
+    EXPECT_EQ(t.ormel.window.SolveWindow, drawn);
+    EXPECT_EQ(t.map.vg().World(), drawn);
   }
 }
 
