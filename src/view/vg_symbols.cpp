@@ -27,7 +27,7 @@ struct Shape {
   std::span<const UnitPoint> points;
 };
 
-struct SymbolSpec {
+struct SymbolRow {
   double size;  ///< of a 10-point letter
   bool scaled;
   std::span<const Shape> shapes;
@@ -61,7 +61,7 @@ constexpr Shape kShapes8[] = {{Part::kRing, {}}};
 constexpr Shape kShapes9[] = {{Part::kArea, kDiamond}, {Part::kColourArea, kUpperDiamond}};
 constexpr Shape kShapes10[] = {{Part::kArea, kDiamond}, {Part::kLine, kUpright}};
 
-constexpr std::array<SymbolSpec, kVgSymbolCount> kSymbols{{
+constexpr std::array<SymbolRow, kVgSymbolCount> kSymbols{{
     {0.3, true, kShapes0},
     {0.3, false, kShapes1},
     {0.4, false, kShapes2},
@@ -80,8 +80,8 @@ constexpr std::array<SymbolSpec, kVgSymbolCount> kSymbols{{
 void VgGdi::vgGDISymbol(MapPoint at, VgSymbol symbol, Color color, Color fill, double scale,
                         double pen_width) {
   if (!Ready()) return;
-  const SymbolSpec& spec = kSymbols[static_cast<std::size_t>(symbol)];
-  const double size = spec.size * point_unit_ * (spec.scaled ? scale : 1.0);
+  const SymbolRow& row = kSymbols[static_cast<std::size_t>(symbol)];
+  const double size = row.size * point_unit_ * (row.scaled ? scale : 1.0);
   const Spot centre = Locate(at);
   const double reach = size * 5.0 + 2.0;
   const bool seen = centre.x + reach >= view_.left && centre.x - reach <= view_.right &&
@@ -91,7 +91,7 @@ void VgGdi::vgGDISymbol(MapPoint at, VgSymbol symbol, Color color, Color fill, d
   const DevicePoint middle{static_cast<int>(std::lround(centre.x)), static_cast<int>(std::lround(centre.y))};
   const Pen pen{PenStyle::kSolid, pen_width, color};
   const double angle = scale * 3.1415927 / 180.0;
-  for (const Shape& shape : spec.shapes) {
+  for (const Shape& shape : row.shapes) {
     const bool turned = shape.part == Part::kTurnedLine;
     const double c = turned ? std::cos(angle) : 1.0, s = turned ? std::sin(angle) : 0.0;
     line_.clear();
