@@ -35,7 +35,10 @@ void PlainTipSink(const Piece& piece, Complex to_start, const LocalPoint& c, Sid
   LegendreQ(c, on, 2 * piece.size, q.data());
   const Complex inverse = SafeInverse(c.z);
   // ln(C^2 - 1) written as ln((Z + 1)/2) moves its cut to Z < -1, where the far series has it too.
-  const Complex log = std::log(std::abs(to_start) < 1e-14 ? Complex{1e-14} : to_start);
+  // Q_0 cuts the distance of C to its end off at 1e-14; that of Z is four times as large, and only the sum of
+  // the two logarithms is finite at the start.
+  constexpr double kSmallest = 4e-14;
+  const Complex log = std::log(std::abs(to_start) < kSmallest ? Complex{kSmallest} : to_start);
   out[0] = {2.0 * (log + 2.0 * c.z * q[0] - 2.0), -q[0] * inverse};
   for (int n = 1; n < piece.size; ++n) {
     const int d = 2 * n;

@@ -21,6 +21,18 @@ class Pieces : public ::testing::TestWithParam<Case> {
   const double c_[kMaxBasis] = {1.3, -0.7, 0.4, 0.25, 0.0, 0.0};
 };
 
+// The potential of a sink is finite and continuous at both ends, where its logarithms are not.
+TEST_P(Pieces, PotentialOfASinkIsContinuousAtItsEnds) {
+  const Piece piece = Make();
+  if (piece.kind != PieceKind::kSink) GTEST_SKIP() << "the jump of a doublet has an end";
+  const Moments moments = StrengthMoments(piece, c_);
+  for (const Complex end : {piece.from, piece.to}) {
+    const double at = Evaluate(piece, c_, moments, end, Side::kMean).omega.real();
+    const double beside = Evaluate(piece, c_, moments, end + Complex{0.0, 1e-9}, Side::kMean).omega.real();
+    EXPECT_NEAR(at, beside, 1e-3);
+  }
+}
+
 // Composite Gauss in the parameter, fine enough for points a fifth of the length away.
 TEST_P(Pieces, IsTheIntegralOfItsStrength) {
   const Piece piece = Make();
