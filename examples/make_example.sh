@@ -31,7 +31,7 @@ add uniformflow --at 3000,4250 --head 103.2 --gradient 0.0004 --direction -8
 # The river, from west to east, with the stages of its gauges.
 add linesink --label "River, upper reach" --heads 98.8 97.3 \
   --points "-1500,1620 -800,1430 -200,1260 250,1180 700,1020 1150,960 1600,1010 2050,940"
-add linesink --label "River, town reach" --heads 97.3 96.3 \
+add linesink --label "River, town reach" --heads 97.3 96.3 --resistance 1 --width 18 --depth 2 --location centreline \
   --points "2050,940 2450,760 2900,700 3350,790 3800,730 4200,590"
 add linesink --label "River, lower reach" --heads 96.3 94.8 \
   --points "4200,590 4650,560 5100,660 5550,600 6050,420 6700,330 7500,240"
@@ -70,7 +70,7 @@ testpoint "OW-6" 5500,1500 98.6
 # What the river gives and takes along the town, seen from the terrace.
 add fluxline --label "Bank, town reach" --points "2050,1080 2900,860 4200,720"
 
-add text --text "River" --at 5150,700 --size 11 --italic
+add text --text "River" --at 1080,790 --size 11 --italic
 add text --text "Gravel terrace" --at 3150,1130 --size 10 --italic
 add text --text "Clay ridge" --at 4750,3450 --size 10 --italic
 
