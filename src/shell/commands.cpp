@@ -38,9 +38,10 @@
 namespace ormel::command {
 namespace {
 
-/// Lets other programs know the solve.  A folder that takes no file has lost nothing by that.
+/// Lets other programs, and the next opening, know the solve; not results of another time than the project
+/// starts with.  A folder that takes no file has lost nothing by that.
 void StampSolve(Ormel& ormel) {
-  if (!ormel.solution.ValidSolution) return;
+  if (!ormel.solution.ValidSolution || ormel.solution.SolutionTime != 0.0) return;
   try {
     WriteSolveStamp(ormel);
   } catch (const FileError& e) {
@@ -160,6 +161,11 @@ void Model(Ormel& ormel, int index) {
     default:
       return;
   }
+}
+
+void SolutionTime(Ormel& ormel, int /*index*/) {
+  ormel::SolutionTime(ormel);
+  StampSolve(ormel);
 }
 
 void ModelSize(Ormel& ormel, int /*index*/) {

@@ -38,6 +38,7 @@ void UniformFlow(Ormel& ormel, int index);
 
 // &Model
 void Model(Ormel& ormel, int index);
+void SolutionTime(Ormel& ormel, int index);
 void ModelSize(Ormel& ormel, int index);
 void RunFile(Ormel& ormel, int index);
 
