@@ -99,6 +99,53 @@ bool HasOneZone(Condition c) {
 }  // namespace
 
 void System::Build() {
+  constexpr std::size_t kWanted = 5000;  // unknowns that are still solved in seconds
+  for (coarseness = 0;; ++coarseness) {
+    Clear();
+    BuildOnce();
+    if (refused || x.size() <= kWanted || coarseness == 3) break;
+  }
+  if (refused) return;
+  if (coarseness > 0)
+    Add(Severity::kNote, {},
+        "The model is large: its line elements are of lower order than in a small one.  The errors at the "
+        "check "
+        "points tell what that costs.");
+  PrepareField();
+}
+
+void System::Clear() {
+  wells.clear();
+  partial_wells.clear();
+  theis.clear();
+  disks.clear();
+  areas.clear();
+  pieces.clear();
+  owners.clear();
+  terms.clear();
+  coefficients.clear();
+  moments.clear();
+  edges.clear();
+  ignored.clear();
+  edge_only.clear();
+  segment_of.clear();
+  segment_pieces.clear();
+  segment_parts.clear();
+  segment_cuts.clear();
+  flag_of.clear();
+  flags.clear();
+  flows_into.clear();
+  stream_order.clear();
+  carried.clear();
+  carried_given.clear();
+  carried_terms.clear();
+  switches.clear();
+  loops.clear();
+  x.clear();
+  controls.clear();
+}
+
+void System::BuildOnce() {
   extent = Extent(model);
   tolerance = 2e-7 * std::max({extent.Diagonal(), std::abs(extent.Middle()), 1e-3});
   origin = model.aquifer.reference_point;
@@ -123,6 +170,7 @@ void System::Build() {
 }
 
 void System::SetCoefficients() {
+  far.reset();
   for (std::vector<WellSource>* list : {&wells, &partial_wells})
     for (WellSource& w : *list)
       if (w.unknown >= 0) w.discharge = x[w.unknown];

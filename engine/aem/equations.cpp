@@ -209,12 +209,12 @@ void InfluenceRow(const System& s, const Control& c, double* row) {
   }
 }
 
-double FieldAtControl(const System& s, const Control& c) {
+double GivenField(const System& s, const Control& c) {
   const FieldKind kind = KindOf(c.condition);
   if (kind == FieldKind::kDoubletStream) return 0.0;
   Flow sum = s.Around(c.at);
   for (std::size_t p = 0; p < s.pieces.size(); ++p) {
-    if (!Counts(kind, s.pieces[p].kind) || int(p) == c.piece) continue;
+    if (!s.terms[p].empty() || !Counts(kind, s.pieces[p].kind)) continue;
     const Flow f = Evaluate(s.pieces[p], &s.coefficients[p * kMaxBasis], s.moments[p], c.at,
                             SeenFrom(c, kind, s.pieces[p]));
     sum.omega += f.omega;

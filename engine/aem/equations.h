@@ -32,8 +32,8 @@ LocalRow LocalValues(const System& system, const Control& control);
 /// What every unknown gives to the field at a control point: a row of `unknowns` values.
 void InfluenceRow(const System& system, const Control& control, double* row);
 
-/// The same field from everything with its present strength; transient wells left out.
-double FieldAtControl(const System& system, const Control& control);
+/// The same field from what is given: everything but pieces with unknowns.  Pre: other unknowns are 0.
+double GivenField(const System& system, const Control& control);
 
 /// Width of a bed in force at a point (contract of the deck's location code): w, 2 L tanh(w/2L) along the
 /// centreline or L tanh(w/L) along the water's edge, L = sqrt(T c).

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <thread>
 
+#include "aem/farfield.h"
 #include "aem/system.h"
 
 namespace aem::detail {
@@ -30,14 +31,19 @@ Complex LeftOf(const JumpEdge& edge, Complex at) {
 }  // namespace
 
 Flow System::Around(Complex at) const {
-  const Complex uniform = model.aquifer.uniform_flow;
-  Flow sum{x[0] - std::conj(uniform) * (at - origin), std::conj(uniform)};
+  Flow sum = Background(at);
   for (const std::vector<WellSource>* list : {&wells, &partial_wells})
     for (const WellSource& w : *list) {
       const Flow f = WellInfluence(w, at);
       sum.omega += w.discharge * f.omega;
       sum.w += w.discharge * f.w;
     }
+  return sum;
+}
+
+Flow System::Background(Complex at) const {
+  const Complex uniform = model.aquifer.uniform_flow;
+  Flow sum{x[0] - std::conj(uniform) * (at - origin), std::conj(uniform)};
   for (const DiskSource& d : disks) {
     const Flow f = DiskInfluence(d, at);
     sum.omega += d.rate * f.omega;
@@ -67,11 +73,28 @@ Flow System::Field(Complex at, Complex toward) const {
   return sum;
 }
 
+Flow System::PieceFlow(int p, Complex at, Complex toward) const {
+  return Evaluate(pieces[p], &coefficients[p * kMaxBasis], moments[p], at, SideOf(pieces[p], toward));
+}
+
+void System::PrepareField() {
+  constexpr std::size_t kPays = 120;  // sources from which the hierarchy is faster
+  far.reset();
+  if (!refused && !options.direct_summation && pieces.size() + wells.size() + partial_wells.size() > kPays)
+    far = std::make_shared<FarField>(*this);
+}
+
 Flow System::SteadyField(Complex at, Complex toward) const {
+  if (far) {
+    Flow sum = Background(at);
+    const Flow f = far->At(at, toward);
+    sum.omega += f.omega;
+    sum.w += f.w;
+    return sum;
+  }
   Flow sum = Around(at);
   for (std::size_t p = 0; p < pieces.size(); ++p) {
-    const Flow f =
-        Evaluate(pieces[p], &coefficients[p * kMaxBasis], moments[p], at, SideOf(pieces[p], toward));
+    const Flow f = PieceFlow(int(p), at, toward);
     sum.omega += f.omega;
     sum.w += f.w;
   }

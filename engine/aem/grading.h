@@ -17,6 +17,7 @@ struct Part {
 };
 
 /// Parts in order from 0 to 1.  Never empty; a part has at most one tip.
-std::vector<Part> Divide(EndShape start, EndShape end);
+/// `coarseness` 1 allows one division towards a corner, 2 and more none.
+std::vector<Part> Divide(EndShape start, EndShape end, int coarseness);
 
 }  // namespace aem::detail

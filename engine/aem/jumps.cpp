@@ -17,8 +17,9 @@ namespace aem::detail {
 
 namespace {
 
-constexpr int kJumpSize = 4;
-constexpr int kJumpPoints = 7;
+/// Coefficients and control points of a piece, by coarseness.
+constexpr int kJumpSize[] = {4, 4, 3, 2};
+constexpr int kJumpPoints[] = {7, 6, 5, 4};
 
 /// A jump as a sum of unknowns.
 using Combination = std::vector<std::pair<int, double>>;
@@ -124,7 +125,7 @@ void MakeTerms(System& s, int index, const Combination& at_from, const Combinati
 void AddControls(System& s, int index, bool reversed) {
   const Piece& p = s.pieces[index];
   const JumpEdge& edge = s.edges[s.owners[index].edge];
-  const GaussRule rule = Gauss(kJumpPoints);
+  const GaussRule rule = Gauss(kJumpPoints[s.coarseness]);
   for (int q = 0; q < rule.size; ++q) {
     Control c;
     c.parameter = p.tip ? 0.5 * (1.0 + rule.x[q]) : rule.x[q];
@@ -195,7 +196,8 @@ std::vector<double> StringEnds(const System& s, Complex from, Complex to) {
 void MakePieces(System& s, int e, const Ends& ends) {
   const Complex from = s.edges[e].from, to = s.edges[e].to;
   const std::vector<Part> parts =
-      CutAt(NearWells(s, from, to, Divide(ends.start_shape, ends.end_shape)), StringEnds(s, from, to));
+      CutAt(NearWells(s, from, to, Divide(ends.start_shape, ends.end_shape, s.coarseness)),
+            StringEnds(s, from, to));
   Combination at_start = ends.start;
   for (std::size_t i = 0; i < parts.size(); ++i) {
     const Part& part = parts[i];
@@ -204,7 +206,7 @@ void MakePieces(System& s, int e, const Ends& ends) {
     const bool reversed = part.tip_at_start;
     Piece piece;
     piece.kind = PieceKind::kDoublet;
-    piece.size = kJumpSize;
+    piece.size = kJumpSize[s.coarseness];
     piece.tip = part.tip_at_start || part.tip_at_end;
     PieceOwner owner;
     owner.edge = e;

@@ -29,7 +29,9 @@ std::size_t Solution::Unknowns() const {
 }
 
 IterationReport Solution::Iterate(int asked, const ProgressCallback& progress) {
-  return system_->Iterate(asked, progress);
+  IterationReport report = system_->Iterate(asked, progress);
+  system_->PrepareField();
+  return report;
 }
 
 namespace {
@@ -72,6 +74,7 @@ bool Solution::LoadState(std::span<const std::byte> bytes) {
   s.converged = header.converged != 0;
   s.time = header.time;
   s.SetCoefficients();
+  s.PrepareField();
   return true;
 }
 

@@ -28,7 +28,7 @@ class DenseField {
       ParallelFor(s_.options.threads, count, [&](std::size_t begin, std::size_t end) {
         for (std::size_t q = start + begin; q < start + end; ++q) {
           InfluenceRow(s_, s_.controls[q], &matrix_[q * columns_]);
-          given_[q] = FieldAtControl(bare, s_.controls[q]);
+          given_[q] = GivenField(bare, s_.controls[q]);
           local_[q] = LocalValues(s_, s_.controls[q]);
         }
       });
@@ -159,11 +159,30 @@ bool Settled(const std::vector<double>& before, const std::vector<double>& after
 
 }  // namespace
 
+namespace {
+
+/// The equations are held whole: at 12,000 unknowns with 24,000 control points some 4 GiB.
+bool TooLarge(const System& s) {
+  const double bytes = 8.0 * double(s.x.size()) * (double(s.controls.size()) + 2.0 * double(s.x.size()));
+  return bytes > 5.0e9;
+}
+
+}  // namespace
+
 IterationReport System::Iterate(int asked, const ProgressCallback& progress) {
   IterationReport report;
   if (refused) return report;
   asked = std::max(1, asked);
   bool depends = false;
+  if (TooLarge(*this)) {
+    Add(Severity::kFatal, {},
+        "The model has " + std::to_string(x.size()) +
+            " unknowns; the equations of more than 12000 do not fit the memory that is meant for them.  "
+            "Leave out "
+            "vertices of line-sinks and domains that do not matter.");
+    report.findings.push_back(findings.back());
+    return report;
+  }
   for (const Control& c : controls) depends = depends || DependsOnHead(*this, c);
   const auto tell = [&](double fraction, const char* what) {
     const bool go_on = !progress || progress({report.iterations + 1, asked, fraction, report.change, what});

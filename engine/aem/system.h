@@ -3,6 +3,7 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,8 @@
 #include "aem/theis.h"
 
 namespace aem::detail {
+
+class FarField;
 
 /// Coefficients that an unknown gives to a piece: c_n += coefficient[n] * x[unknown].
 struct Term {
@@ -103,6 +106,7 @@ struct System {
   std::vector<std::vector<Term>> terms;
   std::vector<double> coefficients;  ///< kMaxBasis a piece
   std::vector<Moments> moments;
+  std::shared_ptr<const FarField> far;  ///< none: everything is summed directly
   std::vector<JumpEdge> edges;
   std::vector<IgnoredRegion> ignored;
   /// By unknown: a jump at a node where a wall meets domain edges, decided by the condition of the edges
@@ -125,6 +129,10 @@ struct System {
   SegmentIndex segment_index;
   std::vector<std::vector<std::vector<int>>> segment_pieces;  ///< [string][segment] in order
 
+  /// 0: full order and divisions towards corners; each step above coarser, so that a large model can be
+  /// solved.
+  int coarseness = 0;
+
   // unknowns; x[0] is the constant
   std::vector<double> x;
   std::vector<Control> controls;
@@ -138,6 +146,8 @@ struct System {
 
   // build.cpp
   void Build();
+  void BuildOnce();
+  void Clear();
   int NewUnknown() {
     x.push_back(0.0);
     return int(x.size()) - 1;
@@ -155,6 +165,11 @@ struct System {
   bool Ignored(Complex at) const;
   /// What comes from anything but pieces; transient wells left out.
   Flow Around(Complex at) const;
+  /// The same without wells.
+  Flow Background(Complex at) const;
+  Flow PieceFlow(int piece, Complex at, Complex toward) const;
+  /// Builds the hierarchical scheme for the present strengths, where it pays.
+  void PrepareField();
   /// Everything: omega with real part the potential, w = Qx - i Qy.
   Flow Field(Complex at, Complex toward) const;
   /// The same without transient wells.
