@@ -24,6 +24,7 @@
 #include "shell/about.h"
 #include "shell/gui_options_form.h"
 #include "shell/help.h"
+#include "shell/import_whpa.h"
 #include "shell/integrity.h"
 #include "shell/lifecycle.h"
 #include "shell/recent_projects.h"
@@ -182,6 +183,10 @@ void InterfaceOptions(Ormel& ormel, int /*index*/) {
 
 void Whpa(Ormel& ormel, int index) {
   WHPA(ormel, index);
+}
+
+void ImportAreas(Ormel& ormel, int /*index*/) {
+  ImportWHPA(ormel);
 }
 
 void OutlineZone(Ormel& ormel, int /*index*/) {

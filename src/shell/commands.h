@@ -46,6 +46,7 @@ void RunFile(Ormel& ormel, int index);
 void InterfaceOptions(Ormel& ormel, int index);
 void Whpa(Ormel& ormel, int index);
 void OutlineZone(Ormel& ormel, int index);
+void ImportAreas(Ormel& ormel, int index);
 void Repair(Ormel& ormel, int index);
 
 // &Window

@@ -152,6 +152,7 @@ constexpr std::array kItems = std::to_array<MenuItem>({
     {"Import", 3, "Test Point File...", "TOOLS_CMDS", 2, kProject},
     {"Import", 4, "&Vadox for DOS file...", "TOOLS_CMDS", 2, kProject},
     {"Import", 5, "Previous &Solution File...", "TOOLS_CMDS", 2, kProject},
+    {"ImportWHPA", 0, "WHPA Input File...", "TOOLS_CMDS", 2, kProject, "", c::ImportAreas},
     {"TOOLS_CMDS", 3, "&Export", "TOOLSMENU", 0, kProject},
     {"EXPORT", 0, "D&XF...", "TOOLS_CMDS", 3, kProject},
     {"EXPORT", 1, "SURFER\u00ae &BLN...", "TOOLS_CMDS", 3, kProject},

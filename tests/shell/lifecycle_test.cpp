@@ -2,8 +2,10 @@
 #include "shell/lifecycle.h"
 
 #include <filesystem>
+#include <fstream>
 
 #include "lifecycle_fixture.h"
+#include "shell/import_whpa.h"
 #include "shell/new_database_wizard.h"
 #include "shell/open_steps.h"
 
@@ -14,6 +16,28 @@ namespace fs = std::filesystem;
 
 void Accept(Form& form) {
   form.Click("OK");
+}
+
+TEST_F(LifecycleTest, AnOlderInputFileBecomesAProjectWithItsTitle) {
+  std::ofstream(dir / "Brunnen 1.in") << "Müller's field\n 1 2 3\nrest";
+  ui.AnswerTo("DLG Converter", {Answer::kCancel, Answer::kOk, Answer::kOk});
+  ImportWHPA(ormel);
+  EXPECT_TRUE(ui.file_dialogs.empty());
+  ui.ChooseFile(dir / "missing.in");
+  ui.ChooseFile(dir / "Brunnen 1.in");
+  ImportWHPA(ormel);
+  EXPECT_EQ(ui.boxes[2].title, "File Not Found");
+  EXPECT_EQ(ui.file_dialogs[0].title, "Import WHPA File:");
+  ASSERT_TRUE(IsOpen());
+  EXPECT_EQ(ormel.project.DBName, dir / "Brunnen 1.orm");
+  EXPECT_EQ(ormel.db().Scalar("select Description from Project").AsText(), "Müller's field");
+  FileCloseProject(ormel);
+  // A project of that name is never written over.
+  const std::string before = ReadAll(dir / "Brunnen 1.orm");
+  ui.ChooseFile(dir / "Brunnen 1.in");
+  ImportWHPA(ormel);
+  EXPECT_EQ(ReadAll(dir / "Brunnen 1.orm"), before);
+  EXPECT_FALSE(IsOpen());
 }
 
 TEST_F(LifecycleTest, NewProjectHoldsTheAnswersOfTheWizardAndIsOpen) {

@@ -232,5 +232,32 @@ TEST(Whpa, MultipleAndCalculatedPathlinesExcludeOneAnother) {
   EXPECT_EQ(program.Number("select count(*) from WHPAs where Type=2"), 1);
 }
 
+TEST(Whpa, ABoundaryGivenUpAfterItsFirstClickLeavesNoHalfOfIt) {
+  TestProject program;
+  AddWell(program, "North", 800, {100, 0});
+  ScriptPathlines(program, DrawWithBoundary);
+  WHPA(program.ormel, 1);
+  const std::string stem = program.Text("select WHPAText from WHPAs");
+  program.ormel.mouse.LastX = 7;
+  program.ormel.mouse.LastY = 9;
+  ElemAddStreamBoundaryVertex(program.ormel, 1);
+  EXPECT_EQ(program.Number("select count(*) from Vertices"), 2);
+  CancelStreamBoundary(program.ormel);
+  EXPECT_EQ(program.Number("select count(*) from Vertices"), 1);
+  EXPECT_EQ(program.Number("select count(*) from WHPAs where Point1X=0 and Point1Y=0 and VID1=0"), 1);
+  EXPECT_EQ(program.solver.whpa_runs, 0);
+  EXPECT_FALSE(program.ormel.mouse.LineInProgress);
+
+  // The same kind again keeps the name of its files, and what is stored is shown and can be deleted.
+  program.clock.now.month += 1;
+  program.ormel.menus.Check("ShowWHPAs", false);
+  ScriptPathlines(program, DrawWithoutBoundary);
+  WHPA(program.ormel, 1);
+  EXPECT_EQ(program.Text("select WHPAText from WHPAs"), stem);
+  EXPECT_TRUE(program.ormel.menus.Checked("ShowWHPAs"));
+  EXPECT_TRUE(program.ormel.menus.Enabled("DeleteWHPA", 2));
+  EXPECT_FALSE(program.ormel.menus.Enabled("DeleteWHPA", 3));
+}
+
 }  // namespace
 }  // namespace ormel

@@ -96,6 +96,53 @@ TEST_F(OrmelcmdTest, OutlinesCaptureZonesOfTheSolvedModel) {
   Do({"render", "town.orm", "map.png", "--size", "200x100"});  // the solve still stands
 }
 
+TEST_F(OrmelcmdTest, DelineatesEachKindOfSimpleArea) {
+  MakeTown();
+  const std::string well = "O'Brien, north";
+  const auto rows = [&] {
+    return Do(
+        {"sql", "town.orm", "--csv", "select Type,Radius>0 as Circle,T>1 as Long from WHPAs order by Type"});
+  };
+  Do({"whpa", "arbitrary", "town.orm", "--well", well, "--radius", "250"});
+  EXPECT_EQ(Do({"sql", "town.orm", "--csv", "select Type,Radius from WHPAs"}), "Type,Radius\n1,250\n");
+
+  const std::vector<std::string> calculated{"whpa",       "calculated", "town.orm",    "--well", well,
+                                            "--porosity", "0.25",       "--thickness", "20",     "--ambient"};
+  const auto with = [&](std::vector<std::string> more) {
+    more.insert(more.begin(), calculated.begin(), calculated.end());
+    return Run(more);
+  };
+  EXPECT_EQ(with({"0.1", "--time", "365"}).code, 0);
+  EXPECT_NE(rows().find("2,1,0"), std::string::npos);
+  EXPECT_EQ(with({"0.8", "--time", "3650", "--direction", "180"}).code, 0);
+  EXPECT_NE(rows().find("2,0,1"), std::string::npos);
+  const std::string stem =
+      Do({"sql", "town.orm", "--csv", "select WHPAText from WHPAs where Type=2"}).substr(9);
+  EXPECT_TRUE(std::filesystem::exists(dir / (stem.substr(0, stem.find('\n')) + ".PTH"))) << stem;
+  Do({"whpa", "rerun", "town.orm"});
+
+  // Both kinds of pathlines exclude one another: without an answer nothing changes.
+  const std::vector<std::string> multiple{"whpa",      "multiple",    "town.orm",
+                                          "--well",    well,          "--porosity",
+                                          "0.25",      "--thickness", "20",
+                                          "--ambient", "0.3",         "--direction",
+                                          "180",       "--stream",    "-400,10 -500,2000",
+                                          "--head",    "20",          "--conductivity",
+                                          "12"};
+  EXPECT_EQ(Run(multiple).code, 1);
+  EXPECT_NE(rows().find("2,0,1"), std::string::npos);
+  std::vector<std::string> agreed = multiple;
+  agreed.insert(agreed.end(), {"--answer", "Warning=OK"});
+  Do(agreed);
+  EXPECT_NE(rows().find("3,0,0"), std::string::npos);
+  EXPECT_EQ(Do({"sql", "town.orm", "--csv", "select count(*) as N from Wells where Label like 'Mirror_*'"}),
+            "N\n1\n");
+  for (const char* kind : {"arbitrary", "calculated", "multiple", "rerun", "outline"})
+    EXPECT_EQ(Run({"whpa", kind, "--help"}).code, 0) << kind;
+  EXPECT_EQ(Run({"whpa", "arbitrary", "town.orm", "--well", "Nobody", "--radius", "3"}).code, 1);
+  EXPECT_EQ(Run({"whpa", "calculated", "town.orm"}).code, 2);
+}
+
 TEST_F(OrmelcmdTest, ExportsADeck) {
   MakeTown();
   Do({"deck", "town.orm", "deck.DAT"});
