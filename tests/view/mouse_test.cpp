@@ -52,6 +52,47 @@ void Label(Form& form) {
   form.Click("OK");
 }
 
+/// A calculated area beyond T = 1 whose boundary is about to be clicked.
+struct BoundaryProject : MouseProject {
+  BoundaryProject() {
+    ormel.ports.solver = &solver;
+    ormel.db().Execute("update Wells set Head=800 where VID=?", {AddWell(50, 0, "North")});
+    ormel.db().Execute(
+        "insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,T,Type,WHPAText) values "
+        "('North',0,1,0.2,2,2,'s')");
+    ormel.StreamWell = "North";
+    ormel.mouse.MouseMode = MouseMode::kDigitize;
+    ormel.mouse.MouseElement = Element::kStreamBoundary;
+    map.TurnOffMenus();
+  }
+};
+
+TEST(Mouse, TwoClicksMakeTheStreamBoundaryAndRunTheArea) {
+  BoundaryProject t;
+  t.Click(-20, -50);
+  EXPECT_TRUE(t.ormel.mouse.MenusOff);
+  t.Click(-20, -50);  // the same place is no line: refused, and the mode stays
+  EXPECT_EQ(t.ui.LastTitle(), "Stream Boundary");
+  EXPECT_EQ(t.ormel.mouse.MouseElement, Element::kStreamBoundary);
+  EXPECT_EQ(t.solver.whpa_runs, 0);
+  t.Click(-20, 50);
+  EXPECT_EQ(t.solver.whpa_runs, 1);
+  t.ExpectSelectMode();
+  EXPECT_EQ(t.Number("select Point2Y from WHPAs"), 50);
+  EXPECT_NEAR(
+      t.Number("select X from Vertices where VID in (select VID from Wells where Label like 'Mirror_*')"),
+      -90, 1e-9);
+}
+
+TEST(Mouse, ARightClickGivesTheBoundaryUp) {
+  BoundaryProject t;
+  t.Click(-20, -50);
+  t.RightClick(0, 0);
+  t.ExpectSelectMode();
+  EXPECT_EQ(t.Number("select count(*) from WHPAs where Point1X=0 and VID1=0"), 1);
+  EXPECT_EQ(t.Number("select count(*) from Vertices"), 1);
+}
+
 TEST(Mouse, HasAnActionForEveryPairOfTheTable) {
   const std::array<std::pair<MouseMode, Element>, 15> pairs{{
       {MouseMode::kPlace, Element::kWell},

@@ -297,6 +297,18 @@ TEST(Whpas, BoundaryReachesAcrossTheWindowAndIsUnsetAtZero) {
   EXPECT_THAT(t.Drawn("Stream Boundaries"), IsEmpty());
 }
 
+TEST(CaptureZones, AClosedOneIsDrawnBackToItsFirstVertex) {
+  MapProject t;
+  const Pid pid = t.AddPolygon("0,0 10,0 10,10");
+  t.ormel.db().Execute("insert into Capzones (PID,Label) values (?,'CZ')", {pid});
+  t.ormel.menus.Check("layermenu", kLayerWhpas, true);
+  const Strings open = t.Drawn("Capture Zones");
+  t.ormel.db().Execute("update Polygons set Closed=1");
+  const Strings closed = t.Drawn("Capture Zones");
+  ASSERT_EQ(closed.size(), open.size() + 1);
+  EXPECT_THAT(closed.back(), ::testing::EndsWith("220,180 200,200"));
+}
+
 TEST(UniformFlow, PointsWithTheFlow) {
   MapProject t;
   EXPECT_THAT(t.Drawn("Uniform Flow"), IsEmpty());
