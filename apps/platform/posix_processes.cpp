@@ -239,6 +239,7 @@ ProcessResult PosixProcesses::Run(const ProcessRequest& request,
   std::vector<std::string> texts{request.program};
   texts.insert(texts.end(), request.arguments.begin(), request.arguments.end());
   std::vector<char*> arguments;
+  arguments.reserve(texts.size() + 1);
   for (std::string& text : texts) arguments.push_back(text.data());
   arguments.push_back(nullptr);
 
