@@ -85,7 +85,7 @@ void DefineOutline(CLI::App& whpa, Program& program) {
   trace->add_option("--well", outline->wells, "Label of a well, several times; otherwise every pumping well")
       ->allow_extra_args(false);
   trace->add_option("--years", outline->years, "Times of travel")
-      ->check(CLI::PositiveNumber)
+      ->check(CLI::Range(0.001, 100000.0))
       ->capture_default_str();
   trace
       ->add_option("--tolerance", outline->tolerance,
