@@ -194,16 +194,22 @@ void InfluenceRow(const System& s, const Control& c, double* row) {
       if (d.unknown >= 0) row[d.unknown] += Seen(c, kind, DiskInfluence(d, c.at));
   }
   std::array<Flow, kMaxBasis> basis;
+  std::array<double, kMaxBasis> seen;
   for (std::size_t p = 0; p < s.pieces.size(); ++p) {
     const Piece& piece = s.pieces[p];
     if (s.terms[p].empty() || !Counts(kind, piece.kind)) continue;
-    if (int(p) == c.piece)
-      InfluenceOnSelf(piece, c.parameter, basis.data());
-    else
-      Influence(piece, c.at, SeenFrom(c, kind, piece), basis.data());
+    if (int(p) != c.piece && kind == FieldKind::kPotential) {
+      PotentialInfluence(piece, c.at, SeenFrom(c, kind, piece), seen.data());
+    } else {
+      if (int(p) == c.piece)
+        InfluenceOnSelf(piece, c.parameter, basis.data());
+      else
+        Influence(piece, c.at, SeenFrom(c, kind, piece), basis.data());
+      for (int n = 0; n < piece.size; ++n) seen[n] = Seen(c, kind, basis[n]);
+    }
     for (const Term& t : s.terms[p]) {
       double sum = 0.0;
-      for (int n = 0; n < piece.size; ++n) sum += t.coefficient[n] * Seen(c, kind, basis[n]);
+      for (int n = 0; n < piece.size; ++n) sum += t.coefficient[n] * seen[n];
       row[t.unknown] += sum;
     }
   }

@@ -194,6 +194,38 @@ void Influence(const Piece& piece, Complex at, Side on, Flow* basis) {
   for (int n = 0; n < piece.size; ++n) basis[n] = Scaled(piece, plain[n], table.of[n][0]);
 }
 
+void PotentialInfluence(const Piece& piece, Complex at, Side on, double* potential) {
+  const Complex z = piece.Local(at);
+  const double size2 = std::norm(z);
+  if (size2 <= kNearRadius * kNearRadius) {
+    std::array<Flow, kMaxBasis> basis;
+    Influence(piece, at, on, basis.data());
+    for (int n = 0; n < piece.size; ++n) potential[n] = basis[n].omega.real();
+    return;
+  }
+  const MomentTable& table = MomentsOf(piece);
+  const bool sink = piece.kind == PieceKind::kSink;
+  const int terms = TermsFor(size2);
+  const Complex inverse = std::conj(z) / size2;
+  std::array<double, kMoments + 1> part;  // of 1/Z^k over k, or of 1/Z^(k+1)
+  Complex power = inverse;
+  if (sink) {
+    part[0] = 0.0;
+    for (int k = 1; k <= terms; ++k, power *= inverse) part[k] = power.real() / k;
+  } else {
+    for (int k = 0; k <= terms; ++k, power *= inverse) part[k] = power.imag();
+  }
+  const double half = 0.5 * piece.Length();
+  const double factor = (sink ? half : 1.0) / (2.0 * kPi);
+  for (int n = 0; n < piece.size; ++n) {
+    const Moments& m = table.of[n];
+    double sum = 0.0;
+    for (int k = 0; k <= terms; ++k) sum -= m[k] * part[k];
+    if (sink && n == 0) sum += m[0] * 0.5 * std::log(size2 * half * half);
+    potential[n] = factor * sum;
+  }
+}
+
 void InfluenceOnSelf(const Piece& piece, double parameter, Flow* basis) {
   const bool sink = piece.kind == PieceKind::kSink;
   std::array<Plain, kMaxBasis> plain;

@@ -49,8 +49,12 @@ Complex SnappedLocal(const Piece& piece, Complex at);
 /// where the point lies on the piece.
 void Influence(const Piece& piece, Complex at, Side on, Flow* basis);
 
-/// The same at a point of the piece itself, by its parameter (X, or U of a tip piece); limits are the means
-/// of both sides.
+/// Only the potentials of Influence: without logarithm's angle and derivatives, which the equations of heads
+/// do not need.
+void PotentialInfluence(const Piece& piece, Complex at, Side on, double* potential);
+
+/// The same as Influence at a point of the piece itself, by its parameter (X, or U of a tip piece); limits
+/// are the means of both sides.
 void InfluenceOnSelf(const Piece& piece, double parameter, Flow* basis);
 
 /// Values of the basis functions at a parameter; derivative along the piece in `slope` [1/L], if asked for.

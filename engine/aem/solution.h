@@ -55,8 +55,7 @@ struct IterationReport {
 struct Options {
   int threads = 0;            ///< 0: as many as the machine has
   int extra_iterations = 60;  ///< allowed beyond the asked ones while conditions that depend on head change
-  bool direct_summation = false;   ///< no hierarchical scheme: every element summed one by one
-  std::size_t dense_limit = 2500;  ///< unknowns up to which the system is factored whole
+  bool direct_summation = false;  ///< no hierarchical scheme: every element summed one by one
 };
 
 class Solution {

@@ -64,6 +64,9 @@ TEST_P(Pieces, IsTheIntegralOfItsStrength) {
     std::array<Flow, kMaxBasis> basis;
     Influence(piece, z, Side::kMean, basis.data());
     Flow total{};
+    std::array<double, kMaxBasis> potential;
+    PotentialInfluence(piece, z, Side::kMean, potential.data());
+    for (int n = 0; n < piece.size; ++n) EXPECT_NEAR(potential[n], basis[n].omega.real(), 1e-10 * half);
     for (int n = 0; n < piece.size; ++n) {
       total.omega += c_[n] * basis[n].omega;
       total.w += c_[n] * basis[n].w;
