@@ -128,7 +128,12 @@ void MapWidget::paintEvent(QPaintEvent*) {
   if (!preview_.isIdentity()) painter.setRenderHint(QPainter::SmoothPixmapTransform);
   painter.setTransform(preview_);
   painter.drawImage(QPointF(0, 0), picture_);
-  PaintOverlay(painter);
+  if (ormel_.project.ProjectOpen) {
+    PaintOverlay(painter);
+  } else {
+    painter.setPen(Qt::gray);
+    painter.drawText(rect(), Qt::AlignCenter, tr("Open a project, or drop one here."));
+  }
 }
 
 void MapWidget::PaintOverlay(QPainter& painter) {
