@@ -108,7 +108,8 @@ void HelpViewer::GoToHeading(const QString& anchor) {
 
 void ShowHelpTopic(const QString& topic, QWidget* parent) {
   // A child of the window in front, so that a modal dialog does not lock it away from the user.
-  auto* viewer = parent->findChild<HelpViewer*>(QString(), Qt::FindDirectChildrenOnly);
+  HelpViewer* viewer = nullptr;
+  if (parent != nullptr) viewer = parent->findChild<HelpViewer*>(QString(), Qt::FindDirectChildrenOnly);
   if (viewer == nullptr) viewer = new HelpViewer(GuideFolder(), parent);
   viewer->ShowTopic(topic);
   viewer->show();
