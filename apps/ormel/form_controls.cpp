@@ -101,7 +101,8 @@ QWidget* MakeList(const ControlSpec& spec, FormDialog& dialog) {
   QObject::connect(list, &QListWidget::itemSelectionChanged, &dialog, [&dialog, list, name = spec.name] {
     dialog.Do([&](Form& form) { form.Select(name, SelectedRows(*list)); });
   });
-  if (!many) QObject::connect(list, &QListWidget::itemDoubleClicked, &dialog, [&dialog] { dialog.Accept(); });
+  if (!many)
+    QObject::connect(list, &QListWidget::itemDoubleClicked, &dialog, [&dialog] { dialog.PressAccept(); });
   return list;
 }
 

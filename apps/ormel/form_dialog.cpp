@@ -159,7 +159,7 @@ void FormDialog::Do(const std::function<void(Form&)>& action) {
   }
 }
 
-void FormDialog::Accept() {
+void FormDialog::PressAccept() {
   if (const ControlSpec* button = ButtonOf(ButtonRole::kAccept))
     Do([button](Form& form) { form.Click(button->name); });
 }

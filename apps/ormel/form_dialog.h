@@ -39,7 +39,7 @@ class FormDialog : public QDialog {
   /// One action of the user on the form.  Ignored while another one runs.
   void Do(const std::function<void(Form&)>& action);
   /// Presses the accept button, if there is one that is offered.
-  void Accept();
+  void PressAccept();
 
   void reject() override;
 

@@ -15,7 +15,7 @@ constexpr int kIconSize = 24;
 
 /// The tip with the shortcut of the item that the button stands for.
 QString TipOf(const ToolbarButton& button) {
-  const QString tip = ToQString(button.tip);
+  QString tip = ToQString(button.tip);
   const MenuItem* item = button.control.empty() ? nullptr : FindMenuItem(button.control, button.index);
   if (item == nullptr || item->shortcut.empty()) return tip;
   return QStringLiteral("%1 (%2)").arg(tip, ToQString(item->shortcut));
@@ -23,7 +23,7 @@ QString TipOf(const ToolbarButton& button) {
 
 }  // namespace
 
-ToolButtons::ToolButtons(Ormel& ormel, QWidget* parent, std::function<void(std::string_view)> run)
+ToolButtons::ToolButtons(Ormel& ormel, QWidget* parent, const std::function<void(std::string_view)>& run)
     : QToolBar(tr("Toolbar"), parent), ormel_(ormel) {
   setObjectName(QStringLiteral("Toolbar1"));
   setIconSize(QSize(kIconSize, kIconSize));

@@ -16,7 +16,7 @@ class ToolButtons : public QToolBar {
   Q_OBJECT
  public:
   /// `run` gets the key of a button that the user pressed.
-  ToolButtons(Ormel& ormel, QWidget* parent, std::function<void(std::string_view)> run);
+  ToolButtons(Ormel& ormel, QWidget* parent, const std::function<void(std::string_view)>& run);
 
   void Refresh();
   QAction* Find(std::string_view key) const;
