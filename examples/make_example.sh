@@ -74,5 +74,5 @@ add text --text "River" --at 1080,790 --size 11 --italic
 add text --text "Gravel terrace" --at 3150,1130 --size 10 --italic
 add text --text "Clay ridge" --at 4750,3450 --size 10 --italic
 
-"$ormelcmd" window "$project" --window -100,100,6100,4300
+"$ormelcmd" window "$project" --window -600,100,6600,4300
 rm -f examples/Ormel.def

@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <functional>
 
+#include "core/command.h"
 #include "ormel/application.h"
 #include "ormel/form_dialog.h"
 #include "ormel/help_viewer.h"
@@ -24,6 +25,9 @@
 #include "platform/system_clock.h"
 #include "shell/menus.h"
 #include "shell/welcome.h"
+#include "store/database.h"
+#include "whpa/outline_command.h"
+#include "whpa/rows.h"
 
 namespace ormel {
 namespace {
@@ -149,6 +153,30 @@ void TakeWelcome(Program& program, Photographer& photographer) {
   photographer.OnDialog("dialog-welcome", 0, [&] { program.ui.ShowForm(form); });
 }
 
+/// Protection areas of the example's wells: circles, paths of competing wells, outlines of the solved model.
+void TakeAreas(Program& program, Photographer& photographer) {
+  const std::vector<WhpaWell> wells = EligibleWells(program.ormel);
+  std::vector<WhpaRow> circles;
+  for (const WhpaWell& well : wells) circles.push_back({.Well = well.label, .Radius = 200.0});
+  AddWhpaRows(program.ormel, circles);
+  Dispatch(program.ormel, "ShowWHPAs", 0);
+  photographer.Window(QStringLiteral("window-whpa-circles"));
+  program.ormel.db().Execute("delete from WHPAs");
+  Dispatch(program.ormel, "ShowWHPAs", 0);
+  RunCommand(program.ormel, "TakeAreas", [&] {
+    OutlineRequest request;
+    request.wells = CaptureWells(program.ormel);
+    std::printf("%d capture zones outlined\n", OutlineCaptureZones(program.ormel, request));
+  });
+  program.ormel.menus.Check("layermenu", kLayerWhpas, true);
+  program.ormel.menus.Check("layermenu", kLayerPathlines, false);
+  program.view.ZoomActions(Zoom::kRedraw);
+  photographer.Window(QStringLiteral("window-outlines"));
+  program.ormel.menus.Check("layermenu", kLayerPathlines, true);
+  program.ormel.db().Execute("delete from Capzones");
+  program.view.ZoomActions(Zoom::kRedraw);
+}
+
 void TakeAll(Program& program, const QString& folder) {
   Photographer photographer(program, folder);
   Dispatch(program.ormel, "MODEL_CMDS", 2);
@@ -159,6 +187,7 @@ void TakeAll(Program& program, const QString& folder) {
   Dispatch(program.ormel, "ZOOM_CMDS", 1);
   photographer.Window(QStringLiteral("window-zoomed"));
   Dispatch(program.ormel, "ZOOM_CMDS", 3);
+  TakeAreas(program, photographer);
   TakeWell(program, photographer);
   TakeWelcome(program, photographer);
   TakeGuide(program, photographer);

@@ -130,10 +130,12 @@ class SolveRun {
     TextFileWriter deck(JoinPath(folder, name));
     const bool regrid_log = request_.KeepSolution && !new_ && !request_.ContinueSolve;
     WriteRunHead(deck, regrid_log ? "regrid.log" : "message.log");
-    if (new_)
+    if (new_) {
       ModelCheckExtents(ormel_, false, false);
-    else
+      StoreModelOrigin(ormel_);
+    } else {
       ModelRestoreModelOrigin(ormel_);
+    }
     ormel_.window.solved = ormel_.window.model;
     if (new_) WriteModelSection(deck);
     WriteLayout(ormel_, deck);

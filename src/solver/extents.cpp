@@ -102,9 +102,8 @@ void ReplaceSmallExtents(Ormel& ormel) {
   model = ExtentsOf(window);
 }
 
-void StoreOrigin(Ormel& ormel) {
-  ormel.db().Execute("update Model set SOLVERX0=?, SOLVERY0=?",
-                     {ormel.window.model.x_min, ormel.window.model.y_min});
+void StoreOriginUnlessSolved(Ormel& ormel) {
+  if (!ormel.solution.ValidSolution) StoreModelOrigin(ormel);
 }
 
 /// Vertices of each polygon.
@@ -144,7 +143,7 @@ void ModelCheckExtents(Ormel& ormel, bool /*StartFromEmpty*/, bool ReplaceMapExt
     window.model = ExtentsOf(window.SolveWindow);  // needs no closed model: what is seen is the model
   } else if (ormel.db().RowCount("Vertices") <= 1) {
     window.model = ExtentsOf(window.SolveWindow);
-    StoreOrigin(ormel);
+    StoreOriginUnlessSolved(ormel);
     return;
   } else {
     SetReferenceHead(ormel);
@@ -156,7 +155,12 @@ void ModelCheckExtents(Ormel& ormel, bool /*StartFromEmpty*/, bool ReplaceMapExt
     window.full = window.model;
   else
     Grow(window.full, window.model);
-  StoreOrigin(ormel);
+  StoreOriginUnlessSolved(ormel);
+}
+
+void StoreModelOrigin(Ormel& ormel) {
+  ormel.db().Execute("update Model set SOLVERX0=?, SOLVERY0=?",
+                     {ormel.window.model.x_min, ormel.window.model.y_min});
 }
 
 void ModelRestoreModelOrigin(Ormel& ormel) {

@@ -13,6 +13,11 @@ struct Ormel;
 /// found replaces them.  `ReplaceMapExtents`: the map extents become the model's; otherwise they only grow.
 void ModelCheckExtents(Ormel& ormel, bool StartFromEmpty, bool ReplaceMapExtents);
 
+/// Stores the origin of the present extents as that of the solve.  ModelCheckExtents does so only while no
+/// valid solution depends on the stored one: a zoom between a solve and a trace must not move what the solver
+/// says.
+void StoreModelOrigin(Ormel& ormel);
+
 /// The model's origin as the last solve stored it, so that coordinates stay those of the saved solution.
 void ModelRestoreModelOrigin(Ormel& ormel);
 

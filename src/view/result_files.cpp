@@ -11,6 +11,8 @@
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/files.h"
+#include "text/numbers.h"
+#include "text/strings.h"
 
 namespace ormel {
 namespace {
@@ -18,11 +20,40 @@ namespace {
 /// Results of many runs are not hoarded: past this many files the cache starts anew.
 constexpr std::size_t kMostFiles = 64;
 
+/// A file of the model's own solve; the others are runs of protection areas.
+bool IsModelFile(const Ormel& ormel, const std::string& file) {
+  return BaseName(file) == ormel.project.OrmelBaseName;
+}
+
+/// What moves a point from the origin of the last solve to that of the run which wrote the file.  A run of
+/// protection areas has the origin that its own deck names: the model may have been solved on another one
+/// since.
+MapPoint ShiftOf(const Ormel& ormel, const std::string& file) {
+  constexpr std::string_view kKeyword = " modelorigin ";
+  constexpr int kHeadLines = 20;
+  const std::string deck = GetPathFromFile(file) + BaseName(file) + ".DAT";
+  if (IsModelFile(ormel, file) || !FileExists(deck)) return {};
+  LineReader reader(deck);
+  std::string line;
+  for (int i = 0; i < kHeadLines && reader.Next(line); ++i) {
+    if (!line.starts_with(kKeyword)) continue;
+    const auto items = ParseString(std::string_view(line).substr(kKeyword.size()), ' ');
+    if (items.size() < 2) return {};
+    return {Val(items[0]) - ormel.window.solved.x_min, Val(items[1]) - ormel.window.solved.y_min};
+  }
+  return {};
+}
+
+MapPoint Moved(MapPoint at, MapPoint shift) {
+  return {at.x + shift.x, at.y + shift.y};
+}
+
 ReadOutcome ReadPaths(const Ormel& ormel, const std::string& file, PathSet& set) {
+  const MapPoint shift = ShiftOf(ormel, file);
   return ReadPathFile(file, [&](const Pathline& path) {
     set.paths.push_back({set.points.size(), path.points.size()});
     for (const PathPoint& point : path.points) {
-      set.points.push_back(MToW(ormel, point.at));
+      set.points.push_back(Moved(MToW(ormel, point.at), shift));
       set.elevations.push_back(point.elevation);
       set.times.push_back(point.time);
     }
@@ -30,9 +61,10 @@ ReadOutcome ReadPaths(const Ormel& ormel, const std::string& file, PathSet& set)
 }
 
 ReadOutcome ReadContours(const Ormel& ormel, const std::string& file, ContourSet& set) {
+  const MapPoint shift = ShiftOf(ormel, file);
   return ReadContourFile(file, [&](const ContourLine& line) {
     set.lines.push_back({line.level, set.points.size(), line.points.size()});
-    for (const ModelPoint& point : line.points) set.points.push_back(MToW(ormel, point));
+    for (const ModelPoint& point : line.points) set.points.push_back(Moved(MToW(ormel, point), shift));
   });
 }
 
@@ -44,8 +76,10 @@ bool ResultFiles::StampOf(const Ormel& ormel, const std::string& file, Stamp& st
   if (failure) return false;
   stamp.changed = std::filesystem::last_write_time(file, failure).time_since_epoch().count();
   if (failure) return false;
-  stamp.origin_x = ormel.window.solved.x_min;
-  stamp.origin_y = ormel.window.solved.y_min;
+  if (IsModelFile(ormel, file)) {
+    stamp.origin_x = ormel.window.solved.x_min;
+    stamp.origin_y = ormel.window.solved.y_min;
+  }
   stamp.convert = BasemapConvert(ormel);
   return true;
 }

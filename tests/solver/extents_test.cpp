@@ -46,6 +46,22 @@ TEST(Extents, AreTheDisplayWindowWithUniformFlowAndWithOneVertex) {
   }
 }
 
+TEST(Extents, KeepTheOriginThatAValidSolutionStandsOn) {
+  TestProject p;
+  p.ormel.db().Execute("update Model set UNIFLOWCompute=1");
+  p.ormel.window.SolveWindow = {5, 205, 130, 30};
+  AddVertex(p, 1, 1);
+  AddVertex(p, 2, 2);
+  ModelCheckExtents(p.ormel, false, false);
+  p.ormel.solution.ValidSolution = true;
+  p.ormel.window.SolveWindow = {900, 1100, 1000, 800};  // the user looks elsewhere
+  ModelCheckExtents(p.ormel, false, false);
+  EXPECT_EQ(p.ormel.window.model.x_min, 900);
+  ModelRestoreModelOrigin(p.ormel);
+  EXPECT_EQ(p.ormel.window.model.x_min, 5) << "the saved solution's coordinates start here";
+  EXPECT_EQ(p.ormel.window.model.y_min, 30);
+}
+
 TEST(Extents, HeadAtTheReferencePoint) {
   TestProject p;
   AddVertex(p, 0, 0);

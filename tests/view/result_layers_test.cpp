@@ -9,6 +9,7 @@
 #include "view/contours.h"
 #include "view/map_fixture.h"
 #include "view/pathlines.h"
+#include "view/result_files.h"
 
 namespace ormel::test {
 namespace {
@@ -138,6 +139,25 @@ TEST(ResultFiles, AreReadOnceAndAgainWhenTheyChange) {
   ASSERT_EQ(t.ui.boxes.size(), 1U) << "one box for each state of the file";
   EXPECT_EQ(t.ui.LastTitle(), "Internal Error");
   EXPECT_THAT(t.ui.LastText(), ::testing::HasSubstr("town.CTR"));
+}
+
+TEST(ResultFiles, OfAProtectionAreaLieWhereItsOwnDeckSays) {
+  ResultProject t;
+  t.ormel.db().Execute(
+      "insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,Type,WHPAText) values "
+      "('North',0,0,0.2,3,'area')");
+  WriteAll(t.dir / "area.PTH",
+           "START\r\n" + PathPointLine(0, 0, 5, 0) + PathPointLine(9, 0, 5, 1) + "END\r\n");
+  const auto first_point = [&] {
+    ResultFiles files;
+    return files.Paths(t.ormel, t.dir / "area.PTH")->points.front();
+  };
+  t.ormel.window.solved = {100, 200, 50, 150};
+  EXPECT_EQ(first_point(), (MapPoint{100, 50})) << "without a deck the last solve counts";
+  WriteAll(t.dir / "area.DAT", "* Written by Ormel\r\n modelorigin -20  30   1 \r\n title area\r\n");
+  EXPECT_EQ(first_point(), (MapPoint{-20, 30}));
+  t.ormel.window.solved = {7, 8, 9, 10};
+  EXPECT_EQ(first_point(), (MapPoint{-20, 30})) << "a solve of the model on another origin moves no area";
 }
 
 TEST(Pathlines, TakeTheColourOfAWellNearTheirStart) {
