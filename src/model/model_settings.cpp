@@ -146,7 +146,7 @@ void ModelSettings::Load() {
   PutNumber("tbStepSize", stored_.TRACEStep);
   PutNumber("tbMaxTime", stored_.TRACEMaxTime);
   PutCheck("chkDefaultStep", ormel().solution.use_default_step);
-  SetDefaultStepSize(ormel().solution.default_step);
+  SetDefaultStepSize(ormel().solution.default_step * BasemapConvert(ormel()));
   PutNumber("tbIterations", stored_.SOLVERIterations);
   PutCheck("chkViewError", stored_.ViewErrorLog != 0);
   PutCheck("chkViewMessage", stored_.ViewMessageLog != 0);
@@ -275,7 +275,7 @@ bool ModelSettings::Ok() {
   stored_ = Values();
   WriteModel(ormel(), stored_);
   ormel().solution.use_default_step = Checked("chkDefaultStep");
-  ormel().solution.default_step = Number("tbDefaultStepSize");
+  ormel().solution.default_step = Number("tbDefaultStepSize") / BasemapConvert(ormel());
   return true;
 }
 

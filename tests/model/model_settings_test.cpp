@@ -173,6 +173,11 @@ TEST_F(Settings, default_step_is_copied_while_it_is_on) {
   EXPECT_EQ(form.Text("tbIterations"), "1");
   form.SetIterations(12);
   EXPECT_EQ(form.Text("tbIterations"), "12");
+  // A step of 2.5 feet on the map is shown in metres of the computation.
+  ormel.project.BasemapMeters = false;
+  ModelSettings feet(ormel);
+  feet.Load();
+  EXPECT_EQ(feet.Text("tbDefaultStepSize"), "0.762");
 }
 
 TEST_F(Settings, outdated_files_go_only_with_a_solution_and_their_switch) {
