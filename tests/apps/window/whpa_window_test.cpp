@@ -158,5 +158,36 @@ TEST_F(WhpaWindowTest, AnOutlineIsTracedFromTheSolvedModel) {
   EXPECT_NE(Map().picture(), before) << "the outline is seen at once";
 }
 
+TEST_F(WhpaWindowTest, UniformFlowIsWarnedOfPlacedByAClickAndRemoved) {
+  Start(town);
+  const auto answer = [](QMessageBox::StandardButton button) {
+    return [button](QDialog& dialog) { qobject_cast<QMessageBox*>(&dialog)->button(button)->click(); };
+  };
+  ASSERT_NE(Item("ELEM_CMDS", 3), nullptr);
+  OnDialog("Warning - Uniform Flow", answer(QMessageBox::Yes));
+  Item("ELEM_CMDS", 3)->trigger();
+  EXPECT_EQ(program->ormel.feedback, "Place mouse at the point of known head and click the button");
+  const QImage before = Map().picture().copy();
+  OnDialog("Uniform Flow", [](QDialog& dialog) {
+    Type(dialog, "tbdata(0)", "30");
+    Type(dialog, "tbdata(1)", "0.001");
+    Type(dialog, "tbdata(2)", "-45");
+    Enter(dialog);
+  });
+  Click({300, 200});
+  Settle(100);
+  EXPECT_EQ(Number("select UNIFLOWCompute from Model"), 1);
+  EXPECT_EQ(Number("select UNIFLOWOrientation from Model"), -45);
+  EXPECT_NEAR(Number("select X from Vertices where PID=-10"), 300, 2);
+  EXPECT_NE(Map().picture(), before) << "the arrow is drawn";
+
+  OnDialog("Warning - Uniform Flow", answer(QMessageBox::No));
+  OnDialog("Remove function", answer(QMessageBox::Yes));
+  Item("ELEM_CMDS", 3)->trigger();
+  Settle(100);
+  EXPECT_EQ(Number("select UNIFLOWCompute from Model"), 0);
+  EXPECT_EQ(Number("select count(*) from Vertices where PID=-10"), 0);
+}
+
 }  // namespace
 }  // namespace ormel
