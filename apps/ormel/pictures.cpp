@@ -26,8 +26,10 @@
 #include "shell/menus.h"
 #include "shell/welcome.h"
 #include "store/database.h"
+#include "whpa/commands.h"
 #include "whpa/outline_command.h"
 #include "whpa/rows.h"
+#include "whpa/run.h"
 
 namespace ormel {
 namespace {
@@ -153,6 +155,32 @@ void TakeWelcome(Program& program, Photographer& photographer) {
   photographer.OnDialog("dialog-welcome", 0, [&] { program.ui.ShowForm(form); });
 }
 
+/// Paths of wells that compete for the water between them and a stream, with the wells' images behind it.
+void TakeCompetingWells(Program& program, Photographer& photographer, const std::vector<WhpaWell>& wells) {
+  Ormel& ormel = program.ormel;
+  std::vector<WhpaRow> rows;
+  for (const WhpaWell& well : wells)
+    rows.push_back({.Well = well.label,
+                    .Porosity = 0.22,
+                    .Thickness = 25.0,
+                    .AmbientFlow = 0.4,
+                    .Direction = -80.0,
+                    .FirstHead = 98.0,
+                    .WHPAData = 20.0,
+                    .Type = WhpaType::kMultiple});
+  AddWhpaRows(ormel, rows);
+  ormel.db().Execute(
+      "update WHPAs set WHPAText='areas', Point1X=300, Point1Y=1150, Point2X=5000, Point2Y=600");
+  ormel.StreamWell = kMultipleWells;
+  RunCommand(ormel, "TakeCompetingWells", [&ormel] { MakeStreamImages(ormel); });
+  ModelRunWHPAs(ormel);
+  ormel.menus.Check("layermenu", kLayerContours, false);
+  program.view.ZoomActions(Zoom::kRedraw);
+  photographer.Window(QStringLiteral("window-whpa-paths"));
+  RemoveWhpaRows(ormel, "Type=3", false);
+  ormel.menus.Check("layermenu", kLayerContours, true);
+}
+
 /// Protection areas of the example's wells: circles, paths of competing wells, outlines of the solved model.
 void TakeAreas(Program& program, Photographer& photographer) {
   const std::vector<WhpaWell> wells = EligibleWells(program.ormel);
@@ -162,6 +190,7 @@ void TakeAreas(Program& program, Photographer& photographer) {
   Dispatch(program.ormel, "ShowWHPAs", 0);
   photographer.Window(QStringLiteral("window-whpa-circles"));
   program.ormel.db().Execute("delete from WHPAs");
+  TakeCompetingWells(program, photographer, {wells.begin(), wells.begin() + 3});
   Dispatch(program.ormel, "ShowWHPAs", 0);
   RunCommand(program.ormel, "TakeAreas", [&] {
     OutlineRequest request;
