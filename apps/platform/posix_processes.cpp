@@ -91,6 +91,9 @@ class Child {
       Signal(SIGKILL);
       Reap(0);
     }
+    // What the program has started and left behind: nobody waits for it, and it may still hold its files
+    // open.
+    kill(-pid_, SIGKILL);
   }
   void Signal(int number) const {
     // The group may not exist yet or any more; then the program itself is meant.

@@ -75,12 +75,14 @@ TEST_F(ProcessesTest, EndsACancelledProgramCleanlyAndOtherwiseForGood) {
   EXPECT_GE(steady_clock::now() - start, milliseconds(300));
 }
 
-TEST_F(ProcessesTest, DoesNotWaitForAChildThatKeepsTheOutputOpen) {
+TEST_F(ProcessesTest, EndsAChildThatItsProgramLeavesBehind) {
   const auto start = steady_clock::now();
-  const ProcessResult result = Shell("echo first; sleep 20 & exit 0");
+  const ProcessResult result = Shell("echo first; (sleep 0.6; touch late) & exit 0");
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(lines, std::vector<std::string>{"first"});
   EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(10));
+  std::this_thread::sleep_for(milliseconds(900));
+  EXPECT_FALSE(std::filesystem::exists(dir.path() / "late")) << "the child outlives its program";
 }
 
 TEST_F(ProcessesTest, HandsOnALineWithoutEndInPieces) {
