@@ -4,15 +4,10 @@
 #include <cmath>
 #include <complex>
 
+#include "aem/geometry.h"
+
 namespace aem::detail {
 namespace {
-
-double Dot(Complex a, Complex b) {
-  return a.real() * b.real() + a.imag() * b.imag();
-}
-double Cross(Complex a, Complex b) {
-  return a.real() * b.imag() - a.imag() * b.real();
-}
 
 void Keep(Event& first, EventKind kind, double fraction) {
   if (first.kind != EventKind::kNone && fraction >= first.fraction) return;
