@@ -21,9 +21,6 @@ bool Percolates(const System& s, int string, int segment, double position);
 std::vector<WellResult> WellResults(const System& s);
 std::vector<WellResult> PartialWellResults(const System& s);
 std::vector<WellResult> TheisResults(const System& s);
-std::vector<WallResult> WallResults(const System& s);
-/// Flow per length that the wall lets through from left to right at a point of the edge [L2/d].
-double AllowedLeakage(const System& s, const JumpEdge& edge, Complex at);
 std::vector<DiskResult> DiskResults(const System& s);
 std::vector<StringResult> StringResults(const System& s);
 double SegmentDischarge(const System& s, int string, int segment);
@@ -31,6 +28,16 @@ double SegmentDischarge(const System& s, int string, int segment);
 /// [L].
 double PieceHeadError(const System& s, int piece, const Stage& stage);
 std::vector<DomainResult> DomainResults(const System& s);
+
+// walls.cpp
+std::vector<WallResult> WallResults(const System& s);
+/// Flow per length that the wall lets through from left to right at a point of the edge [L2/d].
+double AllowedLeakage(const System& s, const JumpEdge& edge, Complex at);
+/// Edges of each wall's segments: [wall][segment], in order along it.
+std::vector<std::vector<std::vector<int>>> WallEdges(const System& s);
+/// Flow per length across a part of a wall's segment, a to b on its edges, beyond what the wall lets through;
+/// from left to right [L2/d].
+double ExcessLeakage(const System& s, const std::vector<int>& edges, Complex a, Complex b);
 
 // flux.cpp
 /// Flow across the straight line from its left to its right [L3/d].

@@ -45,22 +45,32 @@ struct Drawn {
   std::vector<std::pair<double, int>> on;
 };
 
-std::vector<int> NodesOf(const std::vector<LabelledPoint>& points, bool closed, Nodes* nodes) {
-  std::vector<int> list;
-  for (const LabelledPoint& p : points) {
-    const int node = nodes->Get(p.at);
-    if (list.empty() || list.back() != node) list.push_back(node);
+/// A vertex that is not the same as the one before it.
+struct Corner {
+  int node = -1;
+  int vertex = -1;  ///< the segment that leaves it in the model's numbering
+};
+
+std::vector<Corner> CornersOf(const std::vector<LabelledPoint>& points, bool closed, Nodes* nodes) {
+  std::vector<Corner> list;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const int node = nodes->Get(points[i].at);
+    if (list.empty() || list.back().node != node) {
+      list.push_back({node, int(i)});
+    } else {
+      list.back().vertex = int(i);
+    }
   }
   if (closed)
-    while (list.size() > 1 && list.front() == list.back()) list.pop_back();
+    while (list.size() > 1 && list.front().node == list.back().node) list.pop_back();
   return list;
 }
 
-void AddDrawn(const std::vector<int>& list, bool closed, int domain, int wall, std::vector<Drawn>* drawn) {
+void AddDrawn(const std::vector<Corner>& list, bool closed, int domain, int wall, std::vector<Drawn>* drawn) {
   const std::size_t n = list.size();
   for (std::size_t i = 0; i + (closed ? 0 : 1) < n; ++i)
-    if (list[i] != list[(i + 1) % n])
-      drawn->push_back({list[i], list[(i + 1) % n], domain, wall, int(i), -1, {}});
+    if (list[i].node != list[(i + 1) % n].node)
+      drawn->push_back({list[i].node, list[(i + 1) % n].node, domain, wall, list[i].vertex, -1, {}});
 }
 
 /// The first `edges` of the list are rings and walls; line-sinks behind them do not cut each other.
@@ -109,10 +119,10 @@ Arrangement Arrange(System& s) {
   Nodes nodes(s.tolerance, &result.nodes);
   std::vector<Drawn> drawn, strings;
   for (std::size_t d = 0; d < s.model.domains.size(); ++d)
-    AddDrawn(NodesOf(s.model.domains[d].ring, true, &nodes), true, int(d), -1, &drawn);
+    AddDrawn(CornersOf(s.model.domains[d].ring, true, &nodes), true, int(d), -1, &drawn);
   for (std::size_t w = 0; w < s.model.walls.size(); ++w) {
     const bool closed = s.model.walls[w].kind != WallKind::kOpen;
-    AddDrawn(NodesOf(s.model.walls[w].points, closed, &nodes), closed, -1, int(w), &drawn);
+    AddDrawn(CornersOf(s.model.walls[w].points, closed, &nodes), closed, -1, int(w), &drawn);
   }
   s.segment_cuts.resize(s.model.line_sinks.size());
   for (std::size_t k = 0; k < s.model.line_sinks.size(); ++k) {

@@ -85,10 +85,34 @@ double AreaFlux(const AreaSource& area, Complex a, Complex b) {
   return sum;
 }
 
+/// Pieces of a jump that meet at a point have logarithms there that cancel only together, which numbers at
+/// the point itself cannot: a hair before it they do, and the flow between is as small.
+Complex OffNode(const System& s, Complex at, Complex toward) {
+  constexpr double kHair = 1e-8;  // of a piece's length
+  if (s.edge_index.Empty()) return at;
+  thread_local std::vector<int> found;
+  Box box;
+  box.Add(at);
+  s.edge_index.Find(box, &found);
+  double hair = 1e-3 * std::abs(toward - at);
+  bool on_node = false;
+  for (int e : found)
+    for (int p : s.edges[e].pieces) {
+      const Piece& piece = s.pieces[p];
+      const double reach = kHair * piece.Length();
+      const bool at_to = !piece.tip && std::abs(at - piece.to) < reach;  // at a tip there is no jump
+      if (std::abs(at - piece.from) >= reach && !at_to) continue;
+      on_node = true;
+      hair = std::min(hair, 2.0 * reach);
+    }
+  return on_node ? at + hair * (toward - at) / std::abs(toward - at) : at;
+}
+
 }  // namespace
 
-double Flux(const System& s, Complex from, Complex to) {
-  if (s.refused || from == to) return 0.0;
+double Flux(const System& s, Complex first, Complex last) {
+  if (s.refused || first == last) return 0.0;
+  const Complex from = OffNode(s, first, last), to = OffNode(s, last, first);
   const Complex uniform = s.model.aquifer.uniform_flow;
   double sum = Dot(uniform, (to - from) * Complex{0.0, -1.0});
   for (const std::vector<WellSource>* list : {&s.wells, &s.partial_wells})

@@ -106,9 +106,9 @@ struct WallVertexResult {
   Complex node, centre;
   double jump_node = 0.0;       ///< of the potential, left minus right [L3/d]
   double jump_parabolic = 0.0;  ///< [L3/d]
-  double delta_flow_node =
-      0.0;  ///< flow across the half of the segment at the node beyond what the wall lets through [L2/d]
-  double delta_flow_centre = 0.0;  ///< the same around the centre [L2/d]
+  /// Errors: mean flow per length beyond what the wall lets through, from left to right, across the half of
+  /// the segment at its node and across the half around its centre [L2/d].
+  double delta_flow_node = 0.0, delta_flow_centre = 0.0;
   double leakage = 0.0;  ///< that the wall lets through, from left to right, of the whole segment [L3/d]
 };
 
@@ -126,11 +126,13 @@ struct WorstError {
 
 /// Errors at points that were no control points, and what they are measured by.
 struct Checks {
-  double head_range = 0.0;        ///< [L]
-  WorstError line_sink_head;      ///< along head line-sinks without resistance [L]
-  WorstError domain_head_jump;    ///< across domain edges [L]
-  WorstError wall_leakage;        ///< across impermeable walls, per length [L2/d]
-  double undisturbed_flow = 0.0;  ///< the flow per length that the wall leakage is measured by [L2/d]
+  double head_range = 0.0;      ///< [L]
+  WorstError line_sink_head;    ///< along head line-sinks without resistance [L]
+  WorstError domain_head_jump;  ///< across domain edges [L]
+  /// Of the wall that is worst beside its own undisturbed flow: mean flow per length across half an edge
+  /// beyond what the wall lets through [L2/d].
+  WorstError wall_leakage;
+  double undisturbed_flow = 0.0;  ///< mean flow per length along that wall without walls and domains [L2/d]
 };
 
 /// Flows of the whole model [L3/d], positive where water leaves the aquifer.  Transient wells live on

@@ -19,15 +19,6 @@ double AllowedLeakage(const System& s, const JumpEdge& edge, Complex at) {
 
 namespace {
 
-/// Edges of each wall's segments, in order along it.
-std::vector<std::vector<std::vector<int>>> EdgesOf(const System& s) {
-  std::vector<std::vector<std::vector<int>>> list(s.model.walls.size());
-  for (std::size_t w = 0; w < list.size(); ++w) list[w].resize(s.model.walls[w].points.size());
-  for (std::size_t e = 0; e < s.edges.size(); ++e)
-    if (s.edges[e].wall >= 0) list[s.edges[e].wall][s.edges[e].segment].push_back(int(e));
-  return list;
-}
-
 double LeakageBetween(const System& s, const JumpEdge& edge, Complex a, Complex b) {
   const GaussRule rule = Gauss(6);
   double sum = 0.0;
@@ -41,25 +32,36 @@ double JumpAt(const System& s, const JumpEdge& edge, Complex at) {
   return s.Field(at, toward).omega.real() - s.Field(at, -toward).omega.real();
 }
 
-/// Flow per length across a tenth of the segment beyond what the wall lets through.
-double Excess(const System& s, const std::vector<int>& edges, Complex a, Complex b) {
+}  // namespace
+
+/// Edges of a segment lie in order along it; each lets through what it does between a and b.
+double ExcessLeakage(const System& s, const std::vector<int>& edges, Complex a, Complex b) {
+  double allowed = 0.0;
+  const double length = std::abs(b - a);
   for (int e : edges) {
     const JumpEdge& edge = s.edges[e];
-    const double low = Dot(a - edge.from, edge.to - edge.from),
-                 high = Dot(b - edge.from, edge.to - edge.from);
-    if (low < -1e-9 * std::norm(edge.to - edge.from) || high > (1.0 + 1e-9) * std::norm(edge.to - edge.from))
-      continue;
-    return (Flux(s, a, b) - LeakageBetween(s, edge, a, b)) / std::abs(b - a);
+    if (s.model.walls[edge.wall].conductivity == 0.0) continue;
+    const Complex along = (b - a) / length;
+    const double turned = Dot(edge.to - edge.from, along) > 0.0 ? 1.0 : -1.0;
+    const double u = Dot(edge.from - a, along), v = Dot(edge.to - a, along);
+    const double low = std::max(0.0, std::min(u, v)), high = std::min(length, std::max(u, v));
+    if (high > low) allowed += turned * LeakageBetween(s, edge, a + low * along, a + high * along);
   }
-  return 0.0;
+  return (Flux(s, a, b) - allowed) / length;
 }
 
-}  // namespace
+std::vector<std::vector<std::vector<int>>> WallEdges(const System& s) {
+  std::vector<std::vector<std::vector<int>>> list(s.model.walls.size());
+  for (std::size_t w = 0; w < list.size(); ++w) list[w].resize(s.model.walls[w].points.size());
+  for (std::size_t e = 0; e < s.edges.size(); ++e)
+    if (s.edges[e].wall >= 0) list[s.edges[e].wall][s.edges[e].segment].push_back(int(e));
+  return list;
+}
 
 std::vector<WallResult> WallResults(const System& s) {
   std::vector<WallResult> results(s.model.walls.size());
   if (s.refused) return results;
-  const auto edges = EdgesOf(s);
+  const auto edges = WallEdges(s);
   for (std::size_t w = 0; w < results.size(); ++w) {
     const Wall& wall = s.model.walls[w];
     const std::size_t n = wall.points.size(), count = wall.kind == WallKind::kOpen && n > 0 ? n - 1 : n;
@@ -80,8 +82,8 @@ std::vector<WallResult> WallResults(const System& s) {
         const double start = JumpAt(s, first, at(1e-6)), end = JumpAt(s, last, at(1.0 - 1e-6));
         v.jump_node = start;
         if (middle >= 0) v.jump_parabolic = JumpAt(s, s.edges[middle], at(0.5)) - 0.5 * (start + end);
-        v.delta_flow_node = Excess(s, edges[w][i], at(1e-9), at(0.1));
-        v.delta_flow_centre = Excess(s, edges[w][i], at(0.45), at(0.55));
+        v.delta_flow_node = ExcessLeakage(s, edges[w][i], at(0.0), at(0.5));
+        v.delta_flow_centre = ExcessLeakage(s, edges[w][i], at(0.25), at(0.75));
       }
       results[w].leakage += v.leakage;
       results[w].vertices.push_back(v);

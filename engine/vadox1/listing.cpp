@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <string_view>
 
 namespace vadox1 {
@@ -91,10 +92,41 @@ std::string ChecksText(const aem::Checks& checks) {
   Line(text, "Largest errors between the control points");
   Line(text, fmt::format("  head along line-sinks without resistance  {}", Named(checks.line_sink_head)));
   Line(text, fmt::format("  jump of head across domain edges          {}", Named(checks.domain_head_jump)));
-  Line(text, fmt::format("  leakage of impermeable walls, per length  {}", Named(checks.wall_leakage)));
+  Line(text, fmt::format("  leakage of walls, beyond what they let by  {}", Named(checks.wall_leakage)));
   Line(text, fmt::format("  for comparison: range of heads {:.6G}, undisturbed flow per length {:.6G}",
                          checks.head_range, checks.undisturbed_flow));
   return text;
+}
+
+std::vector<aem::Finding> ChecksFindings(const aem::Checks& checks) {
+  constexpr double kShare = 0.01;
+  constexpr double kNothing = 1e-6;  // below it an error is rounding, however small what it is measured by
+  const struct {
+    const aem::WorstError& worst;
+    double measure;
+    const char* what;
+    const char* of;
+    const char* remedy;
+  } rows[] = {
+      {checks.line_sink_head, checks.head_range,
+       "The head along this line-sink is off by up to {:.3G}, which is {:.2G} percent of the range of {}. {}",
+       "heads in the model", "Give the string more vertices there, and one head where strings meet."},
+      {checks.domain_head_jump, checks.head_range,
+       "The heads on both sides of this domain's edge differ by up to {:.3G}, which is {:.2G} percent of the "
+       "range of {}. {}",
+       "heads in the model", "Give its ring more vertices where it bends or comes near to another element."},
+      {checks.wall_leakage, checks.undisturbed_flow,
+       "This wall lets up to {:.3G} per length through beyond what it should, which is {:.2G} percent of {}. "
+       "{}",
+       "the flow without it", "Give it more vertices where it bends or comes near to another element."}};
+  std::vector<aem::Finding> findings;
+  for (const auto& row : rows) {
+    if (row.worst.value <= std::max(kShare * row.measure, kNothing)) continue;
+    const double percent = 100.0 * row.worst.value / std::max(row.measure, 1e-300);
+    findings.push_back({aem::Severity::kWarning, row.worst.label, 0,
+                        fmt::format(fmt::runtime(row.what), row.worst.value, percent, row.of, row.remedy)});
+  }
+  return findings;
 }
 
 std::string ListingText(const aem::Solution& solution, const aem::Checks& checks, const MapOrigin& origin) {

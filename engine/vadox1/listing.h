@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "aem/solution.h"
 #include "vadox1/deck.h"
@@ -12,5 +13,9 @@ std::string ListingText(const aem::Solution& solution, const aem::Checks& checks
 
 /// The lines on errors between the control points, for the listing and the message log.
 std::string ChecksText(const aem::Checks& checks);
+
+/// Warnings, with the element's label: heads off by more than a hundredth of the range of heads, walls that
+/// leak more than a hundredth of the undisturbed flow.  Empty after a good solve.
+std::vector<aem::Finding> ChecksFindings(const aem::Checks& checks);
 
 }  // namespace vadox1

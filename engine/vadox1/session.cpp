@@ -153,6 +153,7 @@ void Session::ReportSolve(const aem::IterationReport& report) {
                   report.change, report.residual));
   const aem::Checks checks = solution_->Check();
   logs_.Message(ChecksText(checks));
+  for (const aem::Finding& finding : ChecksFindings(checks)) logs_.Report(finding, false);
   files::WriteWholeFile(deck_name_ + ".OUT", ListingText(*solution_, checks, deck_.origin));
 }
 

@@ -208,6 +208,26 @@ TEST(Program, says_in_words_why_it_stopped) {
   }
 }
 
+/// Conditions that hold badly between the control points are told by label; well drawn ones are not.
+TEST(Program, warns_of_conditions_that_hold_badly) {
+  const std::string river =
+      " linesink\n head\n resistance 0\n width 0 0\n depth 0\n 300 -400 300 0 58 LS_000001_0002\n 300 0 300 "
+      "400 "
+      "58 LS_000001_0003\n";
+  Town town;
+  ASSERT_EQ(town.Run(kHead + kWellModel + river + " quit\n" + kSolve + " stop\n").status, 0);
+  EXPECT_EQ(town.Read("error.log"), "*\r\n");
+  EXPECT_THAT(town.Read("message.log"), HasSubstr("Largest errors between the control points"));
+  // A head that jumps where two strings meet cannot be met.
+  const std::string jump =
+      " head\n resistance 0\n width 0 0\n depth 0\n 300 400 300 700 20 LS_000002_0002\n quit\n";
+  ASSERT_EQ(town.Run(kHead + kWellModel + river + jump + kSolve + " stop\n").status, 0);
+  for (const char* log : {"error.log", "message.log"}) {
+    EXPECT_THAT(town.Read(log), HasSubstr("LS_00000")) << log;
+    EXPECT_THAT(town.Read(log), HasSubstr("percent of the range of heads in the model")) << log;
+  }
+}
+
 TEST(Program, refuses_a_missing_deck_and_missing_arguments) {
   Town town;
   const Outcome missing = town.Start("61 nowhere");
