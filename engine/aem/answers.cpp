@@ -291,6 +291,7 @@ std::vector<DomainResult> DomainResults(const System& s) {
       r.vertices.push_back(v);
     }
     r.mean_jump = length > 0.0 ? total / length : 0.0;
+    if (n == 0) continue;
     const Complex a = ring[0].at, b = ring[1 % n].at;
     const Zone zone = s.zones.At(0.5 * (a + b) + 1e-5 * inside * (b - a) * Complex{0.0, 1.0});
     r.conductivity = zone.conductivity;

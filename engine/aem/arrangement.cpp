@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "aem/system.h"
+#include "aem/validate.h"
 
 namespace aem::detail {
 
@@ -118,8 +119,11 @@ Arrangement Arrange(System& s) {
   Arrangement result;
   Nodes nodes(s.tolerance, &result.nodes);
   std::vector<Drawn> drawn, strings;
-  for (std::size_t d = 0; d < s.model.domains.size(); ++d)
-    AddDrawn(CornersOf(s.model.domains[d].ring, true, &nodes), true, int(d), -1, &drawn);
+  for (std::size_t d = 0; d < s.model.domains.size(); ++d) {
+    const std::vector<LabelledPoint>& ring = s.model.domains[d].ring;
+    if (!EnclosesArea(CleanRing(ring, s.tolerance), s.tolerance)) continue;
+    AddDrawn(CornersOf(ring, true, &nodes), true, int(d), -1, &drawn);
+  }
   for (std::size_t w = 0; w < s.model.walls.size(); ++w) {
     const bool closed = s.model.walls[w].kind != WallKind::kOpen;
     AddDrawn(CornersOf(s.model.walls[w].points, closed, &nodes), closed, -1, int(w), &drawn);

@@ -5,18 +5,11 @@
 #include <map>
 
 #include "aem/system.h"
+#include "aem/validate.h"
 
 namespace aem::detail {
 
 namespace {
-
-std::vector<Complex> RingOf(const Wall& wall, double tolerance) {
-  std::vector<Complex> ring;
-  for (const LabelledPoint& p : wall.points)
-    if (ring.empty() || std::abs(ring.back() - p.at) > tolerance) ring.push_back(p.at);
-  while (ring.size() > 1 && std::abs(ring.front() - ring.back()) <= tolerance) ring.pop_back();
-  return ring;
-}
 
 bool HasGivenHead(const Model& m, const std::vector<Complex>& ring) {
   for (const Well& w : m.wells)
@@ -56,7 +49,7 @@ void FindIgnored(System& s) {
   for (std::size_t w = 0; w < s.model.walls.size(); ++w) {
     const Wall& wall = s.model.walls[w];
     if (wall.kind == WallKind::kOpen) continue;
-    const std::vector<Complex> ring = RingOf(wall, s.tolerance);
+    const std::vector<Complex> ring = CleanRing(wall.points, s.tolerance);
     const bool reference_inside = Contains(ring, reference);
     const bool keeps_outside = wall.kind == WallKind::kKeepOutside;
     const bool keeps_inside = wall.kind == WallKind::kKeepInside;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <set>
 
 namespace aem {
 
@@ -32,6 +33,18 @@ Box Extent(const Model& m) {
   }
   if (box.Empty()) box.Add({});
   return box;
+}
+
+std::vector<Complex> CleanRing(const std::vector<LabelledPoint>& points, double tolerance) {
+  std::vector<Complex> ring;
+  for (const LabelledPoint& p : points)
+    if (ring.empty() || std::abs(ring.back() - p.at) > tolerance) ring.push_back(p.at);
+  while (ring.size() > 1 && std::abs(ring.front() - ring.back()) <= tolerance) ring.pop_back();
+  return ring;
+}
+
+bool EnclosesArea(const std::vector<Complex>& ring, double tolerance) {
+  return ring.size() >= 3 && std::abs(SignedArea(ring)) > tolerance * std::abs(ring[1] - ring[0]);
 }
 
 }  // namespace detail
@@ -96,6 +109,7 @@ class Validator {
     Complex at;
     double radius;
     bool by_head;
+    bool transient;  ///< superposed on the steady heads, so that none it stands beside is contradicted
     Origin origin;
   };
 
@@ -104,14 +118,15 @@ class Validator {
     for (const Well& w : m_.wells) {
       if (!Finite(w.origin, {w.at.real(), w.at.imag(), w.radius, w.value})) continue;
       if (w.radius <= 0.0) Fatal(w.origin, "The well's radius must be above zero.");
-      spots.push_back({w.at, w.radius, w.by_head, w.origin});
+      spots.push_back({w.at, w.radius, w.by_head, false, w.origin});
     }
     for (const PartialWell& w : m_.partial_wells) {
       if (!Finite(w.origin, {w.at.real(), w.at.imag(), w.radius, w.value, w.top, w.bottom})) continue;
       if (w.radius <= 0.0) Fatal(w.origin, "The well's radius must be above zero.");
       if (w.top <= w.bottom) Fatal(w.origin, "The top of the well's screen is not above its bottom.");
-      spots.push_back({w.at, w.radius, w.by_head, w.origin});
+      spots.push_back({w.at, w.radius, w.by_head, false, w.origin});
     }
+    std::set<std::string> labels;
     for (const TheisRecord& w : m_.theis) {
       if (!Finite(w.origin, {w.at.real(), w.at.imag(), w.radius, w.rate, w.time, w.start_head, w.storage}))
         continue;
@@ -119,6 +134,8 @@ class Validator {
       if (w.storage <= 0.0) Fatal(w.origin, "The specific storage of a transient well must be above zero.");
       if (w.start_head <= m_.aquifer.base)
         Fatal(w.origin, "The starting head of a transient well is not above the aquifer's base.");
+      // Records of one label are one well.
+      if (labels.insert(w.origin.label).second) spots.push_back({w.at, w.radius, false, true, w.origin});
     }
     CheckSameSpot(spots);
     CheckWellsOnStrings(spots);
@@ -137,7 +154,7 @@ class Validator {
         const Spot& b = spots[order[j]];
         if (b.at.real() - a.at.real() > reach) break;
         if (std::abs(a.at - b.at) > std::max({tolerance_, a.radius, b.radius})) continue;
-        if (a.by_head || b.by_head)
+        if ((a.by_head || b.by_head) && a.transient == b.transient)
           Fatal(b.origin, "The well stands at the place of well " + a.origin.label +
                               " and a head is given for one of them: move or delete one.");
         else
@@ -278,24 +295,25 @@ class Validator {
                ", which has another head: give both a vertex with one head at the crossing.");
   }
 
-  void CheckRing(const Origin& at, const std::vector<LabelledPoint>& ring, const char* what) {
-    std::vector<Complex> points;
-    for (const LabelledPoint& p : ring) {
+  /// What is no ring is refused, or, where leaving it out changes nothing, left out.
+  void CheckRing(const Origin& at, const std::vector<LabelledPoint>& ring, const char* what, bool needed) {
+    CheckRepeated(ring, what);
+    for (const LabelledPoint& p : ring)
       if (!Finite(p.origin, {p.at.real(), p.at.imag()})) return;
-      if (!points.empty() && std::abs(points.back() - p.at) <= tolerance_) {
-        Warn(p.origin, std::string("A vertex of the ") + what + " is repeated: it is counted once.");
-        continue;
-      }
-      points.push_back(p.at);
+    const std::vector<Complex> points = detail::CleanRing(ring, tolerance_);
+    if (detail::EnclosesArea(points, tolerance_)) return CheckSelfCrossing(at, points, true, what);
+    const std::string text = std::string("The ") + what + " encloses no area";
+    if (needed) {
+      Fatal(at, text + ": give it three vertices or more, or delete it.");
+    } else {
+      Warn(at, text + ": it is left out.  Give it three vertices or more, or delete it.");
     }
-    if (points.size() > 1 && std::abs(points.front() - points.back()) <= tolerance_) points.pop_back();
-    if (points.size() < 3 ||
-        std::abs(detail::SignedArea(points)) <= tolerance_ * std::abs(points[1] - points[0])) {
-      Fatal(at,
-            std::string("The ") + what + " encloses no area: give it three vertices or more, or delete it.");
-      return;
-    }
-    CheckSelfCrossing(at, points, true, what);
+  }
+
+  void CheckRepeated(const std::vector<LabelledPoint>& points, const char* what) {
+    for (std::size_t i = 1; i < points.size(); ++i)
+      if (std::abs(points[i].at - points[i - 1].at) <= tolerance_)
+        Warn(points[i].origin, std::string("A vertex of the ") + what + " is repeated: it is counted once.");
   }
 
   void CheckSelfCrossing(const Origin& at, const std::vector<Complex>& points, bool closed,
@@ -332,7 +350,7 @@ class Validator {
         Fatal(d.origin, "The domain's porosity must be above zero and not above one.");
       if (d.base != kNotSet && d.base >= m_.aquifer.base + m_.aquifer.thickness)
         Fatal(d.origin, "The domain's base is not below the aquifer's top.");
-      CheckRing(d.origin, d.ring, "domain");
+      CheckRing(d.origin, d.ring, "domain", false);
     }
     std::map<std::vector<std::pair<double, double>>, const Domain*> known;
     for (const Domain& d : m_.domains) {
@@ -359,9 +377,10 @@ class Validator {
         Fatal(w.origin, "The thickness of a wall that leaks must be above zero.");
       if (w.bottom != kNotSet) Warn(w.origin, "The wall has a bottom: it is taken as of full depth.");
       if (w.kind != WallKind::kOpen) {
-        CheckRing(w.origin, w.points, "closed wall");
+        CheckRing(w.origin, w.points, "closed wall", true);
         continue;
       }
+      CheckRepeated(w.points, "wall");
       std::vector<Complex> points;
       for (const LabelledPoint& p : w.points)
         if (points.empty() || std::abs(points.back() - p.at) > tolerance_) points.push_back(p.at);
@@ -370,6 +389,51 @@ class Validator {
       else
         CheckSelfCrossing(w.origin, points, false, "wall");
     }
+    CheckSharedWalls();
+  }
+
+  /// Where walls lie on each other there is one, with one conductivity over thickness.
+  void CheckSharedWalls() {
+    std::vector<Line> lines;
+    std::vector<std::pair<Complex, Complex>> ends;
+    std::vector<int> owner;
+    for (std::size_t w = 0; w < m_.walls.size(); ++w) {
+      const std::vector<LabelledPoint>& points = m_.walls[w].points;
+      const std::size_t n = points.size();
+      for (std::size_t i = 0; i + (m_.walls[w].kind == WallKind::kOpen ? 1 : 0) < n; ++i) {
+        const Complex a = points[i].at, b = points[(i + 1) % n].at;
+        if (!std::isfinite(std::abs(a) + std::abs(b)) || std::abs(b - a) <= tolerance_) continue;
+        lines.push_back({a, b, nullptr, nullptr, false});
+        ends.emplace_back(a, b);
+        owner.push_back(int(w));
+      }
+    }
+    const detail::SegmentIndex index(ends);
+    std::set<std::pair<int, int>> told;
+    std::vector<int> found;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      Box box;
+      box.Add(lines[i].a);
+      box.Add(lines[i].b);
+      index.Find(box, &found);
+      for (int j : found) {
+        if (owner[j] <= owner[i] || !Overlap(lines[i], lines[j])) continue;
+        if (told.insert({owner[i], owner[j]}).second) CompareWalls(m_.walls[owner[i]], m_.walls[owner[j]]);
+      }
+    }
+  }
+
+  void CompareWalls(const Wall& first, const Wall& second) {
+    const bool same = first.conductivity == second.conductivity &&
+                      (first.conductivity == 0.0 || first.thickness == second.thickness);
+    if (same)
+      Say(Severity::kNote, second.origin,
+          "The wall lies partly on wall " + first.origin.label + ": there they count as one.");
+    else
+      Fatal(second.origin,
+            "The wall lies partly on wall " + first.origin.label +
+                ", which has another conductivity or thickness: give both the same, or let only "
+                "one run there.");
   }
 
   const Model& m_;
