@@ -122,22 +122,27 @@ QPolygonF ClipPolygon(std::span<const DevicePoint> points, const QRectF& bounds)
   return polygon;
 }
 
-std::vector<DevicePoint> CirclePoints(DevicePoint centre, int radius) {
-  constexpr double kTolerance = 0.25;
+QPolygonF CircleLine(QPointF centre, double radius) {
+  constexpr double kTolerance = 0.125;
   constexpr int kMost = 200000;
   const double ratio = std::max(1.0, radius / (2.0 * kTolerance));
-  const int count = std::clamp(static_cast<int>(std::numbers::pi * std::sqrt(ratio)) + 1, 8, kMost);
+  const int count = std::clamp(static_cast<int>(std::numbers::pi * std::sqrt(ratio)) + 1, 12, kMost);
+  QPolygonF line;
+  line.reserve(count + 1);
+  for (int i = 0; i <= count; ++i) {
+    const double angle = 2.0 * std::numbers::pi * (i % count) / count;
+    line.append(centre + radius * QPointF(std::cos(angle), std::sin(angle)));
+  }
+  return line;
+}
+
+std::vector<DevicePoint> CirclePoints(DevicePoint centre, int radius) {
   const auto whole = [](double v) {
     constexpr double kLimit = std::numeric_limits<int>::max();
     return static_cast<int>(std::lround(std::clamp(v, -kLimit, kLimit)));
   };
   std::vector<DevicePoint> points;
-  points.reserve(static_cast<std::size_t>(count) + 1);
-  for (int i = 0; i <= count; ++i) {
-    const double angle = 2.0 * std::numbers::pi * (i % count) / count;
-    points.push_back(
-        {whole(centre.x + radius * std::cos(angle)), whole(centre.y + radius * std::sin(angle))});
-  }
+  for (const QPointF& p : CircleLine(ToPoint(centre), radius)) points.push_back({whole(p.x()), whole(p.y())});
   return points;
 }
 

@@ -23,7 +23,8 @@ std::vector<QPolygonF> ClipPolyline(std::span<const DevicePoint> points, const Q
 /// lie far enough outside the surface for the outline not to show there.
 QPolygonF ClipPolygon(std::span<const DevicePoint> points, const QRectF& bounds);
 
-/// A circle as a closed polygon that leaves it by at most a quarter of a pixel.
+/// A circle as a closed line that leaves it by at most an eighth of a pixel; `CirclePoints` in whole pixels.
+QPolygonF CircleLine(QPointF centre, double radius);
 std::vector<DevicePoint> CirclePoints(DevicePoint centre, int radius);
 
 }  // namespace ormel

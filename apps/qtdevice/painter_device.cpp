@@ -1,7 +1,7 @@
 #include "qtdevice/painter_device.h"
 
 #include <QFontMetricsF>
-#include <QPaintEngine>
+#include <QImage>
 #include <QPolygonF>
 #include <QString>
 #include <algorithm>
@@ -10,12 +10,14 @@
 
 #include "qtdevice/clipping.h"
 #include "qtdevice/fonts.h"
+#include "qtdevice/line_raster.h"
 
 namespace ormel {
 namespace {
 
 constexpr double kReferenceDpi = 96.0;
 constexpr double kWide = 2.5;          ///< pixels
+constexpr int kLargeDisc = 64;         ///< pixels of radius; beyond it the painter is quicker
 constexpr int kMargin = 256;           ///< pixels beyond the surface that are still painted
 constexpr int kLargeRadius = 1 << 14;  ///< beyond it a circle is cut like a polygon
 
@@ -35,15 +37,16 @@ QList<qreal> DashPattern(PenStyle style) {
   return {};
 }
 
-QList<QLineF> Segments(const QPolygonF& run) {
-  QList<QLineF> segments;
-  segments.reserve(run.size() - 1);
-  for (qsizetype i = 1; i < run.size(); ++i) segments.append(QLineF(run[i - 1], run[i]));
-  return segments;
-}
-
 QRectF RectOf(const DeviceRect& rect) {
   return QRectF(QPointF(rect.left, rect.top), QPointF(rect.right, rect.bottom)).normalized();
+}
+
+/// The painter's image, if its pixels are those of the painter's coordinates.
+std::unique_ptr<LineRaster> RasterOf(const QPainter& painter) {
+  auto* image = dynamic_cast<QImage*>(painter.device());
+  const bool plain = image != nullptr && image->format() == QImage::Format_RGB32 &&
+                     image->devicePixelRatio() == 1.0 && painter.worldTransform().isIdentity();
+  return plain ? std::make_unique<LineRaster>(*image) : nullptr;
 }
 
 QString ToQString(std::string_view text) {
@@ -73,27 +76,28 @@ QPainterDevice::QPainterDevice(QPainter& painter, QSize pixels, int dpi_x, int d
       bounds_(-kMargin, -kMargin, pixels.width() + 2.0 * kMargin, pixels.height() + 2.0 * kMargin),
       dpi_x_(dpi_x),
       dpi_y_(dpi_y),
-      raster_(painter.paintEngine() != nullptr && painter.paintEngine()->type() == QPaintEngine::Raster) {
+      raster_(RasterOf(painter)) {
   painter_.setRenderHint(QPainter::Antialiasing);
   painter_.setRenderHint(QPainter::TextAntialiasing);
 }
+
+QPainterDevice::~QPainterDevice() = default;
 
 double QPainterDevice::PenWidth(const Pen& pen) const {
   return std::max(1.0, pen.width) * std::max(1.0, dpi_x_ / kReferenceDpi);
 }
 
-bool QPainterDevice::AsSegments(const Pen& pen) const {
-  // The rasterizer has a short way for single segments of a line that is two pixels wide; their square ends
-  // close the bends.
-  const double width = PenWidth(pen);
-  return pen.style == PenStyle::kSolid && width > 1.0 && width <= kWide && raster_;
+bool QPainterDevice::Rastered(const Pen& pen) const {
+  return raster_ != nullptr && pen.style == PenStyle::kSolid && PenWidth(pen) <= LineRaster::kWidest;
 }
 
-QPointF QPainterDevice::UsePen(const Pen& pen) {
-  if (pen.style == PenStyle::kNone) {
-    painter_.setPen(Qt::NoPen);
-    return {};
-  }
+QPointF QPainterDevice::ShiftOf(const Pen& pen) const {
+  if (pen.style == PenStyle::kNone) return {};
+  return std::lround(PenWidth(pen)) % 2 != 0 ? QPointF(0.5, 0.5) : QPointF();
+}
+
+void QPainterDevice::UsePen(const Pen& pen) {
+  if (pen.style == PenStyle::kNone) return painter_.setPen(Qt::NoPen);
   const double width = PenWidth(pen);
   QPen qpen(ToQColor(pen.color), width);
   // Round joins cost more than the line itself and show only on wide ones.
@@ -106,8 +110,6 @@ QPointF QPainterDevice::UsePen(const Pen& pen) {
     qpen.setDashPattern(DashPattern(pen.style));
   }
   painter_.setPen(qpen);
-  // A line of odd width is crisp through the middle of a pixel, one of even width along its edge.
-  return std::lround(width) % 2 != 0 ? QPointF(0.5, 0.5) : QPointF();
 }
 
 void QPainterDevice::Clear(Color background) {
@@ -116,24 +118,27 @@ void QPainterDevice::Clear(Color background) {
 
 void QPainterDevice::Polyline(std::span<const DevicePoint> points, const Pen& pen) {
   if (pen.style == PenStyle::kNone) return;
-  const QPointF shift = UsePen(pen);
-  painter_.setBrush(Qt::NoBrush);
   for (QPolygonF& run : ClipPolyline(points, bounds_)) {
-    run.translate(shift);
-    if (run.size() == 1) {
-      painter_.drawPoint(run.front());
-    } else if (AsSegments(pen)) {
-      painter_.drawLines(Segments(run));
-    } else {
-      painter_.drawPolyline(run);
-    }
+    run.translate(ShiftOf(pen));
+    Stroke(run, pen);
   }
+}
+
+void QPainterDevice::Stroke(const QPolygonF& line, const Pen& pen) {
+  if (Rastered(pen)) return raster_->Line(line, PenWidth(pen), ToQColor(pen.color).rgb());
+  UsePen(pen);
+  painter_.setBrush(Qt::NoBrush);
+  if (line.size() == 1)
+    painter_.drawPoint(line.front());
+  else
+    painter_.drawPolyline(line);
 }
 
 void QPainterDevice::Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) {
   QPolygonF polygon = ClipPolygon(points, bounds_);
   if (polygon.size() < 2) return;
-  polygon.translate(UsePen(pen));
+  polygon.translate(ShiftOf(pen));
+  UsePen(pen);
   painter_.setBrush(ToQColor(fill));
   painter_.drawPolygon(polygon);
 }
@@ -152,9 +157,13 @@ void QPainterDevice::Circle(DevicePoint centre, int radius, const Pen& pen, std:
   const double across = 2.0 * radius;
   const QRectF box(centre.x - across / 2, centre.y - across / 2, across, across);
   if (!bounds_.intersects(box.adjusted(-1, -1, 1, 1))) return;
-  const QPointF shift = UsePen(pen);
+  const QPointF middle = QPointF(centre.x, centre.y) + ShiftOf(pen);
+  if (!fill && Rastered(pen)) return Stroke(CircleLine(middle, radius), pen);
+  if (fill && pen.style == PenStyle::kNone && raster_ && radius <= kLargeDisc)
+    return raster_->Disc(middle, radius, ToQColor(*fill).rgb());
+  UsePen(pen);
   painter_.setBrush(fill ? QBrush(ToQColor(*fill)) : QBrush(Qt::NoBrush));
-  painter_.drawEllipse(box.translated(shift));
+  painter_.drawEllipse(middle, radius, radius);
 }
 
 void QPainterDevice::Text(DevicePoint at, std::string_view text, const TextStyle& style) {
@@ -186,10 +195,12 @@ void QPainterDevice::Cover(const DeviceRect& rect, Color color, double opacity) 
 
 void QPainterDevice::SetClip(const DeviceRect& rect) {
   painter_.setClipRect(RectOf(rect));
+  if (raster_) raster_->SetClip(RectOf(rect).toRect());
 }
 
 void QPainterDevice::ClearClip() {
   painter_.setClipping(false);
+  if (raster_) raster_->ClearClip();
 }
 
 }  // namespace ormel

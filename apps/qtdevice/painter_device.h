@@ -2,13 +2,17 @@
 #pragma once
 
 #include <QPainter>
+#include <QPolygonF>
 #include <QRectF>
 #include <QSize>
+#include <memory>
 
 #include "core/types.h"
 #include "view/drawing_device.h"
 
 namespace ormel {
+
+class LineRaster;
 
 class QPainterDevice final : public DrawingDevice {
  public:
@@ -16,6 +20,7 @@ class QPainterDevice final : public DrawingDevice {
   /// left corner of the surface.  `dpi_x` and `dpi_y` tell how many of these pixels make an inch: pens are
   /// widened by them, so that a line looks the same on a screen of any density and on paper.
   QPainterDevice(QPainter& painter, QSize pixels, int dpi_x, int dpi_y);
+  ~QPainterDevice() override;
 
   int Width() const override { return size_.width(); }
   int Height() const override { return size_.height(); }
@@ -34,15 +39,18 @@ class QPainterDevice final : public DrawingDevice {
 
  private:
   double PenWidth(const Pen& pen) const;
-  bool AsSegments(const Pen& pen) const;
-  /// Takes the pen and returns the shift that puts its lines on whole pixels.
-  QPointF UsePen(const Pen& pen);
+  bool Rastered(const Pen& pen) const;
+  /// What puts lines of this pen on whole pixels: one of odd width is crisp through the middle of a pixel,
+  /// one of even width along its edge.
+  QPointF ShiftOf(const Pen& pen) const;
+  void UsePen(const Pen& pen);
+  void Stroke(const QPolygonF& line, const Pen& pen);
 
   QPainter& painter_;
   QSize size_;
   QRectF bounds_;  ///< figures are cut to this
   int dpi_x_, dpi_y_;
-  bool raster_;  ///< pixels, not a vector file
+  std::unique_ptr<LineRaster> raster_;  ///< for the many lines of an image; null on other surfaces
 };
 
 QColor ToQColor(Color color);
