@@ -18,6 +18,7 @@
 #include "ormel/color_swatch.h"
 #include "ormel/form_dialog.h"
 #include "ormel/qt_text.h"
+#include "ormel/table_view.h"
 
 namespace ormel {
 namespace {
@@ -106,6 +107,10 @@ QWidget* MakeList(const ControlSpec& spec, FormDialog& dialog) {
   return list;
 }
 
+QWidget* MakeTable(const ControlSpec& spec, FormDialog& dialog) {
+  return new TableControl(spec.name, dialog);
+}
+
 QWidget* MakeLabel(const ControlSpec& spec, FormDialog& dialog) {
   auto* label = new QLabel(&dialog);
   label->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -177,6 +182,10 @@ void UpdateList(QWidget& widget, const ControlState& state) {
   }
 }
 
+void UpdateTable(QWidget& widget, const ControlState& state) {
+  static_cast<TableControl&>(widget).Show(state);
+}
+
 void UpdateLabel(QWidget& widget, const ControlState& state) {
   static_cast<QLabel&>(widget).setText(ToQString(state.text.empty() ? state.caption : state.text));
 }
@@ -207,6 +216,7 @@ constexpr std::array kKinds = {
     KindRow{ControlKind::kCombo, ControlPlace::kField, true, MakeCombo, UpdateCombo},
     KindRow{ControlKind::kList, ControlPlace::kTall, true, MakeList, UpdateList},
     KindRow{ControlKind::kMultiList, ControlPlace::kTall, true, MakeList, UpdateList},
+    KindRow{ControlKind::kTable, ControlPlace::kTall, true, MakeTable, UpdateTable},
     KindRow{ControlKind::kNote, ControlPlace::kWide, false, MakeLabel, UpdateLabel},
 };
 

@@ -1,6 +1,7 @@
 #include "ormel/qt_interface.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QColorDialog>
 #include <QCoreApplication>
 #include <QEvent>
@@ -281,6 +282,10 @@ bool QtInterface::eventFilter(QObject* target, QEvent* event) {
   const auto* widget = qobject_cast<QWidget*>(target);
   if (widget == nullptr) return event->type() == QEvent::Shortcut;
   return wait_box_ == nullptr || widget->window() != wait_box_;
+}
+
+void QtInterface::CopyText(std::string_view text) {
+  QApplication::clipboard()->setText(ToQString(text));
 }
 
 void QtInterface::ViewTextFile(const std::string& path) {

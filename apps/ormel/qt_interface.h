@@ -44,6 +44,7 @@ class QtInterface final : public QObject, public UserInterface {
   void PleaseWaitHide() override;
   void Progress(double fraction, std::string_view text) override;
   bool CancelRequested() override;
+  void CopyText(std::string_view text) override;
   void ViewTextFile(const std::string& path) override;
   void ShowHelp(std::string_view topic) override;
   void MenusChanged() override;

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "core/ormel.h"
+#include "core/table.h"
 #include "core/user_interface.h"
 #include "text/numbers.h"
 
@@ -75,12 +76,13 @@ void Form::SetChecked(std::string_view name, bool on) {
 
 void Form::Select(std::string_view name, std::vector<int> indices) {
   ControlState& state = Mutable(name);
-  const int count = static_cast<int>(state.items.size());
+  const int count = static_cast<int>(state.table ? state.table->Rows() : state.items.size());
   std::erase_if(indices, [count](int i) { return i < 0 || i >= count; });
   if (state.selected == indices) return;
   state.selected = std::move(indices);
-  state.text =
-      state.selected.empty() ? std::string() : state.items[static_cast<size_t>(state.selected.front())];
+  if (!state.table)
+    state.text =
+        state.selected.empty() ? std::string() : state.items[static_cast<size_t>(state.selected.front())];
   Changed(name);
 }
 
@@ -101,6 +103,25 @@ void Form::Click(std::string_view name) {
 
 void Form::LeaveField(std::string_view name) {
   if (Spec(name).kind == ControlKind::kNumber && Text(name).empty()) SetText(name, "0");
+}
+
+void Form::SortTable(std::string_view name, std::size_t column, bool descending) {
+  ControlState& state = Mutable(name);
+  if (!state.table) return;
+  state.selected.clear();
+  state.table->Sort(column, descending);
+}
+
+void Form::CopyTable(std::string_view name) {
+  const ControlState& state = State(name);
+  if (state.table) ormel_.ui().CopyText(state.table->Tabbed(state.selected));
+}
+
+void Form::EditCell(std::string_view name, std::size_t row, std::size_t column, std::string_view text) {
+  const ControlState& state = Mutable(name);
+  if (!state.table || !state.editable || !state.enabled) return;
+  if (row >= state.table->Rows() || column >= state.table->columns().size()) return;
+  if (state.table->At(row, column).AsText() != text) CellEdited(name, row, column, text);
 }
 
 void Form::FillEmptyNumbers() {

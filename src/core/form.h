@@ -7,6 +7,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,6 +18,7 @@
 namespace ormel {
 
 struct Ormel;
+class Table;
 
 enum class ControlKind {
   kLabel,      ///< text only
@@ -32,6 +34,7 @@ enum class ControlKind {
   kList,       ///< one of `items`, all in view
   kMultiList,  ///< any of `items`
   kNote,       ///< an explanatory paragraph
+  kTable,      ///< rows and columns of `table`; its rows can be selected, sorted and copied
 };
 
 enum class ButtonRole { kNone, kAccept, kReject };
@@ -56,7 +59,9 @@ struct ControlState {
   bool visible = true;
   Color color{};
   std::vector<std::string> items;
-  std::vector<int> selected;  ///< indices into `items`
+  std::vector<int> selected;  ///< indices into `items`, or rows of the table
+  std::shared_ptr<Table> table;
+  bool editable = false;  ///< cells of the table can be typed over
 };
 
 class Form {
@@ -80,6 +85,12 @@ class Form {
   void Click(std::string_view name);
   /// The field loses the focus: an empty kNumber becomes "0".
   void LeaveField(std::string_view name);
+  /// Sorts a table by one of its columns; the selection goes.
+  void SortTable(std::string_view name, std::size_t column, bool descending);
+  /// The selected rows of a table, or all, to the clipboard.
+  void CopyTable(std::string_view name);
+  /// A cell of an editable table was typed over.
+  void EditCell(std::string_view name, std::size_t row, std::size_t column, std::string_view text);
 
   // What a renderer reads.  A name that does not exist is a programming error and throws.
   const ControlState& State(std::string_view name) const;
@@ -101,6 +112,9 @@ class Form {
   virtual void Changed(std::string_view /*name*/) {}
   /// A button was pressed.  The default knows no button.
   virtual void Pressed(std::string_view /*name*/) {}
+  /// A cell got another text; the default leaves the table as it is.
+  virtual void CellEdited(std::string_view /*name*/, std::size_t /*row*/, std::size_t /*column*/,
+                          std::string_view /*text*/) {}
 
   /// Puts captions, units and visibility of the table into the states.  Call once in the constructor.
   void InitControls();

@@ -75,6 +75,8 @@ class UserInterface {
   /// True once the user has pressed Cancel in the wait box.
   virtual bool CancelRequested() = 0;
 
+  /// Puts a text on the clipboard, where there is one.
+  virtual void CopyText(std::string_view /*text*/) {}
   /// Opens a text file in a viewer; the program goes on.
   virtual void ViewTextFile(const std::string& path) = 0;
   /// Opens the user guide at a topic; empty for its contents.

@@ -97,6 +97,7 @@ class ScriptedInterface : public UserInterface {
   void PleaseWaitHide() override { --wait_depth; }
   void Progress(double fraction, std::string_view) override { progress.push_back(fraction); }
   bool CancelRequested() override { return cancel && cancel(); }
+  void CopyText(std::string_view text) override { clipboard = text; }
   void ViewTextFile(const std::string& path) override { viewed_files.push_back(path); }
   void ShowHelp(std::string_view topic) override { help_topics.emplace_back(topic); }
   void MenusChanged() override {}
@@ -111,7 +112,7 @@ class ScriptedInterface : public UserInterface {
   std::vector<std::string> shown_forms, wait_texts, viewed_files, help_topics;
   std::vector<double> progress;
   std::map<Panel, std::string> panels;
-  std::string caption;
+  std::string caption, clipboard;
   std::optional<Color> color;
   std::optional<FontChoice> font;
   std::function<bool()> cancel;

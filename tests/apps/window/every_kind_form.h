@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "core/form.h"
+#include "core/table.h"
 
 namespace ormel::test {
 
@@ -20,6 +21,12 @@ class EveryKind : public Form {
     Mutable("list").items = {"North", "South", "East"};
     Mutable("many").items = {"A", "B", "C"};
     Mutable("swatch").color = Rgb(10, 200, 30);
+    auto table = std::make_shared<Table>(
+        std::vector<TableColumn>{{.name = "Label", .caption = "Label", .number = false},
+                                 {.name = "Head", .caption = "Head\n[m]", .mask = "0.00"}});
+    for (const auto& [label, head] : {std::pair("b", 2.0), std::pair("a", 30.125), std::pair("c", 1.0)})
+      table->AddRow({label, head});
+    Mutable("table").table = std::move(table);
     Offer("number", false);
     Show("late", false);
   }
@@ -28,6 +35,7 @@ class EveryKind : public Form {
   std::span<const ControlSpec> Controls() const override { return kControls; }
 
   int pressed = 0;
+  void LetEdit() { Mutable("table").editable = true; }
   std::string failure;  ///< thrown at the next press of the button
 
  protected:
@@ -37,6 +45,10 @@ class EveryKind : public Form {
       Unit("number", "m/day");
       Show("late", Checked("check"));
     }
+  }
+  void CellEdited(std::string_view name, std::size_t row, std::size_t column,
+                  std::string_view text) override {
+    Mutable(name).table->Change(row, column, Value(text));
   }
   void Pressed(std::string_view name) override {
     ++pressed;
@@ -78,6 +90,7 @@ class EveryKind : public Form {
       ControlSpec{.name = "combo", .kind = ControlKind::kCombo, .caption = "Grid", .tab = "Second"},
       ControlSpec{.name = "list", .kind = ControlKind::kList, .caption = "Windows", .tab = "Lists"},
       ControlSpec{.name = "many", .kind = ControlKind::kMultiList, .caption = "Wells", .tab = "Lists"},
+      ControlSpec{.name = "table", .kind = ControlKind::kTable, .caption = "Results", .tab = "Table"},
       ControlSpec{.name = "font", .kind = ControlKind::kFont, .caption = "Font", .tab = "Lists"},
       ControlSpec{.name = "label", .kind = ControlKind::kLabel, .caption = "State"},
       ControlSpec{.name = "note", .kind = ControlKind::kNote, .caption = "A note that explains."},

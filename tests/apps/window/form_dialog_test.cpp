@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -15,6 +16,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include "ormel/table_view.h"
 #include "support/fakes.h"
 #include "window/every_kind_form.h"
 
@@ -79,6 +81,35 @@ TEST_F(FormDialogTest, ReactionsAreSeenAtOnce) {
   bool unit_shown = false;
   for (const QLabel* label : dialog.findChildren<QLabel*>()) unit_shown |= label->text() == "m/day";
   EXPECT_TRUE(unit_shown);
+}
+
+TEST_F(FormDialogTest, TablesAreSortedSelectedCopiedAndTypedOver) {
+  Tabs()->setCurrentWidget(Find<TableControl>("table")->parentWidget());
+  auto* view = Find<TableControl>("table");
+  const auto cell = [&](int row, int column) { return view->model()->index(row, column).data().toString(); };
+  EXPECT_EQ(cell(1, 1), "30.12") << "half to even";
+  QHeaderView& header = *view->horizontalHeader();
+  const auto press = [&](int column) {
+    QTest::mouseClick(header.viewport(), Qt::LeftButton, {},
+                      QPoint(header.sectionViewportPosition(column) + 5, header.height() / 2));
+  };
+  view->selectRow(2);
+  EXPECT_EQ(form.State("table").selected, std::vector<int>{2});
+  press(1);
+  EXPECT_TRUE(form.State("table").selected.empty()) << "other rows stand there now";
+  EXPECT_EQ(cell(0, 0), "c");
+  press(1);
+  EXPECT_EQ(cell(0, 0), "a");
+  view->selectRow(0);
+  view->setFocus();
+  QTest::keySequence(view, QKeySequence::Copy);
+  EXPECT_EQ(controller.ui.clipboard, "Label\tHead\na\t30.125\n") << "all digits";
+
+  EXPECT_FALSE(view->model()->flags(view->model()->index(0, 0)).testFlag(Qt::ItemIsEditable));
+  form.LetEdit();
+  dialog.Do([](Form&) {});
+  EXPECT_TRUE(view->model()->setData(view->model()->index(0, 0), "new"));
+  EXPECT_EQ(cell(0, 0), "new");
 }
 
 TEST_F(FormDialogTest, FocusSelectsTheTextAndLeavingAnEmptyNumberFillsIt) {
