@@ -39,6 +39,8 @@ class MapView {
   virtual void DrawWell(MapPoint at, double setback, double radius, DrawMode mode) = 0;
   /// A test point or particle that has no row yet.
   virtual void DrawPoint(Element /*element*/, MapPoint /*at*/, DrawMode /*mode*/) {}
+  /// The lines of `solution.traced_lines` over the picture; the next redraw takes them into it.
+  virtual void DrawTracedLines() {}
   virtual void ElemTurnOffSelection() = 0;
   virtual void ClearMouseMode() = 0;
   virtual void TurnOffMenus() = 0;

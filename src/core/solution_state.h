@@ -1,7 +1,18 @@
 // What is valid of the last solve, and how results are shown.
 #pragma once
 
+#include <vector>
+
+#include "core/types.h"
+
 namespace ormel {
+
+/// A streamline that the user asked for at a point of the map.
+struct TracedLine {
+  std::vector<MapPoint> points;
+  std::vector<double> elevations;  ///< [computation length]
+  std::vector<double> times;       ///< since the start [d]
+};
 
 struct SolutionState {
   bool ValidSolution = false;   ///< the results on view belong to the model as it stands
@@ -16,6 +27,8 @@ struct SolutionState {
   double TimeTicSpacing = 0.0;  ///< along pathlines [d]; 0 means none
   double ElevationTicSpacing = 0.0;
   int size_number = 61;  ///< last result of ModelGetSize
+  /// Of the solution on view: they go with it, or when the user clears them.
+  std::vector<TracedLine> traced_lines{};
   bool whpa_calculated_exists = false;
   /// The tracing step "Use Default Step Size of": not stored in the project.
   bool use_default_step = true;

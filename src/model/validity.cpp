@@ -55,6 +55,7 @@ void InvalidateSolution(Ormel& ormel, bool ask, bool redraw) {
   for (const MenuItem& item : kNeedResults) ormel.menus.Enable(item.control, item.index, false);
   ormel.solution.ValidSolution = false;
   ormel.solution.results_drawn = false;
+  ormel.solution.traced_lines.clear();
   if (redraw) ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   Note(ormel, "");
 }

@@ -31,6 +31,7 @@
 #include "shell/solve_stamp.h"
 #include "solver/driver.h"
 #include "solver/extents.h"
+#include "solver/inspection.h"
 #include "text/files.h"
 #include "view/map_view_impl.h"
 #include "whpa/commands.h"
@@ -195,6 +196,14 @@ void OutlineZone(Ormel& ormel, int /*index*/) {
 
 void Repair(Ormel& ormel, int /*index*/) {
   DBRepair(ormel);
+}
+
+void InspectorSettings(Ormel& ormel, int /*index*/) {
+  ShowInspector(ormel);
+}
+
+void IntegrityCheck(Ormel& ormel, int /*index*/) {
+  SolverIntegrityCheck(ormel);
 }
 
 void Zoom(Ormel& ormel, int index) {

@@ -23,6 +23,7 @@ void CopyImage(Ormel& ormel, int index);
 // &View
 void Layer(Ormel& ormel, int index);
 void Pathlines(Ormel& ormel, int index);
+void ClearTraces(Ormel& ormel, int index);
 void TimeMarks(Ormel& ormel, int index);
 void ElevationMarks(Ormel& ormel, int index);
 void TestDisplay(Ormel& ormel, int index);
@@ -48,6 +49,8 @@ void Whpa(Ormel& ormel, int index);
 void OutlineZone(Ormel& ormel, int index);
 void ImportAreas(Ormel& ormel, int index);
 void Repair(Ormel& ormel, int index);
+void InspectorSettings(Ormel& ormel, int index);
+void IntegrityCheck(Ormel& ormel, int index);
 
 // &Window
 void Zoom(Ormel& ormel, int index);

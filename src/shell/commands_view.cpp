@@ -4,6 +4,7 @@
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "shell/commands.h"
+#include "solver/inspection.h"
 #include "view/display_commands.h"
 #include "view/pathlines.h"
 #include "view/whpa_drawing.h"
@@ -35,6 +36,10 @@ void Layer(Ormel& ormel, int index) {
 
 void Pathlines(Ormel& ormel, int /*index*/) {
   PATHLINES(ormel);
+}
+
+void ClearTraces(Ormel& ormel, int /*index*/) {
+  ClearTracedLines(ormel);
 }
 
 void TimeMarks(Ormel& ormel, int index) {

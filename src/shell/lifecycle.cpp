@@ -91,6 +91,7 @@ void ResetSolution(Ormel& ormel) {
   ormel.solution.GridValid = false;
   ormel.solution.ContoursValid = false;
   ormel.solution.results_drawn = false;
+  ormel.solution.traced_lines.clear();
   ormel.solution.SolutionTime = fresh.SolutionTime;
   for (const char* control : {"RESULTS_TABLE", "MODELRUNFILES", "CALIBRATION_STATS"})
     ormel.menus.Enable(control, false);

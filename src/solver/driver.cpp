@@ -103,7 +103,10 @@ class SolveRun {
     } else if (request_.ContinueSolve) {
       kept_.Copy(StemFile(ormel_, ".SOL"));
     }
-    if (new_ || request_.ContinueSolve) ClearDrawnFlags();
+    if (new_ || request_.ContinueSolve) {
+      ClearDrawnFlags();
+      ormel_.solution.traced_lines.clear();
+    }
     kept_.Delete(StemFile(ormel_, ".XTR"));
     SetDrawnFileAside(".GRD", model_.CONTOURShow != 0);
     SetDrawnFileAside(".CTR", model_.CONTOURShow != 0);
@@ -203,7 +206,7 @@ class SolveRun {
         RunSolver(ormel_, size, new_ ? ormel_.project.OrmelBaseName : kRegridDeck, "Solving the model...");
     if (!result.started) {
       Undo(rows);
-      TellStartFailed(result);
+      TellStartFailed(ormel_, result);
       return false;
     }
     if (result.cancelled) {
@@ -225,13 +228,6 @@ class SolveRun {
     kept_.Restore();
     DeleteTolerantly(ModelFile(ormel_, "VADOX.OPS"));
     before_.Restore(ormel_);
-  }
-
-  void TellStartFailed(const ProcessResult& result) {
-    Inform(ormel_, kProgramTitle,
-           Lines({result.failure, JoinPath(ormel_.processes().Environment("Vadox"), kSolverProgram)}),
-           Icon::kStop);
-    InvalidateSolution(ormel_, true, false);
   }
 
   bool ResultsFileStands() {
@@ -327,6 +323,7 @@ void SolutionTime(Ormel& ormel) {
     if (!answer) return;
     const double time = Val(*answer);
     if (!std::isfinite(time) || time < 0.0) return;
+    if (time != ormel.solution.SolutionTime) ormel.solution.traced_lines.clear();
     ormel.solution.SolutionTime = time;
     ModelRunVadox(ormel, {.KeepSolution = true, .ZoomAfter = true, .ViewLogs = true});
   });

@@ -10,6 +10,7 @@
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/model_values.h"
+#include "model/validity.h"
 #include "text/files.h"
 #include "text/numbers.h"
 #include "text/strings.h"
@@ -92,6 +93,13 @@ ProcessResult WaitForTerm1(Ormel& ormel, std::string_view program, std::vector<s
 
 ProcessResult RunSolver(Ormel& ormel, int size_number, std::string_view deck, std::string_view wait_text) {
   return WaitForTerm1(ormel, kSolverProgram, {std::to_string(size_number), std::string(deck)}, wait_text);
+}
+
+void TellStartFailed(Ormel& ormel, const ProcessResult& result) {
+  Inform(ormel, kProgramTitle,
+         Lines({result.failure, JoinPath(ormel.processes().Environment("Vadox"), kSolverProgram)}),
+         Icon::kStop);
+  InvalidateSolution(ormel, true, false);
 }
 
 bool RunContourProgram(Ormel& ormel, std::string_view stem) {

@@ -35,6 +35,9 @@ ProcessResult WaitForTerm1(Ormel& ormel, std::string_view program, std::vector<s
 /// The solver on a deck: its arguments are the size number and the deck's name.
 ProcessResult RunSolver(Ormel& ormel, int size_number, std::string_view deck, std::string_view wait_text);
 
+/// Tells why the solver did not start, and asks whether the solution should go.
+void TellStartFailed(Ormel& ormel, const ProcessResult& result);
+
 /// CONTOUR.EXE on `<stem>.GRD` with the levels of the settings.  False, and the user has been told, when it
 /// could not be run or failed.
 bool RunContourProgram(Ormel& ormel, std::string_view stem);

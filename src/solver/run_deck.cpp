@@ -80,14 +80,6 @@ void WriteWellStarts(Ormel& ormel, TextFileWriter& deck, const NumberMask& place
   }
 }
 
-/// The tracing step [computation length].
-double TracingStep(const Ormel& ormel, const ModelValues& model) {
-  if (!ormel.solution.use_default_step) return model.TRACEStep;
-  const double shown = ormel.solution.default_step;
-  const double step = shown > 0.0 ? shown : ComputeDefaultStep(ormel);  // nothing is shown before a redraw
-  return step * BasemapConvert(ormel);
-}
-
 }  // namespace
 
 void WriteRunHead(TextFileWriter& deck, std::string_view message_log) {
@@ -135,6 +127,13 @@ void WriteGrid(const Ormel& ormel, TextFileWriter& deck, const ModelValues& mode
   deck.Line(" surfer " + ormel.project.OrmelBaseName);
   deck.Line(" y ");
   deck.Line(" quit");
+}
+
+double TracingStep(const Ormel& ormel, const ModelValues& model) {
+  if (!ormel.solution.use_default_step) return model.TRACEStep;
+  const double shown = ormel.solution.default_step;
+  const double step = shown > 0.0 ? shown : ComputeDefaultStep(ormel);  // nothing is shown before a redraw
+  return step * BasemapConvert(ormel);
 }
 
 void WriteTrace(Ormel& ormel, TextFileWriter& deck, const ModelValues& model) {

@@ -18,6 +18,8 @@ void WriteSolveAndSave(const Ormel& ormel, TextFileWriter& deck, int iterations)
 /// Test points, all elements, flux inspection lines.
 void WriteExtract(Ormel& ormel, TextFileWriter& deck);
 void WriteGrid(const Ormel& ormel, TextFileWriter& deck, const ModelValues& model);
+/// The tracing step [computation length]: the default for the window, or the user's own.
+double TracingStep(const Ormel& ormel, const ModelValues& model);
 /// Particles at points and around wells; image wells trace nothing.
 void WriteTrace(Ormel& ormel, TextFileWriter& deck, const ModelValues& model);
 

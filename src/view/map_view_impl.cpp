@@ -13,6 +13,7 @@
 #include "model/validity.h"
 #include "store/database.h"
 #include "view/symbols.h"
+#include "view/traced_lines.h"
 
 namespace ormel {
 namespace {
@@ -220,6 +221,12 @@ void MapViewImpl::DrawPoint(Element element, MapPoint at, DrawMode mode) {
   if (mode == DrawMode::kErase) return Erase(key, draw);
   const OverlayShape shape(*this, key);
   draw();
+}
+
+void MapViewImpl::DrawTracedLines() {
+  if (!HasTracedLines(ormel_) || !vg_.Ready()) return;
+  const OverlayShape shape(*this, {Overlay::Group::kDrawn, Element::kNone, -1, {}});
+  ModelDrawTracedLines(canvas());
 }
 
 void MapViewImpl::Refresh() {

@@ -26,8 +26,6 @@ class MapSurface {
 
 /// What the pointer calls in rooms that the view does not know.  Empty while such a room is not there.
 struct MapHooks {
-  std::function<void(MapPoint, Color)> inspect;       ///< results at a point
-  std::function<void(MapPoint)> trace;                ///< one streamline from a point
   std::function<void(Element, Vid, Pid)> info_panel;  ///< of a string or domain
   std::function<void()> basemap_select;               ///< base maps at the last click
 };
@@ -43,6 +41,7 @@ class MapViewImpl final : public MapView {
   void DrawElement(Element element, Vid vid, Pid pid, DrawMode mode) override;
   void DrawWell(MapPoint at, double setback, double radius, DrawMode mode) override;
   void DrawPoint(Element element, MapPoint at, DrawMode mode) override;
+  void DrawTracedLines() override;
   void ElemTurnOffSelection() override;
   void ClearMouseMode() override;
   void TurnOffMenus() override;

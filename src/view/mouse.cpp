@@ -10,6 +10,7 @@
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/edit.h"
+#include "solver/inspection.h"
 #include "text/masks.h"
 #include "view/map_view_impl.h"
 #include "view/mouse_actions.h"
@@ -30,6 +31,23 @@ MouseEvent EventAt(MapViewImpl& view, int shift, DevicePoint at) {
   return event;
 }
 
+/// Shows which point is being asked about.
+class PointMark {
+ public:
+  PointMark(MapViewImpl& view, MapPoint at)
+      : view_(view), key_{Overlay::Group::kRubber, Element::kTestPoint, -1, at} {
+    const MapViewImpl::OverlayShape shape(view, key_);
+    view.vg().vgGDISymbol(at, VgSymbol::kCircleUprightCross, kInspectColor, kInspectColor);
+  }
+  ~PointMark() { view_.overlay().Remove(key_); }
+  PointMark(const PointMark&) = delete;
+  PointMark& operator=(const PointMark&) = delete;
+
+ private:
+  MapViewImpl& view_;
+  Overlay::Key key_;
+};
+
 bool Listening(const Ormel& ormel) {
   return !ormel.mouse.MouseDisabled && ormel.project.ProjectOpen;
 }
@@ -43,13 +61,11 @@ bool PressWithKeys(const MouseEvent& event) {
     Inform(event.ormel, "Error", "No solution is present.  Solve the model and try again.");
     return true;
   }
-  const MapHooks& hooks = event.view.hooks();
-  if (inspect && hooks.inspect)
-    hooks.inspect(event.world, kInspectColor);
-  else if (trace && hooks.trace)
-    hooks.trace(event.world);
+  const PointMark mark(event.view, event.world);
+  if (inspect)
+    ModelInspectResults(event.ormel, event.world.x, event.world.y);
   else
-    Inform(event.ormel, kProgramTitle, "The instant inspector is not available in this version.");
+    ModelTraceOneStreamline(event.ormel, event.world.x, event.world.y);
   return true;
 }
 

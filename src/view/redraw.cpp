@@ -9,6 +9,7 @@
 #include "core/ormel.h"
 #include "view/contours.h"
 #include "view/symbols.h"
+#include "view/traced_lines.h"
 #include "view/vg_gdi.h"
 
 namespace ormel {
@@ -50,6 +51,13 @@ void DrawPathlines(const MapCanvas& canvas, ViewState& state) {
   ModelDrawPathlines(canvas, state.files, state.tics);
 }
 
+bool TracedLinesWanted(const Ormel& ormel, const ViewState&) {
+  return HasTracedLines(ormel);
+}
+void DrawTracedLines(const MapCanvas& canvas, ViewState&) {
+  ModelDrawTracedLines(canvas);
+}
+
 bool OverlayWanted(const Ormel& ormel, const ViewState& state) {
   return ormel.menus.Checked("layermenu", kLayerResultsOverlay) && state.overlay.LSMode != "off";
 }
@@ -63,6 +71,7 @@ constexpr std::array kLayers{
     MapLayer{"Elements", "Drawing Elements...", Always, DrawElements},
     MapLayer{"Contours", "", ContoursWanted, DrawContours},
     MapLayer{"Pathlines", "", PathlinesWanted, DrawPathlines},
+    MapLayer{"Traced Lines", "", TracedLinesWanted, DrawTracedLines},
     MapLayer{"Results Overlay", "", OverlayWanted, DrawOverlay},
 };
 

@@ -28,7 +28,8 @@ struct MapLayer {
   void (*draw)(const MapCanvas&, ViewState&);
 };
 
-/// In the order of drawing: base maps, haze, elements, contours, pathlines, results overlay.
+/// In the order of drawing: base maps, haze, elements, contours, pathlines, traced lines, results
+/// overlay.
 std::span<const MapLayer> MapLayers();
 
 /// Paints all layers that are wanted on the vector layer's target, which is initialised.  `progress` hears

@@ -3,14 +3,20 @@
 
 #include <cmath>
 #include <filesystem>
+#include <map>
 #include <numbers>
+#include <sstream>
 
+#include "core/table.h"
 #include "platform/posix_processes.h"
 #include "solver/contour_file.h"
 #include "solver/driver.h"
 #include "solver/grid_file.h"
+#include "solver/inspection.h"
 #include "solver/path_file.h"
 #include "support/test_project.h"
+#include "text/numbers.h"
+#include "text/strings.h"
 
 namespace ormel::test {
 namespace {
@@ -108,6 +114,70 @@ TEST(RealSolver, WellInUniformFlowComesBackWithItsClosedForm) {
   ModelRunVadox(p.ormel, {});
   EXPECT_NEAR(p.Number("select Difference from TPResults"), 60.0 - head(1300, std::hypot(200.0, 100.0)),
               1e-6);
+}
+
+/// The lines of a box, each by the number at its end.
+std::map<std::string, double> NumbersOf(const std::string& text) {
+  std::map<std::string, double> numbers;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);)
+    if (const std::size_t blank = line.rfind(' '); blank != std::string::npos)
+      numbers[std::string(Trim(std::string_view(line).substr(0, blank)))] = Val(line.substr(blank));
+  return numbers;
+}
+
+TEST(RealSolver, InstantInspectorAgreesWithTheClosedFormAndTracesToTheWell) {
+  RealProject p;
+  // Unconfined: a 20 m thick aquifer whose water table lies at some 15.
+  p.Run(
+      "update Model set UNIFLOWCompute=1, UNIFLOWGradient=0.001, UNIFLOWRefHead=15, UNIFLOWRefX=1900, "
+      "UNIFLOWRefY=2500, CONTOURShow=0, TRACECompute=0, TRACEMaxTime=36500");
+  p.Point(1, 1500, 2500);
+  p.Run("insert into Wells(VID,Label,Head,Radius) values(1,'Town',100,0.3)");
+  p.Solve();
+  const std::string saved = ReadAll(p.dir / "town.SOL");
+  p.ormel.window.model = {0, 9, 0, 9};  // as after a zoom
+
+  // phi = k h^2 / 2 = phi0 - Qx (x - x0) + Q / (2 pi) ln(r / r0), Qx = i k h0.
+  const double x = 1400, y = 2600, k = 10, qx = 0.001 * k * 15;
+  const double r = std::hypot(x - 1500, y - 2500);
+  const double phi = 0.5 * k * 225 - qx * (x - 1900) + 100 / (2 * kPi) * std::log(r / 400);
+  const double h = std::sqrt(2 * phi / k);
+  const double discharge_x = qx - 100 / (2 * kPi) * (x - 1500) / (r * r);
+  const double discharge_y = -100 / (2 * kPi) * (y - 2500) / (r * r);
+  ModelInspectResults(p.ormel, x, y);
+  ASSERT_EQ(p.ui.LastTitle(), "Model Results") << p.ui.LastText();
+  auto at = NumbersOf(p.ui.LastText());
+  EXPECT_NEAR(at["Head"], h, 1e-3);
+  EXPECT_NEAR(at["Z"], h, 1e-3) << "at the water table";
+  EXPECT_NEAR(at["X"], x, 1e-9);
+  EXPECT_NEAR(at["Velocity (X)"], discharge_x / (h * 0.25), 1e-6);
+  EXPECT_NEAR(at["Velocity (Y)"], discharge_y / (h * 0.25), 1e-6);
+  InspectorSettingsOf(p.ormel) = {.Elevation = 3.5, .at_top = false, .StepSize = 0.5};
+  SolverIntegrityCheck(p.ormel);
+  p.ui.OnForm("SolverIntegrity", [](Form& form) {
+    const Table& table = *form.State("lblAnalyicNumeric").table;
+    for (const std::size_t row : {0U, 1U, 3U, 4U}) {
+      ASSERT_TRUE(table.At(row, 3).IsNumber()) << row;
+      EXPECT_NEAR(table.At(row, 3).AsDouble(), 0.0, 2e-6) << table.Text(row, 0);
+    }
+    form.Click("cmdOk");
+  });
+  ModelInspectResults(p.ormel, x, y);
+  EXPECT_NEAR(NumbersOf(p.ui.LastText())["Z"], 3.5, 1e-9);
+  EXPECT_EQ(p.ui.shown_forms.back(), "SolverIntegrity");
+
+  // Upstream of the well: the streamline on the axis ends there; backward it leaves through the window.
+  ModelTraceOneStreamline(p.ormel, 1450, 2500);
+  EXPECT_NE(p.ormel.feedback.find("ended by: well WL_000001"), std::string::npos) << p.ormel.feedback;
+  InspectorSettingsOf(p.ormel).trace_backwards = true;
+  ModelTraceOneStreamline(p.ormel, 1450, 2500);
+  EXPECT_NE(p.ormel.feedback.find("ended by: window"), std::string::npos) << p.ormel.feedback;
+  ASSERT_EQ(p.ormel.solution.traced_lines.size(), 2U);
+  for (const MapPoint& point : p.ormel.solution.traced_lines[1].points) EXPECT_NEAR(point.y, 2500, 0.01);
+  EXPECT_NEAR(p.ormel.solution.traced_lines[1].points.back().x, 1000, 0.1);
+  EXPECT_EQ(ReadAll(p.dir / "town.SOL"), saved);
+  EXPECT_TRUE(p.ormel.solution.ValidSolution);
 }
 
 TEST(RealSolver, ElementsByHeadMeetTheirHeads) {

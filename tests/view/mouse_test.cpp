@@ -12,6 +12,8 @@
 #include "model/linesinks.h"
 #include "model/move.h"
 #include "model/observations.h"
+#include "model/validity.h"
+#include "solver/inspection.h"
 #include "view/map_fixture.h"
 #include "view/mouse_actions.h"
 
@@ -316,13 +318,61 @@ TEST(Mouse, ShiftInspectsOnlyWithASolution) {
     EXPECT_EQ(t.ui.LastText(), "No solution is present.  Solve the model and try again.");
   }
   EXPECT_EQ(t.ormel.selection.SelectedType, Element::kNone);
-  std::vector<std::string> asked;
-  t.map.hooks().inspect = [&](MapPoint, Color color) { asked.push_back("inspect " + ColorName(color)); };
-  t.map.hooks().trace = [&](MapPoint) { asked.push_back("trace"); };
+  EXPECT_TRUE(t.processes.requests.empty());
+}
+
+/// A solution whose solver answers queries at once.
+struct QueryProject : MouseProject {
+  std::vector<std::string> marked;  ///< what lay over the map while the solver ran
+
+  QueryProject() {
+    ormel.solution.ValidSolution = true;
+    ormel.window.solved = {-100, 100, -100, 100};
+    ormel.db().Execute("update Model set SOLVERX0=-100, SOLVERY0=-100");
+    WriteAll(dir / "VADOX1.EXE", "");
+    processes.on_run = [this](const ProcessRequest&, const auto&, const auto&) {
+      marked = Overlaid();
+      WriteAll(dir / "_INSPECT.XTR", "@ 110,120,3,.2,12,0,0,90,9,1,2,.1,.2,0, \r\n");
+      WriteAll(dir / "_TRACE.PTH",
+               "START\r\n"
+               "       110.0000000   120.0000000     3.0000000     0.0000000     9.0000000\r\n"
+               "       150.0000000   120.0000000     3.0000000   800.0000000     9.0000000\r\n"
+               "END   well WL_000001\r\n");
+      ProcessResult ended;
+      ended.started = true;
+      return ended;
+    };
+  }
+};
+
+TEST(Mouse, ShiftClickMarksThePointWhileItsResultsAreShown) {
+  QueryProject t;
+  t.Press(10, 20, kShiftKey);
+  EXPECT_EQ(t.ui.LastTitle(), "Model Results");
+  EXPECT_THAT(t.marked, ::testing::Contains(::testing::StartsWith("circle 12 at 220,160")));
+  EXPECT_TRUE(t.Overlaid().empty());
+  EXPECT_EQ(t.ormel.selection.SelectedType, Element::kNone);
+}
+
+TEST(Mouse, TracedLinesStayUntilClearedOrTheSolutionGoes) {
+  QueryProject t;
+  t.Press(10, 20, kShiftKey | kCtrlKey);
+  EXPECT_TRUE(t.ui.boxes.empty()) << t.ui.LastText();
+  const std::string line = "line 12 w2 220,160 300,160";
+  EXPECT_THAT(t.Overlaid(), ::testing::ElementsAre(line));
+  EXPECT_EQ(t.ormel.feedback, "Streamline of 800 days, ended by: well WL_000001");
+  EXPECT_THAT(t.Drawn("Traced Lines"), ::testing::ElementsAre(line));
+  EXPECT_TRUE(t.Overlaid().empty()) << "now it is part of the picture";
+  t.ormel.menus.Check("TMARKS", kTimeMarksShow, true);
+  t.ormel.solution.TimeTicSpacing = 300.0;
+  EXPECT_GT(t.Drawn("Traced Lines").size(), 2U) << "with its marks of time";
+
+  ClearTracedLines(t.ormel);
+  EXPECT_TRUE(t.surface.picture.Layer("Traced Lines").empty());
+  t.Press(10, 20, kShiftKey | kCtrlKey);
+  InvalidateSolution(t.ormel, false, true);
   t.ormel.solution.ValidSolution = true;
-  t.Press(0, 0, kShiftKey);
-  t.Press(0, 0, kShiftKey | kCtrlKey);
-  EXPECT_THAT(asked, ::testing::ElementsAre("inspect 12", "trace"));
+  EXPECT_TRUE(t.Drawn("Traced Lines").empty()) << "a line of another solution";
 }
 
 TEST(Mouse, RightClickOpensAPanelInSelectModeOnly) {

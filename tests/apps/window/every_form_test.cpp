@@ -22,6 +22,7 @@
 #include "shell/new_database_wizard.h"
 #include "shell/project_settings.h"
 #include "shell/welcome.h"
+#include "solver/inspection_forms.h"
 #include "view/restore_window_form.h"
 #include "view/results_overlay.h"
 #include "whpa/forms.h"
@@ -69,6 +70,8 @@ Forms AllForms(Ormel& ormel) {
   Add<WHPAStream>(forms, ormel);
   Add<WHPAUniform>(forms, ormel, 2.0, 45.0);
   Add<OutlineCaptureZoneForm>(forms, ormel, std::vector<CaptureWell>(2));
+  Add<Inspector>(forms, ormel);
+  Add<SolverIntegrity>(forms, ormel, IntegrityValues{});
   Add<PrintSetup>(forms, ormel, MapExtras{}, true);
   Add<SaveMap>(forms, ormel, MapExtras{}, 1600, 96);
   return forms;
