@@ -88,18 +88,20 @@ double AreaFlux(const AreaSource& area, Complex a, Complex b) {
 /// Pieces of a jump that meet at a point have logarithms there that cancel only together, which numbers at
 /// the point itself cannot: a hair before it they do, and the flow between is as small.
 Complex OffNode(const System& s, Complex at, Complex toward) {
-  constexpr double kHair = 1e-8;  // of a piece's length
+  constexpr double kHair = 1e-8;       // of a piece's length
+  constexpr double kRounding = 1e-13;  // of the coordinates: nearer, a point counts as the end itself
   if (s.edge_index.Empty()) return at;
   thread_local std::vector<int> found;
   Box box;
   box.Add(at);
   s.edge_index.Find(box, &found);
-  double hair = 1e-3 * std::abs(toward - at);
+  const double least = kRounding * (std::abs(at.real()) + std::abs(at.imag()));
+  double hair = std::abs(toward - at);
   bool on_node = false;
   for (int e : found)
     for (int p : s.edges[e].pieces) {
       const Piece& piece = s.pieces[p];
-      const double reach = kHair * piece.Length();
+      const double reach = std::max(kHair * piece.Length(), least);
       const bool at_to = !piece.tip && std::abs(at - piece.to) < reach;  // at a tip there is no jump
       if (std::abs(at - piece.from) >= reach && !at_to) continue;
       on_node = true;
@@ -113,6 +115,7 @@ Complex OffNode(const System& s, Complex at, Complex toward) {
 double Flux(const System& s, Complex first, Complex last) {
   if (s.refused || first == last) return 0.0;
   const Complex from = OffNode(s, first, last), to = OffNode(s, last, first);
+  if (from == to) return 0.0;
   const Complex uniform = s.model.aquifer.uniform_flow;
   double sum = Dot(uniform, (to - from) * Complex{0.0, -1.0});
   for (const std::vector<WellSource>* list : {&s.wells, &s.partial_wells})

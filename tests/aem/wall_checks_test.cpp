@@ -78,6 +78,21 @@ TEST(Flux, FromAVertexOfAWallOrADomainIsThatFromBesideIt) {
   }
 }
 
+// Where a wall crosses a domain's edge pieces are so short that a hair of them is below the coordinates'
+// rounding.
+TEST(Flux, FromWhereAWallCrossesADomain) {
+  aem::Model m = Flowing();
+  m.walls.push_back(WallAlong({{-344.7, -1023.8}, {-308.5, -930.6}, {-313.6, -830.7}, {-254.2, -750.3}}));
+  m.walls[0].conductivity = 0.01;
+  m.domains.push_back(
+      Polygon({{-315.1, -950.8}, {-430.2, -975.5}, {-574.2, -835.6}, {-342.6, -748.0}, {-303.0, -835.6}}));
+  m.domains[0].conductivity = 1.7;
+  aem::Solution s(m);
+  s.Iterate(2);
+  const aem::Checks checks = s.Check();
+  EXPECT_LT(checks.wall_leakage.value, 1e-2 * checks.undisturbed_flow);
+}
+
 TEST(Walls, ARepeatedVertexLeavesSegmentsTheirNumbers) {
   aem::Model m = Flowing();
   m.walls.push_back(WallAlong({{0, -100}, {0, -100}, {0, 0}, {0, 0}, {40, 100}}));
