@@ -3,6 +3,7 @@
 #include <cmath>
 #include <thread>
 
+#include "aem/area_field.h"
 #include "aem/farfield.h"
 #include "aem/system.h"
 
@@ -45,9 +46,16 @@ Flow System::Background(Complex at) const {
   const Complex uniform = model.aquifer.uniform_flow;
   Flow sum{x[0] - std::conj(uniform) * (at - origin), std::conj(uniform)};
   for (const DiskSource& d : disks) {
+    if (far_areas && d.unknown < 0) continue;
     const Flow f = DiskInfluence(d, at);
     sum.omega += d.rate * f.omega;
     sum.w += d.rate * f.w;
+  }
+  if (far_areas) {
+    const Flow f = far_areas->At(at);
+    sum.omega += f.omega;
+    sum.w += f.w;
+    return sum;
   }
   for (const AreaSource& a : areas) {
     const Flow f = a.Influence(at);
@@ -79,6 +87,9 @@ Flow System::PieceFlow(int p, Complex at, Complex toward) const {
 
 void System::PrepareField() {
   constexpr std::size_t kPays = 120;  // sources from which the hierarchy is faster
+  constexpr std::size_t kManyAreas = 12;
+  if (!refused && !options.direct_summation && !far_areas && areas.size() + disks.size() > kManyAreas)
+    far_areas = std::make_shared<AreaField>(areas, disks);
   far.reset();
   if (!refused && !options.direct_summation && pieces.size() + wells.size() + partial_wells.size() > kPays)
     far = std::make_shared<FarField>(*this);

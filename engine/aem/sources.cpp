@@ -32,15 +32,19 @@ AreaSource::AreaSource(std::vector<Complex> ring, double rate) : ring_(std::move
   for (Complex p : ring_) box.Add(p);
   centre_ = box.Middle();
   for (Complex p : ring_) reach_ = std::max(reach_, std::abs(p - centre_));
+  moments_.assign(kMoments + 1, {});
+  AddMoments(centre_, reach_, moments_);
+}
+
+void AreaSource::AddMoments(Complex centre, double reach, std::span<Complex> moments) const {
   // integral z^k dA = (1/2i) contour integral of z^k conj(z) dz; the integrand is a polynomial on each edge.
-  moments_.assign(kAreaMoments + 1, {});
-  const GaussRule rule = Gauss(kAreaMoments / 2 + 2);
+  const GaussRule rule = Gauss(kMoments / 2 + 2);
   for (std::size_t i = 0; i < ring_.size(); ++i) {
-    const Complex a = (ring_[i] - centre_) / reach_, b = (ring_[(i + 1) % ring_.size()] - centre_) / reach_;
+    const Complex a = (ring_[i] - centre) / reach, b = (ring_[(i + 1) % ring_.size()] - centre) / reach;
     for (int q = 0; q < rule.size; ++q) {
       const Complex z = 0.5 * (a + b) + 0.5 * (b - a) * rule.x[q];
-      Complex term = 0.5 * rule.w[q] * (b - a) * std::conj(z) / Complex{0.0, 2.0};
-      for (Complex& m : moments_) {
+      Complex term = rate_ * 0.5 * rule.w[q] * (b - a) * std::conj(z) / Complex{0.0, 2.0};
+      for (Complex& m : moments) {
         m += term;
         term *= z;
       }
@@ -48,20 +52,21 @@ AreaSource::AreaSource(std::vector<Complex> ring, double rate) : ring_(std::move
   }
 }
 
-Flow AreaSource::Influence(Complex z) const {
-  const Complex far = (z - centre_) / reach_;
-  if (std::norm(far) > 9.0) {
-    // Moments are in units of the reach; 3^-24 is 4e-12.
-    const Complex inverse = 1.0 / far;
-    Complex sum{}, derivative{};
-    for (int k = kAreaMoments; k >= 1; --k) {
-      sum = (sum + moments_[k] / double(k)) * inverse;
-      derivative = (derivative + moments_[k]) * inverse;
-    }
-    const double scale = rate_ * reach_ * reach_ / (2.0 * kPi);
-    const Complex omega = scale * (moments_[0] * (std::log(far) + std::log(reach_)) - sum);
-    return {omega, -scale / reach_ * (derivative + moments_[0]) * inverse};
+Flow FarAreas(std::span<const Complex> moments, Complex centre, double reach, Complex z) {
+  const Complex far = (z - centre) / reach, inverse = 1.0 / far;
+  Complex sum{}, derivative{};
+  for (std::size_t k = moments.size() - 1; k >= 1; --k) {
+    sum = (sum + moments[k] / double(k)) * inverse;
+    derivative = (derivative + moments[k]) * inverse;
   }
+  const double scale = reach * reach / (2.0 * kPi);
+  return {scale * (moments[0] * (std::log(far) + std::log(reach)) - sum),
+          -scale / reach * (derivative + moments[0]) * inverse};
+}
+
+Flow AreaSource::Influence(Complex z) const {
+  // 3^-24 is 4e-12.
+  if (std::norm(z - centre_) > 9.0 * reach_ * reach_) return FarAreas(moments_, centre_, reach_, z);
   double potential = 0.0;
   Complex flow{};
   for (std::size_t i = 0; i < ring_.size(); ++i) {

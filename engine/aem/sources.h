@@ -37,18 +37,26 @@ Flow DiskInfluence(const DiskSource& disk, Complex z);
 /// the area's moments take over; there the potential is analytic and has a stream function.
 class AreaSource {
  public:
+  static constexpr int kMoments = 24;
+
   AreaSource(std::vector<Complex> ring, double rate);
   Flow Influence(Complex z) const;  ///< for the rate it was made with; omega is real when near
   double Rate() const { return rate_; }
   double Area() const { return area_; }
+  Complex Centre() const { return centre_; }
+  double Reach() const { return reach_; }  ///< the farthest vertex from the centre
   const std::vector<Complex>& Ring() const { return ring_; }
+  /// Adds the rate times the integrals of t^k dA/reach^2, t = (z - centre)/reach, k = 0 ... kMoments.
+  void AddMoments(Complex centre, double reach, std::span<Complex> moments) const;
 
  private:
-  static constexpr int kAreaMoments = 24;
   std::vector<Complex> ring_;  ///< counter-clockwise
   double rate_ = 0.0, area_ = 0.0, reach_ = 0.0;
   Complex centre_;
-  std::vector<Complex> moments_;  ///< integral (z - centre)^k dA
+  std::vector<Complex> moments_;  ///< about the own centre
 };
+
+/// What areas with these moments give at a point farther than three times the reach from the centre.
+Flow FarAreas(std::span<const Complex> moments, Complex centre, double reach, Complex z);
 
 }  // namespace aem::detail

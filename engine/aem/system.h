@@ -16,6 +16,7 @@
 
 namespace aem::detail {
 
+class AreaField;
 class FarField;
 
 /// Coefficients that an unknown gives to a piece: c_n += coefficient[n] * x[unknown].
@@ -106,7 +107,8 @@ struct System {
   std::vector<std::vector<Term>> terms;
   std::vector<double> coefficients;  ///< kMaxBasis a piece
   std::vector<Moments> moments;
-  std::shared_ptr<const FarField> far;  ///< none: everything is summed directly
+  std::shared_ptr<const FarField> far;         ///< none: everything is summed directly
+  std::shared_ptr<const AreaField> far_areas;  ///< areas and disks of given rate; none: summed directly
   std::vector<JumpEdge> edges;
   std::vector<IgnoredRegion> ignored;
   /// By unknown: a jump at a node where a wall meets domain edges, decided by the condition of the edges

@@ -57,5 +57,36 @@ TEST(FarField, AgreesWithDirectSummation) {
   EXPECT_NEAR(std::abs(fast.At(middle).discharge - direct.At(middle).discharge), 0.0, 1e-9 * strength);
 }
 
+TEST(FarField, OfAreasAndDisksAgreesWithDirectSummation) {
+  aem::Model m = Base();
+  std::mt19937 random(5);
+  std::uniform_real_distribution<double> u(-1000.0, 1000.0), size(2.0, 40.0), rate(-0.01, 0.01);
+  double strength = 0.0;
+  for (int i = 0; i < 150; ++i) {
+    std::vector<Complex> ring;
+    const Complex middle{u(random), u(random)};
+    for (int k = 0; k < 5; ++k) ring.push_back(middle + std::polar(size(random), 1.25 * k));
+    m.domains.push_back(Polygon(ring, "D" + std::to_string(i)));
+    m.domains.back().recharge_sink = rate(random);
+    m.disks.push_back(
+        {{"P", i}, {u(random), u(random)}, size(random), i % 7 == 0, i % 7 == 0 ? 30.0 : rate(random)});
+    strength += 40.0 * 40.0 * 0.01;
+  }
+  aem::Solution fast(m), direct(m, {.direct_summation = true});
+  ASSERT_FALSE(fast.Refused()) << Said(fast.Findings());
+  fast.Iterate(1);
+  direct.Iterate(1);
+  for (std::size_t i = 0; i < 150; i += 7)
+    EXPECT_NEAR(fast.Disks()[i].rate, direct.Disks()[i].rate, 1e-9 * std::abs(direct.Disks()[i].rate));
+  ASSERT_TRUE(direct.LoadState(fast.SaveState()));
+  for (int i = 0; i < 1000; ++i) {
+    const Complex z = Complex{u(random), u(random)} * (i % 10 == 0 ? 20.0 : 1.1);
+    const aem::PointState a = fast.At(z), b = direct.At(z);
+    EXPECT_NEAR(a.potential, b.potential, 1e-10 * strength) << z;
+    EXPECT_NEAR(std::abs(a.discharge - b.discharge), 0.0, 1e-11 * strength) << z;
+    EXPECT_EQ(a.net_recharge, b.net_recharge);
+  }
+}
+
 }  // namespace
 }  // namespace aem_test
