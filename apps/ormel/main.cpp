@@ -1,5 +1,8 @@
 // ormel: the desktop program.
+#include <QString>
+#include <QtGlobal>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -14,7 +17,10 @@ namespace {
 
 constexpr std::string_view kUsage =
     "usage: ormel [project.orm]\n"
-    "Opens the window, with the project when one is named.  For work without a window see ormelcmd.\n";
+    "Opens the window, with the project when one is named.  For work without a window see ormelcmd.\n"
+    "Exit code 4: there is no display to open a window on.\n";
+
+constexpr int kNoDisplay = 4;
 
 /// The command line is one path; a shell may have cut it at its blanks.
 std::string ProjectOf(int argc, char** argv) {
@@ -24,6 +30,35 @@ std::string ProjectOf(int argc, char** argv) {
     path += argv[i];
   }
   return path;
+}
+
+std::string Variable(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr && *value != '\0' ? std::string(name) + '=' + value : std::string();
+}
+
+/// The toolkit ends a program that finds no display by an abort, after a page about its plug-ins.  Says what
+/// is amiss instead.
+void TellMissingDisplay(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+  if (type != QtFatalMsg) {
+    const bool of_the_platform = std::string_view(context.category).starts_with("qt.qpa.");
+    if (!of_the_platform) std::fprintf(stderr, "%s\n", message.toUtf8().constData());
+    return;
+  }
+  if (!message.contains(QLatin1String("platform plugin"))) {
+    std::fprintf(stderr, "ormel: %s\n", message.toUtf8().constData());
+    return;
+  }
+  std::string where;
+  for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"})
+    if (where.empty()) where = Variable(name);
+  std::fprintf(stderr,
+               "ormel: no window can be opened: %s.\n"
+               "Start it on a desktop or forward the display (ssh -X), or do the work without a window by "
+               "ormelcmd.\n",
+               where.empty() ? "there is no display, DISPLAY is not set"
+                             : ("the display cannot be reached (" + where + ")").c_str());
+  std::_Exit(kNoDisplay);
 }
 
 }  // namespace
@@ -38,7 +73,9 @@ int main(int argc, char** argv) {
     std::printf("%s %s\n", ormel::kProgramTitle, ormel::VersionText().c_str());
     return 0;
   }
+  qInstallMessageHandler(TellMissingDisplay);
   ormel::Application app(argc, argv);
+  qInstallMessageHandler(nullptr);
   ormel::FileSettings settings;
   ormel::PosixProcesses processes;
   ormel::SystemClock clock;

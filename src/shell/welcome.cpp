@@ -53,7 +53,10 @@ constexpr std::array kExamples{
         Welcome::kFirstExample, "example.orm",
         "The well field of a small town in a river valley: pumping wells, regional flow toward the river, "
         "a gravel terrace, and ten years of travel."},
-    Example{Welcome::kSecondExample, "basin and range.orm", "Wells in a basin between two mountain ranges."},
+    Example{Welcome::kSecondExample, "basin and range.orm",
+            "Wells in a closed basin between two mountain ranges: recharge along the fronts, a fault, a "
+            "river that "
+            "dries up, a playa, heads to compare with observed ones, and thirty years of travel."},
 };
 
 }  // namespace
