@@ -4,10 +4,14 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QScreen>
 #include <QTimer>
 #include <QUrl>
+#include <algorithm>
+#include <cmath>
 
 #include "core/command.h"
 #include "core/ormel.h"
@@ -29,6 +33,7 @@ namespace ormel {
 namespace {
 
 constexpr double kTwipsPerInch = 1440.0;
+constexpr int kTitleBar = 30;  ///< pixels
 
 /// The one local project file of a drop, or nothing.
 QString DroppedProject(const QMimeData& data) {
@@ -102,16 +107,27 @@ void MainWindow::Place(const Placement& placement) {
   const auto pixels = [pixel](double twips) { return static_cast<int>(std::lround(twips / pixel)); };
   move(pixels(placement.Left), pixels(placement.Top));
   resize(pixels(placement.Width), pixels(placement.Height));
+  // A screen of the last run may be gone: the title bar has to be within reach.
+  const QRect title(pos(), QSize(width(), kTitleBar));
+  const QList<QScreen*> screens = QGuiApplication::screens();
+  const bool reachable = std::any_of(screens.begin(), screens.end(), [&](const QScreen* screen) {
+    const QRect seen = screen->availableGeometry().intersected(title);
+    return seen.width() >= kTitleBar && seen.height() >= kTitleBar / 2;
+  });
+  if (!reachable && screen() != nullptr) move(screen()->availableGeometry().topLeft());
+  if (placement.Maximized) setWindowState(windowState() | Qt::WindowMaximized);
 }
 
 std::optional<Placement> MainWindow::PresentPlacement() const {
   if (isMinimized()) return std::nullopt;
   const double pixel = kTwipsPerInch / logicalDpiX();
   Placement placement;
-  placement.Top = pos().y() * pixel;
-  placement.Left = pos().x() * pixel;
-  placement.Width = width() * pixel;
-  placement.Height = height() * pixel;
+  placement.Maximized = isMaximized();
+  const QRect place = isMaximized() ? normalGeometry() : QRect(pos(), size());
+  placement.Top = place.y() * pixel;
+  placement.Left = place.x() * pixel;
+  placement.Width = place.width() * pixel;
+  placement.Height = place.height() * pixel;
   placement.Toolbar = ormel_.menus.Checked("layermenu", kLayerToolbar);
   return placement;
 }

@@ -8,8 +8,10 @@
 #include <QPrintDialog>
 #include <QPrinter>
 #include <algorithm>
+#include <utility>
 
 #include "core/ormel.h"
+#include "core/settings.h"
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "ormel/main_window.h"
@@ -17,6 +19,7 @@
 #include "qtdevice/painter_device.h"
 #include "qtdevice/write_picture.h"
 #include "text/files.h"
+#include "text/numbers.h"
 #include "view/map_output.h"
 
 namespace ormel {
@@ -35,12 +38,41 @@ MapSheet OutputOf(const MapExtras& extras) {
 
 MapExport::MapExport(Ormel& ormel, MainWindow& window) : ormel_(ormel), window_(window) {}
 
+void MapExport::ReadChoices() {
+  if (choices_read_ || ormel_.ports.settings == nullptr) return;
+  choices_read_ = true;
+  const auto read = [this](const char* key, int otherwise) {
+    return static_cast<int>(Val(ormel_.settings().GetSetting(key, std::to_string(otherwise))));
+  };
+  extras_.legend = read("MapLegend", 1) != 0;
+  extras_.scale_bar = read("MapScaleBar", 1) != 0;
+  extras_.north_arrow = read("MapNorthArrow", 1) != 0;
+  landscape_ = read("PaperLandscape", 1) != 0;
+  width_ = read("PictureWidth", width_);
+  dpi_ = read("PictureDpi", dpi_);
+}
+
+void MapExport::SaveChoices() {
+  const std::pair<const char*, int> choices[] = {{"MapLegend", extras_.legend ? 1 : 0},
+                                                 {"MapScaleBar", extras_.scale_bar ? 1 : 0},
+                                                 {"MapNorthArrow", extras_.north_arrow ? 1 : 0},
+                                                 {"PaperLandscape", landscape_ ? 1 : 0},
+                                                 {"PictureWidth", width_},
+                                                 {"PictureDpi", dpi_}};
+  try {
+    for (const auto& [key, value] : choices) ormel_.settings().SaveSetting(key, std::to_string(value));
+  } catch (const std::exception&) {
+    // A memory that cannot be written is no reason to refuse the output.
+  }
+}
+
 MapExport::~MapExport() = default;
 
 QPrinter& MapExport::Printer() {
   if (printer_ == nullptr) {
     printer_ = std::make_unique<QPrinter>(QPrinter::HighResolution);
-    printer_->setPageOrientation(QPageLayout::Landscape);
+    ReadChoices();
+    printer_->setPageOrientation(landscape_ ? QPageLayout::Landscape : QPageLayout::Portrait);
     printer_->setFullPage(true);
   }
   return *printer_;
@@ -52,6 +84,8 @@ void MapExport::PrintSetup() {
   ormel_.ui().ShowForm(form);
   if (form.Result != ormel::PrintSetup::kOk) return;
   extras_ = form.Extras();
+  landscape_ = form.Landscape();
+  SaveChoices();
   Printer().setPageOrientation(form.Landscape() ? QPageLayout::Landscape : QPageLayout::Portrait);
 }
 
@@ -86,12 +120,14 @@ bool MapExport::MayWrite(const std::string& path) {
 }
 
 void MapExport::SaveAs() {
+  ReadChoices();
   SaveMap form(ormel_, extras_, width_, dpi_);
   ormel_.ui().ShowForm(form);
   if (form.Result != SaveMap::kOk) return;
   extras_ = form.Extras();
   width_ = form.Width();
   dpi_ = form.Dpi();
+  SaveChoices();
   const auto path =
       ormel_.ui().Ask(FileDialog{true, "Save Map As", "png", PictureFilter(), ormel_.project.folder,
                                  BaseName(FileTitle(ormel_.project.DBName)) + ".png"});

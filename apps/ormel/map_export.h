@@ -35,12 +35,16 @@ class MapExport {
 
  private:
   QPrinter& Printer();
+  /// The choices of an earlier run; the title belongs to a project and is not among them.
+  void ReadChoices();
+  void SaveChoices();
   bool MayWrite(const std::string& path);
 
   Ormel& ormel_;
   MainWindow& window_;
   std::unique_ptr<QPrinter> printer_;  ///< keeps the user's choices between two prints
   MapExtras extras_;
+  bool choices_read_ = false, landscape_ = true;
   int width_ = 1600, dpi_ = 96;  ///< of a picture file
 };
 

@@ -8,6 +8,7 @@ Program::Program(const Surroundings& surroundings)
     : solver(ormel, ModelRunWHPAs), window(ormel, ui), view(ormel, &window.map()) {
   ormel.ports = {&ui,    &view, &solver, &surroundings.processes, &surroundings.settings, &surroundings.clock,
                  &window};
+  ui.SetSettings(&surroundings.settings);
   ormel.solution.restore_on_open = true;
   window.SetView(view);
 }

@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QFontDialog>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/settings.h"
 #include "ormel/file_filter.h"
 #include "ormel/form_dialog.h"
 #include "ormel/help_viewer.h"
@@ -31,6 +33,10 @@ constexpr int kShowAfter = 400;  ///< milliseconds a command may take before the
 constexpr int kPumpEvery = 25;   ///< milliseconds
 constexpr int kLogo = 64;        ///< pixels
 constexpr int kPumpFor = 10;     ///< milliseconds
+
+std::string FolderKey(const QString& dialog) {
+  return "Folder of " + dialog.toStdString();
+}
 
 struct ButtonsRow {
   Buttons buttons;
@@ -160,11 +166,27 @@ std::optional<std::string> QtInterface::Ask(const InputBox& box) {
   return dialog.textValue().toStdString();
 }
 
+QString QtInterface::RememberedFolder(const QString& dialog) const {
+  if (const QString folder = folders_.value(dialog); !folder.isEmpty()) return folder;
+  if (settings_ == nullptr) return {};
+  const QString stored = ToQString(settings_->GetSetting(FolderKey(dialog), ""));
+  return QFileInfo(stored).isDir() ? stored : QString();
+}
+
+void QtInterface::RememberFolder(const QString& dialog, const QString& folder) {
+  folders_[dialog] = folder;
+  try {
+    if (settings_ != nullptr) settings_->SaveSetting(FolderKey(dialog), folder.toStdString());
+  } catch (const std::exception&) {
+    // The memory is a convenience: it then lasts for this run.
+  }
+}
+
 std::optional<std::string> QtInterface::Ask(const FileDialog& request) {
   const Asking asking(*this);
   const QString title = ToQString(request.title);
   QString folder = ToQString(request.directory);
-  if (folder.isEmpty()) folder = folders_.value(title);
+  if (folder.isEmpty()) folder = RememberedFolder(title);
   QFileDialog dialog(Front(), title, folder);
   dialog.setAcceptMode(request.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   dialog.setFileMode(request.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
@@ -177,7 +199,7 @@ std::optional<std::string> QtInterface::Ask(const FileDialog& request) {
           [&dialog](const QString& filter) { dialog.setDefaultSuffix(SuffixOf(filter)); });
   if (!request.file_name.empty()) dialog.selectFile(ToQString(request.file_name));
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-  folders_[title] = dialog.directory().absolutePath();
+  RememberFolder(title, dialog.directory().absolutePath());
   return dialog.selectedFiles().constFirst().toStdString();
 }
 

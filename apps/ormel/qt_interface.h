@@ -13,6 +13,7 @@ class QWidget;
 
 namespace ormel {
 
+class Settings;
 class WaitBox;
 
 /// Long commands call Progress() and CancelRequested(); each call lets the toolkit work for a moment, so that
@@ -25,6 +26,8 @@ class QtInterface final : public QObject, public UserInterface {
 
   /// The window that dialogs stand before.
   void SetWindow(QWidget* window) { window_ = window; }
+  /// Where folders of file dialogs are remembered from run to run; null keeps them for this run.
+  void SetSettings(Settings* settings) { settings_ = settings; }
   /// How long the splash box stays; 0 leaves it out.
   void SetSplashTime(int milliseconds) { splash_time_ = milliseconds; }
   /// A command has asked for patience and has not yet let go.
@@ -68,7 +71,11 @@ class QtInterface final : public QObject, public UserInterface {
   void ShowWaitBox();
   class Asking;
 
+  QString RememberedFolder(const QString& dialog) const;
+  void RememberFolder(const QString& dialog, const QString& folder);
+
   QPointer<QWidget> window_;
+  Settings* settings_ = nullptr;
   QPointer<WaitBox> wait_box_;
   QString wait_text_;
   double fraction_ = -1.0;

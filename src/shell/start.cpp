@@ -60,8 +60,12 @@ Placement ReadPlacement(const Ormel& ormel) {
   const Settings& settings = ormel.settings();
   for (const PlacementKey& entry : kPlacementKeys)
     placement.*entry.value = Val(settings.GetSetting(entry.key, NumberText(placement.*entry.value)));
-  const std::string toolbar = settings.GetSetting("Toolbar", "1");
-  placement.Toolbar = EqualNoCase(Trim(toolbar), "true") || Val(toolbar) != 0.0;
+  const auto on = [&settings](std::string_view key, std::string_view otherwise) {
+    const std::string text = settings.GetSetting(key, otherwise);
+    return EqualNoCase(Trim(text), "true") || Val(text) != 0.0;
+  };
+  placement.Toolbar = on("Toolbar", "1");
+  placement.Maximized = on("Maximized", "0");
   return placement;
 }
 
@@ -69,6 +73,7 @@ void SavePlacement(Ormel& ormel, const Placement& placement) {
   for (const PlacementKey& entry : kPlacementKeys)
     ormel.settings().SaveSetting(entry.key, NumberText(placement.*entry.value));
   ormel.settings().SaveSetting("Toolbar", placement.Toolbar ? "1" : "0");
+  ormel.settings().SaveSetting("Maximized", placement.Maximized ? "1" : "0");
 }
 
 void Form_Load(Ormel& ormel, const std::string& command_line, const StartSteps& steps) {

@@ -13,6 +13,7 @@ struct Ormel;
 struct Placement {
   double Top = 0.0, Left = 0.0, Width = 6400.0, Height = 6400.0;
   bool Toolbar = true;
+  bool Maximized = false;  ///< the numbers are then those of the window when it is not
 };
 
 Placement ReadPlacement(const Ormel& ormel);

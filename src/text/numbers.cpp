@@ -120,6 +120,14 @@ std::string NumberText(double value) {
   return out + std::to_string(std::abs(exponent));
 }
 
+double Rounded(double value, double step) {
+  if (!(step > 0.0) || !std::isfinite(value)) return value;
+  const double places = std::ceil(2.0 - std::log10(step));
+  if (std::abs(places) > 15.0) return value;
+  const double power = std::pow(10.0, std::abs(places));  // exact, so that the division below rounds once
+  return places < 0.0 ? std::round(value / power) * power : std::round(value * power) / power;
+}
+
 std::string RawNumber(double value) {
   std::string text = NumberText(value);
   if (text.front() != '-') text.insert(text.begin(), ' ');

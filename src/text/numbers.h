@@ -11,6 +11,10 @@ namespace ormel {
 /// Fixed notation from 1E-5 up to below 1E+15.  Throws FormatError for infinite values and NaN.
 std::string NumberText(double value);
 
+/// The value rounded to a power of ten that is at most a hundredth of `step`: a position read off a picture
+/// whose pixels are `step` wide, without the digits that the pixel does not tell.
+double Rounded(double value, double step);
+
 /// NumberText as a deck takes it: one blank in front when not negative, and one blank behind.
 std::string RawNumber(double value);
 

@@ -19,6 +19,7 @@
 #include "model/wells.h"
 #include "store/bulk.h"
 #include "store/database.h"
+#include "text/numbers.h"
 #include "view/map_view_impl.h"
 #include "whpa/commands.h"
 
@@ -319,8 +320,10 @@ bool HasAction(MouseMode mode, Element element) {
 }
 
 void KeepLast(const MouseEvent& event) {
-  event.ormel.mouse.LastX = event.world.x;
-  event.ormel.mouse.LastY = event.world.y;
+  // The digits beyond a pixel's share would only fill the boxes that show the place.
+  const double pixel = event.ormel.mouse.Snap ? 0.0 : event.view.vg().vgGDIPixelSize();
+  event.ormel.mouse.LastX = Rounded(event.world.x, pixel);
+  event.ormel.mouse.LastY = Rounded(event.world.y, pixel);
 }
 
 void StartRubber(const MouseEvent& event) {

@@ -8,6 +8,7 @@
 #include "core/ormel.h"
 #include "store/database.h"
 #include "store/recordset.h"
+#include "text/numbers.h"
 
 namespace ormel {
 namespace {
@@ -62,10 +63,12 @@ void RestoreWindowForm::Load() {
 void RestoreWindowForm::Pick(int index) {
   const MapRect& window = windows_[static_cast<std::size_t>(index)];
   Mutable("lstWindows").selected = {index};
-  PutNumber("txX1", window.x1);
-  PutNumber("txX2", window.x2);
-  PutNumber("txY1", window.y1);
-  PutNumber("txY2", window.y2);
+  // Fitting the window to the screen gives it digits that nobody can tell apart.
+  const double pixel = window.Width() / 1000.0;
+  PutNumber("txX1", Rounded(window.x1, pixel));
+  PutNumber("txX2", Rounded(window.x2, pixel));
+  PutNumber("txY1", Rounded(window.y1, pixel));
+  PutNumber("txY2", Rounded(window.y2, pixel));
 }
 
 void RestoreWindowForm::Navigate(int step) {

@@ -87,6 +87,17 @@ TEST(NumberText, IsGeneralNotationOfFifteenDigits) {
   EXPECT_THROW(NumberText(std::nan("")), FormatError);
 }
 
+TEST(Rounded, DropsTheDigitsThatAPixelDoesNotTell) {
+  struct Case {
+    double value, step;
+    const char* text;
+  };
+  for (const Case& c : {Case{1234.567891, 6.25, "1234.57"}, Case{-1234.567891, 1.0, "-1234.57"},
+                        Case{1234.567891, 0.99, "1234.568"}, Case{4345678.9, 2500.0, "4345680"},
+                        Case{0.1234567, 0.0, "0.1234567"}, Case{3.5, 1e-300, "3.5"}})
+    EXPECT_EQ(NumberText(Rounded(c.value, c.step)), c.text) << c.value << " by " << c.step;
+}
+
 TEST(PrintZone, StartsEveryFourteenColumns) {
   const struct {
     const char* line;

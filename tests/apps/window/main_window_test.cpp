@@ -6,8 +6,10 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
+#include <QScreen>
 #include <QUrl>
 #include <QWheelEvent>
 
@@ -225,6 +227,18 @@ TEST_F(WindowTest, APlacementIsKeptForTheNextRun) {
   EXPECT_TRUE(Item("RECENT", 0)->text().contains("town.orm"));
 }
 
+TEST_F(WindowTest, AWindowOfALostScreenComesBackWithinReach) {
+  settings.values["Left"] = "900000";  // twips
+  settings.values["Top"] = "-300000";
+  settings.values["Maximized"] = "1";
+  Start("");
+  const QRect screen = program->window.screen()->availableGeometry();
+  EXPECT_TRUE(screen.contains(program->window.pos()));
+  EXPECT_TRUE(program->window.isMaximized());
+  program->window.close();
+  EXPECT_EQ(settings.values["Maximized"], "1");
+}
+
 TEST_F(WindowTest, AProjectIsOpenedByADrop) {
   Start("");
   QMimeData data;
@@ -247,6 +261,16 @@ TEST_F(WindowTest, TheMapGoesToPaperAndToTheClipboard) {
   MapExport output(program->ormel, program->window);
   EXPECT_TRUE(output.PrintOn(printer));
   EXPECT_TRUE(test::ReadAll(dir / "map.pdf").starts_with("%PDF"));
+  // By the menu, through the print dialog, into a file.
+  WithNextDialog([this](QDialog& dialog) {
+    auto* print = qobject_cast<QPrintDialog*>(&dialog);
+    ASSERT_NE(print, nullptr);
+    print->printer()->setOutputFormat(QPrinter::PdfFormat);
+    print->printer()->setOutputFileName(QString::fromStdString(dir / "menu.pdf"));
+    print->done(QDialog::Accepted);
+  });
+  Item("FILE_CMDS", 6)->trigger();
+  EXPECT_TRUE(test::ReadAll(dir / "menu.pdf").starts_with("%PDF"));
   Item("COPYIMAGE")->trigger();
   EXPECT_EQ(QApplication::clipboard()->pixmap().size(), Map().size() * Map().devicePixelRatioF());
 }
