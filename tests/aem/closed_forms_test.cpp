@@ -167,5 +167,14 @@ TEST(ClosedForms, FluxAndBalance) {
   EXPECT_LT(std::abs(b.error), 1e-8 * b.throughflow);
 }
 
+TEST(ClosedForms, UniformFlowAloneExchangesNothing) {
+  aem::Model m = Base();
+  m.aquifer.uniform_flow = {0.3, -0.7};
+  aem::Solution s(m);
+  s.Iterate(1);
+  EXPECT_EQ(s.WaterBalance().infinity, 0.0);
+  EXPECT_EQ(s.WaterBalance().throughflow, 0.0);
+}
+
 }  // namespace
 }  // namespace aem_test
