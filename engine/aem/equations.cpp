@@ -182,34 +182,50 @@ Side SeenFrom(const Control& c, FieldKind kind, const Piece& piece) {
 
 }  // namespace
 
-void InfluenceRow(const System& s, const Control& c, double* row) {
-  std::fill(row, row + s.x.size(), 0.0);
+void PieceInfluence(const System& s, const Control& c, int p, double* seen) {
   const FieldKind kind = KindOf(c.condition);
-  if (kind == FieldKind::kPotential) row[0] = 1.0;
-  if (kind != FieldKind::kDoubletStream) {
-    for (const std::vector<WellSource>* list : {&s.wells, &s.partial_wells})
-      for (const WellSource& w : *list)
-        if (w.unknown >= 0) row[w.unknown] += Seen(c, kind, WellInfluence(w, c.at));
-    for (const DiskSource& d : s.disks)
-      if (d.unknown >= 0) row[d.unknown] += Seen(c, kind, DiskInfluence(d, c.at));
+  const Piece& piece = s.pieces[p];
+  if (!Counts(kind, piece.kind)) {
+    std::fill(seen, seen + piece.size, 0.0);
+    return;
+  }
+  if (p != c.piece && kind == FieldKind::kPotential) {
+    PotentialInfluence(piece, c.at, SeenFrom(c, kind, piece), seen);
+    return;
   }
   std::array<Flow, kMaxBasis> basis;
+  if (p == c.piece)
+    InfluenceOnSelf(piece, c.parameter, basis.data());
+  else
+    Influence(piece, c.at, SeenFrom(c, kind, piece), basis.data());
+  for (int n = 0; n < piece.size; ++n) seen[n] = Seen(c, kind, basis[n]);
+}
+
+double PointInfluence(const Control& c, const WellSource& well) {
+  const FieldKind kind = KindOf(c.condition);
+  return kind == FieldKind::kDoubletStream ? 0.0 : Seen(c, kind, WellInfluence(well, c.at));
+}
+
+double PointInfluence(const Control& c, const DiskSource& disk) {
+  const FieldKind kind = KindOf(c.condition);
+  return kind == FieldKind::kDoubletStream ? 0.0 : Seen(c, kind, DiskInfluence(disk, c.at));
+}
+
+void InfluenceRow(const System& s, const Control& c, double* row) {
+  std::fill(row, row + s.x.size(), 0.0);
+  if (KindOf(c.condition) == FieldKind::kPotential) row[0] = 1.0;
+  for (const std::vector<WellSource>* list : {&s.wells, &s.partial_wells})
+    for (const WellSource& w : *list)
+      if (w.unknown >= 0) row[w.unknown] += PointInfluence(c, w);
+  for (const DiskSource& d : s.disks)
+    if (d.unknown >= 0) row[d.unknown] += PointInfluence(c, d);
   std::array<double, kMaxBasis> seen;
   for (std::size_t p = 0; p < s.pieces.size(); ++p) {
-    const Piece& piece = s.pieces[p];
-    if (s.terms[p].empty() || !Counts(kind, piece.kind)) continue;
-    if (int(p) != c.piece && kind == FieldKind::kPotential) {
-      PotentialInfluence(piece, c.at, SeenFrom(c, kind, piece), seen.data());
-    } else {
-      if (int(p) == c.piece)
-        InfluenceOnSelf(piece, c.parameter, basis.data());
-      else
-        Influence(piece, c.at, SeenFrom(c, kind, piece), basis.data());
-      for (int n = 0; n < piece.size; ++n) seen[n] = Seen(c, kind, basis[n]);
-    }
+    if (s.terms[p].empty() || !Counts(KindOf(c.condition), s.pieces[p].kind)) continue;
+    PieceInfluence(s, c, int(p), seen.data());
     for (const Term& t : s.terms[p]) {
       double sum = 0.0;
-      for (int n = 0; n < piece.size; ++n) sum += t.coefficient[n] * seen[n];
+      for (int n = 0; n < s.pieces[p].size; ++n) sum += t.coefficient[n] * seen[n];
       row[t.unknown] += sum;
     }
   }
@@ -218,15 +234,8 @@ void InfluenceRow(const System& s, const Control& c, double* row) {
 double GivenField(const System& s, const Control& c) {
   const FieldKind kind = KindOf(c.condition);
   if (kind == FieldKind::kDoubletStream) return 0.0;
-  Flow sum = s.Around(c.at);
-  for (std::size_t p = 0; p < s.pieces.size(); ++p) {
-    if (!s.terms[p].empty() || !Counts(kind, s.pieces[p].kind)) continue;
-    const Flow f = Evaluate(s.pieces[p], &s.coefficients[p * kMaxBasis], s.moments[p], c.at,
-                            SeenFrom(c, kind, s.pieces[p]));
-    sum.omega += f.omega;
-    sum.w += f.w;
-  }
-  return Seen(c, kind, sum);
+  // Doublets are never given, so that all of the field counts.
+  return Seen(c, kind, s.SteadyField(c.at, kind == FieldKind::kNormalFlow ? Complex{} : c.toward));
 }
 
 }  // namespace aem::detail

@@ -32,6 +32,12 @@ LocalRow LocalValues(const System& system, const Control& control);
 /// What every unknown gives to the field at a control point: a row of `unknowns` values.
 void InfluenceRow(const System& system, const Control& control, double* row);
 
+/// What the coefficients of a piece give to the field at a control point: size values.
+void PieceInfluence(const System& system, const Control& control, int piece, double* seen);
+/// The same per unit discharge of a well, or rate of a disk.
+double PointInfluence(const Control& control, const WellSource& well);
+double PointInfluence(const Control& control, const DiskSource& disk);
+
 /// The same field from what is given: everything but pieces with unknowns.  Pre: other unknowns are 0.
 double GivenField(const System& system, const Control& control);
 

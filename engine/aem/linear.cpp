@@ -48,7 +48,7 @@ double Residual(const std::vector<double>& matrix, const std::vector<double>& ri
 }  // namespace
 
 double SolveDense(std::vector<double>* matrix, std::vector<double>* right, std::size_t n, int threads) {
-  openblas_set_num_threads(n < kThreadsPay ? 1 : threads);
+  SetDenseThreads(n < kThreadsPay ? 1 : threads);
   ScaleRows(matrix, right, n);
   for (double v : *matrix)
     if (!std::isfinite(v)) return 2.0;
@@ -72,6 +72,33 @@ double SolveDense(std::vector<double>* matrix, std::vector<double>* right, std::
   }
   *right = x;
   return worst;
+}
+
+bool DenseFactors::Factor(std::vector<double> matrix, std::size_t n) {
+  factors_ = std::move(matrix);
+  pivots_.resize(n);
+  n_ = n;
+  const lapack_int size = lapack_int(n);
+  return LAPACKE_dgetrf_work(LAPACK_COL_MAJOR, size, size, factors_.data(), size, pivots_.data()) == 0;
+}
+
+void DenseFactors::Solve(double* x) const {
+  const lapack_int size = lapack_int(n_);
+  LAPACKE_dgetrs_work(LAPACK_COL_MAJOR, 'T', size, 1, factors_.data(), size, pivots_.data(), x, size);
+}
+
+bool InvertSmall(std::vector<float>* matrix, std::size_t n) {
+  // The inverse of the transpose is the transpose of the inverse: rows stay rows.
+  std::vector<lapack_int> pivots(n);
+  std::vector<float> work(64 * n);
+  const lapack_int size = lapack_int(n);
+  return LAPACKE_sgetrf_work(LAPACK_COL_MAJOR, size, size, matrix->data(), size, pivots.data()) == 0 &&
+         LAPACKE_sgetri_work(LAPACK_COL_MAJOR, size, matrix->data(), size, pivots.data(), work.data(),
+                             lapack_int(work.size())) == 0;
+}
+
+void SetDenseThreads(int threads) {
+  openblas_set_num_threads(threads);
 }
 
 }  // namespace aem::detail

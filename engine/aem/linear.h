@@ -11,4 +11,24 @@ namespace aem::detail {
 /// returned. 1 or more: the system is singular or the answer is no number.
 double SolveDense(std::vector<double>* matrix, std::vector<double>* right, std::size_t n, int threads);
 
+/// Factors of a dense matrix, row-major, for many right sides.
+class DenseFactors {
+ public:
+  /// False: singular.
+  bool Factor(std::vector<double> matrix, std::size_t n);
+  /// x = inverse * x.
+  void Solve(double* x) const;
+  bool Empty() const { return n_ == 0; }
+
+ private:
+  std::size_t n_ = 0;
+  std::vector<double> factors_;
+  std::vector<int> pivots_;
+};
+
+/// Replaces a small row-major matrix by its inverse, on the calling thread alone; false: singular.
+bool InvertSmall(std::vector<float>* matrix, std::size_t n);
+/// Threads that dense algebra may use from now on.
+void SetDenseThreads(int threads);
+
 }  // namespace aem::detail

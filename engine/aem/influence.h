@@ -1,0 +1,48 @@
+// What unknowns give to the field at control points, and the equations made of it: held whole for small
+// systems, through the hierarchy for large ones.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "aem/equations.h"
+
+namespace aem::detail {
+
+/// Told the part done of the present work; false ends it.
+using GoOn = std::function<bool(double)>;
+
+/// What Influences::Solve returns when it was cancelled.
+inline constexpr double kCancelled = 3.0;
+
+class Influences {
+ public:
+  virtual ~Influences() = default;
+
+  /// False: cancelled.
+  virtual bool Assemble(const GoOn& go_on) = 0;
+  /// Field and strength at every control point from unknowns.
+  void Values(const std::vector<double>& x, std::vector<double>* field, std::vector<double>* strength) const;
+  /// Solves the moments of a * field + b * strength = r for x, which is where an iteration starts.  Returns
+  /// the residual relative to the largest sum of terms; 1e-6 or more: x is as before.
+  virtual double Solve(const std::vector<Linearised>& linear, const GoOn& go_on, std::vector<double>* x) = 0;
+
+ protected:
+  explicit Influences(const System& system) : s_(system) {}
+  /// Field at every control point from unknowns, without what is given.
+  virtual void Field(const std::vector<double>& x, std::vector<double>* field) const = 0;
+  /// Given field and local rows, threaded; false: cancelled.
+  bool AssembleGiven(const GoOn& go_on);
+  /// Sum of absolute weights of a loop, squared: the scale of its condition.
+  static double LoopScale(const std::vector<std::pair<int, double>>& loop);
+
+  const System& s_;
+  std::vector<double> given_;
+  std::vector<LocalRow> local_;
+};
+
+std::unique_ptr<Influences> MakeDense(const System& system);
+std::unique_ptr<Influences> MakeHierarchical(const System& system);
+
+}  // namespace aem::detail
