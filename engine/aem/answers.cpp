@@ -132,44 +132,60 @@ double SegmentDischarge(const System& s, int string, int segment) {
   return sum;
 }
 
-double PieceHeadError(const System& s, int p, const Stage& stage) {
+namespace {
+
+double CheckParameter(const Piece& piece, double place) {
+  return piece.tip ? 0.5 * (1.0 + place) : place;
+}
+
+/// What is known at a place of a piece.
+struct OnBed {
+  Zone zone;
+  double potential = 0.0, head = 0.0, given = 0.0;
+};
+
+OnBed At(const System& s, int p, const Stage& stage, double parameter) {
   const Piece& piece = s.pieces[p];
   const PieceOwner& o = s.owners[p];
+  const double x = PositionOf(piece, parameter);
+  const Complex at = piece.Global(x), toward = piece.Direction() * Complex{0.0, 1.0};
+  OnBed here;
+  here.zone = s.ZoneAt(at, toward);
+  here.potential = s.Field(at, toward).omega.real();
+  here.head = here.zone.Head(here.potential);
+  here.given = stage.At(o.segment, o.start + 0.5 * (1.0 + x) * (o.end - o.start));
+  return here;
+}
+
+/// Head that would be needed for the calculated inflow, minus the calculated head, between control points.
+double BedError(const System& s, int p, const Stage& stage) {
+  const Piece& piece = s.pieces[p];
+  const LineSinkString& string = s.model.line_sinks[s.owners[p].string];
   double worst = 0.0;
-  for (int i = 1; i < 10; ++i) {
-    const double parameter = piece.tip ? 0.1 * i : -1.0 + 0.2 * i + 0.03;
-    const double x = PositionOf(piece, parameter);
-    const Complex toward = piece.Direction() * Complex{0.0, 1.0};
-    const PointState state = s.State(piece.Global(x), toward);
-    const double given = stage.At(o.segment, o.start + 0.5 * (1.0 + x) * (o.end - o.start));
-    const double head = s.ZoneAt(piece.Global(x), toward).Head(state.potential);
-    worst = std::max(worst, std::abs(head - given));
+  for (const double place : kCheckPlaces) {
+    const double parameter = CheckParameter(piece, place);
+    const OnBed here = At(s, p, stage, parameter);
+    const double width = EffectiveWidth(string, here.zone.conductivity * here.zone.Thickness(here.potential));
+    const double density = Strength(piece, &s.coefficients[p * kMaxBasis], parameter);
+    const bool below = string.kind != LineSinkKind::kDrain && here.head < here.given - string.depth;
+    const double driving = below ? -string.depth : here.head - here.given;
+    worst = std::max(worst, std::abs(driving - density * string.resistance / width));
+  }
+  return worst;
+}
+
+}  // namespace
+
+double PieceHeadError(const System& s, int p, const Stage& stage) {
+  double worst = 0.0;
+  for (const double place : kCheckPlaces) {
+    const OnBed here = At(s, p, stage, CheckParameter(s.pieces[p], place));
+    worst = std::max(worst, std::abs(here.head - here.given));
   }
   return worst;
 }
 
 namespace {
-
-/// Head that would be needed for the calculated inflow, minus the calculated head, between control points.
-double BedError(const System& s, int p, const Stage& stage) {
-  const Piece& piece = s.pieces[p];
-  const PieceOwner& o = s.owners[p];
-  const LineSinkString& string = s.model.line_sinks[o.string];
-  double worst = 0.0;
-  for (int i = 1; i < 10; ++i) {
-    const double x = -1.0 + 0.2 * i + 0.03;
-    const Complex toward = piece.Direction() * Complex{0.0, 1.0};
-    const Zone zone = s.ZoneAt(piece.Global(x), toward);
-    const double potential = s.Field(piece.Global(x), toward).omega.real(), head = zone.Head(potential);
-    const double given = stage.At(o.segment, o.start + 0.5 * (1.0 + x) * (o.end - o.start));
-    const double width = EffectiveWidth(string, zone.conductivity * zone.Thickness(potential));
-    const double density = Strength(piece, &s.coefficients[p * kMaxBasis], x);
-    const bool below = string.kind != LineSinkKind::kDrain && head < given - string.depth;
-    const double driving = below ? -string.depth : head - given;
-    worst = std::max(worst, std::abs(driving - density * string.resistance / width));
-  }
-  return worst;
-}
 
 /// Base flow and overland flow along routed streams, upstream first; for others the segment's own share.
 void AddStreamFlows(const System& s, std::vector<StringResult>* results) {

@@ -1,6 +1,8 @@
 // What a solved system says about its elements; declared for Solution, which documents it.
 #pragma once
 
+#include <array>
+
 #include "aem/system.h"
 
 namespace aem::detail {
@@ -44,6 +46,9 @@ double ExcessLeakage(const System& s, const std::vector<int>& edges, Complex a, 
 double Flux(const System& s, Complex from, Complex to);
 
 // check.cpp
+/// Places on a piece, from -1 to 1, where conditions are checked: between control points, and towards the
+/// ends, where errors are largest.
+inline constexpr std::array<double, 5> kCheckPlaces{-0.9, -0.47, 0.03, 0.52, 0.91};
 Checks Check(const System& s);
 Balance WaterBalance(const System& s);
 

@@ -39,9 +39,8 @@ void CheckEdges(const System& s, Checks* checks) {
       if (edge.wall >= 0) continue;
       const Complex toward = (edge.to - edge.from) * Complex{0.0, 1.0};
       for (int p : edge.pieces)
-        for (int i = 1; i < 10; ++i) {
-          const Piece& piece = s.pieces[p];
-          const Complex at = piece.Global(-1.0 + 0.2 * i + 0.03);
+        for (const double place : kCheckPlaces) {
+          const Complex at = s.pieces[p].Global(place);
           const double left = edge.left.Head(s.Field(at, toward).omega.real());
           const double right = edge.right.Head(s.Field(at, -toward).omega.real());
           errors[e] = std::max(errors[e], std::abs(left - right));
