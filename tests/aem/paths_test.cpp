@@ -53,6 +53,58 @@ TEST(Stagnation, OfAWellInUniformFlow) {
             aem::PathEnd::kWindow);
 }
 
+// Recharge N on a strip between two long streams: the potential is a parabola, the flow grows by N from the
+// divide, and at each x the particle that fell in at x0 has the share (x0 - divide)/(x - divide) below it,
+// whatever the thickness.
+TEST(Recharge, OneDimensionalFlowAndItsPaths) {
+  constexpr double kRecharge = 2e-3, kDistance = 200.0, k = 10.0, H = 20.0;
+  for (const auto& [left, right] : {std::pair{14.0, 13.9}, std::pair{26.0, 25.95}}) {
+    aem::Model m = Base(k, H, left);
+    m.aquifer.reference_point = {-90000.0, 0.0};
+    std::vector<Complex> ring;
+    for (const auto& [x, head] : {std::pair{0.0, left}, std::pair{kDistance, right}}) {
+      std::vector<Complex> points;
+      for (double y :
+           {-8000.0, -3000.0, -1200.0, -600.0, -300.0, -100.0, 100.0, 300.0, 600.0, 1200.0, 3000.0, 8000.0})
+        points.push_back({x, x > 0.0 ? y : -y});
+      m.line_sinks.push_back(HeadString(points, head, x > 0.0 ? "RIGHT" : "LEFT"));
+      ring.insert(ring.end(), points.begin(), points.end());
+    }
+    m.domains.push_back(Polygon(ring));
+    m.domains[0].recharge_sink = -kRecharge;
+    aem::Solution s(m);
+    ASSERT_FALSE(s.Refused()) << Said(s.Findings());
+    EXPECT_TRUE(s.Iterate(2).converged);
+    const bool confined = left > H;
+    const auto potential = [&](double head) {
+      return confined ? k * H * head - 0.5 * k * H * H : 0.5 * k * head * head;
+    };
+    const double slope = (potential(right) - potential(left)) / kDistance;
+    for (double x : {20.0, 77.0, 100.0, 160.0}) {
+      const double at = potential(left) + slope * x + 0.5 * kRecharge * x * (kDistance - x);
+      EXPECT_NEAR(s.At({x, 11.0}).potential, at, 1e-5 * std::abs(at)) << x;
+      EXPECT_NEAR(s.At({x, 11.0}).discharge.real(), kRecharge * (x - 0.5 * kDistance) - slope, 1e-6) << x;
+    }
+    const double divide = 0.5 * kDistance + slope / kRecharge;
+    ASSERT_GT(divide, 1.0);
+    const double from = divide + 10.0;
+    const aem::SolutionField field(s);
+    const aem::Path path = aem::TracePath(field, {{from, 11.0}, 99.0, true}, Tracing(1e6, 5.0));
+    EXPECT_EQ(path.end, aem::PathEnd::kSurfaceWater);
+    EXPECT_EQ(path.label.substr(0, 5), "RIGHT");
+    for (const aem::PathPoint& p : path.points) {
+      const aem::PointState state = s.At(p.at);
+      const double x = p.at.real(), share = 10.0 / (x - divide);
+      if (x > kDistance - 1.0) break;  // the stream's own flow lines
+      EXPECT_NEAR((p.elevation - state.base) / state.thickness, share, 1e-5) << x;
+      const double time = H * m.aquifer.porosity / kRecharge * std::log((x - divide) / 10.0);
+      if (confined) {
+        EXPECT_NEAR(p.time, time, 1e-4 * (1.0 + time)) << x;
+      }
+    }
+  }
+}
+
 /// A river, a domain, a wall, recharge, a pond and wells of both signs.
 aem::Model Town() {
   aem::Model m = Base(10.0, 20.0, 30.0);
