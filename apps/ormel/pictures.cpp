@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -23,6 +24,7 @@
 #include "platform/file_settings.h"
 #include "platform/posix_processes.h"
 #include "platform/system_clock.h"
+#include "shell/lifecycle.h"
 #include "shell/menus.h"
 #include "shell/welcome.h"
 #include "store/database.h"
@@ -226,12 +228,36 @@ void TakeAll(Program& program, const QString& folder) {
     });
 }
 
+/// Another project, solved, in the window.
+void TakeProject(Program& program, const QString& folder, const QString& project, const char* name) {
+  Photographer photographer(program, folder);
+  RunCommand(program.ormel, "FileOpenProject",
+             [&] { FileOpenProject(program.ormel, project.toStdString()); });
+  if (program.ormel.menus.Checked("TMARKS", kTimeMarksShow))
+    Dispatch(program.ormel, "TMARKS", kTimeMarksShow);
+  Dispatch(program.ormel, "MODEL_CMDS", 2);
+  QTest::mouseMove(&program.window.map(), program.window.map().rect().center());
+  photographer.Window(QString::fromLatin1(name));
+}
+
+/// A copy that may be changed, or nothing.
+QString CopyOf(const QString& project, const QTemporaryDir& folder) {
+  const QString copy = folder.filePath(QFileInfo(project).fileName());
+  if (!QFile::copy(project, copy)) {
+    std::fprintf(stderr, "%s cannot be copied\n", qPrintable(project));
+    return {};
+  }
+  QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner);
+  return copy;
+}
+
 }  // namespace
 }  // namespace ormel
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::fputs("usage: ormel_pictures <folder for the pictures> <project.orm>\n", stderr);
+  if (argc != 4) {
+    std::fputs("usage: ormel_pictures <folder for the pictures> <example.orm> <second example.orm>\n",
+               stderr);
     return 2;
   }
   ormel::Application app(argc, argv);
@@ -245,16 +271,14 @@ int main(int argc, char** argv) {
   QTimer questions;
   QObject::connect(&questions, &QTimer::timeout, ormel::AnswerQuestion);
   questions.start(300);
-  const QString project = private_folder.filePath(QStringLiteral("example.orm"));
-  if (!QFile::copy(QString::fromLocal8Bit(argv[2]), project)) {
-    std::fprintf(stderr, "%s cannot be copied\n", argv[2]);
-    return 1;
-  }
-  QFile::setPermissions(project, QFile::ReadOwner | QFile::WriteOwner);
+  const QString project = ormel::CopyOf(QString::fromLocal8Bit(argv[2]), private_folder);
+  const QString second = ormel::CopyOf(QString::fromLocal8Bit(argv[3]), private_folder);
+  if (project.isEmpty() || second.isEmpty()) return 1;
   program.Start(project.toStdString());
   program.window.resize(1240, 800);
   QDir().mkpath(QString::fromLocal8Bit(argv[1]));
   ormel::TakeAll(program, QString::fromLocal8Bit(argv[1]));
+  ormel::TakeProject(program, QString::fromLocal8Bit(argv[1]), second, "window-basin");
   app.SetController(nullptr);
   return 0;
 }

@@ -116,7 +116,7 @@ constexpr std::array kItems = std::to_array<MenuItem>({
     {"MODEL_CMDS", 1, "&Settings...", "MODELMENU", 0, kProject, "F4", c::Model},
     {"MODEL_CMDS", 2, "Sol&ve", "MODELMENU", 0, kProject | kLine, "F5", c::Model},
     {"MODEL_CMDS", 3, "Continue Solve", "MODELMENU", 0, kResults, "Shift+F5", c::Model},
-    {"SOLUTIONTIME", 0, "Solution &Time...", "MODELMENU", 0, kResults, "", c::SolutionTime},
+    {"SOLUTIONTIME", 0, "Solution Ti&me...", "MODELMENU", 0, kResults, "", c::SolutionTime},
     {"MODEL_CMDS", 4, "Add &Particle", "MODELMENU", 0, kProject | kLine, "", c::Model},
     {"MODEL_CMDS", 5, "Add &Test Point", "MODELMENU", 0, kProject, "", c::Model},
     {"MODEL_CMDS", 6, "Add &Flux Inspection Line", "MODELMENU", 0, kProject, "", c::Model},

@@ -1,6 +1,7 @@
 #include "shell/menus.h"
 
 #include <algorithm>
+#include <array>
 
 #include "core/command.h"
 #include "core/ormel.h"
@@ -25,6 +26,27 @@ bool StateAllows(const Ormel& ormel, unsigned flags) {
   if ((flags & kNeedsProject) != 0 && !ormel.project.ProjectOpen) return false;
   return (flags & kNeedsSolution) == 0 || ormel.solution.ValidSolution;
 }
+
+/// Why an item that is switched off in an open project rests; index -1 stands for every item.
+struct RestReason {
+  std::string_view control;
+  int index;
+  std::string_view reason;
+};
+constexpr std::string_view kSolveFirst = "solve the model first", kNothing = "the project has none";
+constexpr std::array kRestReasons{RestReason{"EDIT_CMDS", -1, "select an element on the map first"},
+                                  RestReason{"ZOOM_CMDS", -1, "the map is as close as it gets"},
+                                  RestReason{"layermenu", kLayerContours, kSolveFirst},
+                                  RestReason{"layermenu", kLayerPathlines, kSolveFirst},
+                                  RestReason{"layermenu", -1, kNothing},
+                                  RestReason{"DeleteWHPA", -1, kNothing},
+                                  RestReason{"WHPA", -1, kNothing},
+                                  RestReason{"MODEL_CMDS", -1, kSolveFirst},
+                                  RestReason{"RUN_FILES", -1, kSolveFirst},
+                                  RestReason{"MODELRUNFILES", -1, kSolveFirst},
+                                  RestReason{"RESULTS_TABLE", -1, kSolveFirst},
+                                  RestReason{"CALIBRATION_STATS", -1, kSolveFirst},
+                                  RestReason{"SolverIntegrityCheck", -1, kSolveFirst}};
 
 }  // namespace
 
@@ -61,8 +83,19 @@ std::string ItemCaption(const Ormel& ormel, const MenuItem& item) {
 }
 
 std::string_view ItemTip(const Ormel& ormel, const MenuItem& item) {
-  if (HasSubmenu(item) || IsAvailable(ormel, item.run, item.flags)) return {};
-  return kNotAvailable;
+  if (HasSubmenu(item)) return {};
+  if (!IsAvailable(ormel, item.run, item.flags)) return kNotAvailable;
+  if (ItemEnabled(ormel, item)) return {};
+  if (ormel.mouse.MenusOff && ormel.project.ProjectOpen)
+    return "first place what you began, or leave it by Escape";
+  if (!StateAllows(ormel, item.flags & kNeedsProject)) return "open a project first";
+  if (!StateAllows(ormel, item.flags)) return "solve the model first";
+  for (const MenuItem* at = &item; at != nullptr; at = ParentOf(*at)) {
+    if (ormel.menus.Enabled(at->control, at->index)) continue;
+    for (const RestReason& row : kRestReasons)
+      if (row.control == at->control && (row.index < 0 || row.index == at->index)) return row.reason;
+  }
+  return "not at present";
 }
 
 bool ItemEnabled(const Ormel& ormel, const MenuItem& item) {

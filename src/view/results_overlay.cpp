@@ -192,9 +192,13 @@ void ResultOverlay::ReadRange(int choice) {
     low = db.Scalar(chosen.minimum).AsDouble();
     high = db.Scalar(chosen.maximum).AsDouble();
   }
-  PutNumber("tbLSMin", low);
-  PutNumber("tbLSMax", high);
-  PutNumber("tbLSScaleMax", std::max(std::abs(low), std::abs(high)));
+  // Six digits: all of them would not fit the fields, and tell nothing more.
+  const auto put = [this](std::string_view name, double value) {
+    PutNumber(name, Rounded(value, std::abs(value) * 1e-3));
+  };
+  put("tbLSMin", low);
+  put("tbLSMax", high);
+  put("tbLSScaleMax", std::max(std::abs(low), std::abs(high)));
 }
 
 void ResultOverlay::OfferFields() {

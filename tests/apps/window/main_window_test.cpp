@@ -12,6 +12,7 @@
 #include <QScreen>
 #include <QUrl>
 #include <QWheelEvent>
+#include <map>
 
 #include "core/command.h"
 #include "ormel/map_export.h"
@@ -59,6 +60,56 @@ TEST_F(WindowTest, MenusAndMapComeAndGoWithTheProject) {
   expect_project_items(false);
   EXPECT_FALSE(HasInk(Map().picture()));
   EXPECT_FALSE(program->window.windowTitle().contains("town"));
+}
+
+/// A menu in which two items answer to one letter needs a second key stroke to tell them apart.  These are
+/// meant to be so.
+const std::map<QString, int> kSharedLetters = {
+    {"Project:P", 2}, {"Edit:P", 2}, {"Model:S", 2}, {"Help:O", 2}, {":H", 2}};
+
+void CheckLetters(const QString& menu, const QList<QAction*>& actions) {
+  std::map<QString, int> letters;
+  for (const QAction* action : actions) {
+    const QString text = QString(action->text()).replace("&&", "");
+    const qsizetype at = text.indexOf('&');
+    if (at >= 0 && at + 1 < text.size()) ++letters[menu + ':' + text[at + 1].toUpper()];
+    if (action->menu() != nullptr)
+      CheckLetters(QString(action->text()).remove('&'), action->menu()->actions());
+  }
+  for (const auto& [letter, count] : letters) {
+    const auto meant = kSharedLetters.find(letter);
+    EXPECT_LE(count, meant != kSharedLetters.end() ? meant->second : 1) << letter.toStdString();
+  }
+}
+
+TEST_F(WindowTest, TheKeyboardReachesEveryMenuByItsLetter) {
+  Start(town);
+  CheckLetters("", program->window.menuBar()->actions());
+  std::map<QString, QString> shortcuts;
+  for (const MenuItem& item : MenuItems()) {
+    const QAction* action = Item(item.control.data(), item.index);
+    const QString key = action->shortcut().toString();
+    if (key.isEmpty()) continue;
+    EXPECT_TRUE(shortcuts.emplace(key, action->text()).second)
+        << key.toStdString() << ": " << action->text().toStdString() << " and "
+        << shortcuts[key].toStdString();
+  }
+  // Nothing that rests does so without saying why.
+  for (const MenuItem& item : MenuItems()) {
+    const QAction* action = Item(item.control.data(), item.index);
+    if (action->isEnabled() || action->text().isEmpty() || action->menu() != nullptr) continue;
+    EXPECT_NE(action->toolTip(), QString(action->text()).remove('&').remove("..."))
+        << action->text().toStdString();
+    EXPECT_NE(ItemTip(program->ormel, item), "not at present") << action->text().toStdString();
+  }
+  EXPECT_EQ(Item("EDIT_CMDS", 3)->toolTip(), "select an element on the map first");
+  EXPECT_EQ(Item("MODEL_CMDS", 3)->toolTip(), "solve the model first");
+  Item("ELEM_NEW", 1)->trigger();
+  EXPECT_TRUE(program->window.toolbar().Find("ELEMLINESINK")->toolTip().contains("Escape"));
+  QTest::keyClick(&Map(), Qt::Key_Escape);
+  EXPECT_FALSE(program->window.toolbar().Find("ELEMLINESINK")->toolTip().contains("Escape"));
+  Item("FILE_CMDS", 3)->trigger();
+  EXPECT_EQ(Item("ZOOM_CMDS", 1)->toolTip(), "open a project first");
 }
 
 TEST_F(WindowTest, EveryButtonHasItsDrawingAndSaysWhatItDoes) {
