@@ -110,4 +110,33 @@ void SegmentIndex::Find(const Box& box, std::vector<int>* found) const {
   found->erase(std::unique(found->begin(), found->end()), found->end());
 }
 
+void SegmentIndex::FindAlong(Complex a, Complex b, std::vector<int>* found) const {
+  found->clear();
+  if (count_ == 0) return;
+  Box all = box_, own;
+  all.Grow(2.0 * cell_);
+  own.Add(a);
+  own.Add(b);
+  if (!all.Overlaps(own)) return;
+  // Segments fill their cells and those around, marched in steps of a cell: so do single cells on this line.
+  const double steps = std::max(1.0, std::ceil(std::abs(b - a) / cell_));
+  if (!(steps < double(count_) + 16.0)) {
+    for (std::size_t k = 0; k < count_; ++k) found->push_back(int(k));
+    return;
+  }
+  std::int64_t last_i = INT64_MIN, last_j = INT64_MIN;
+  for (double m = 0.0; m <= steps; ++m) {
+    const Complex p = a + (b - a) * (m / steps);
+    if (!all.Has(p)) continue;
+    const std::int64_t i = Column(p.real()), j = Row(p.imag());
+    if (i == last_i && j == last_j) continue;
+    last_i = i;
+    last_j = j;
+    const auto cell = cells_.find(Key(i, j));
+    if (cell != cells_.end()) found->insert(found->end(), cell->second.begin(), cell->second.end());
+  }
+  std::sort(found->begin(), found->end());
+  found->erase(std::unique(found->begin(), found->end()), found->end());
+}
+
 }  // namespace aem::detail

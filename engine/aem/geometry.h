@@ -58,6 +58,9 @@ class SegmentIndex {
   explicit SegmentIndex(std::span<const std::pair<Complex, Complex>> segments);
   /// Indices of segments whose cells meet the box, each once, rising.
   void Find(const Box& box, std::vector<int>* found) const;
+  /// Indices of all segments that the line from a to b can meet, and some others near by, each once, rising.
+  /// Time grows with the line's length, not with the area of the box around it.
+  void FindAlong(Complex a, Complex b, std::vector<int>* found) const;
   bool Empty() const { return count_ == 0; }
 
  private:

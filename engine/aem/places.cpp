@@ -73,18 +73,15 @@ SinkHit NearestSink(const System& s, Complex point, double distance) {
 
 Crossing FirstCrossing(const System& s, Complex from, Complex to) {
   Crossing best;
-  Box box;
-  box.Add(from);
-  box.Add(to);
   thread_local std::vector<int> found;
-  s.edge_index.Find(box, &found);
+  s.edge_index.FindAlong(from, to, &found);
   for (int e : found) {
     const JumpEdge& edge = s.edges[e];
     const CrossingType type = edge.wall >= 0 ? CrossingType::kWall : CrossingType::kDomainEdge;
     Consider(from, to, edge.from, edge.to, type, edge.wall >= 0 ? edge.wall : edge.domain, edge.segment,
              &best);
   }
-  s.segment_index.Find(box, &found);
+  s.segment_index.FindAlong(from, to, &found);
   for (int k : found) {
     const auto [string, segment] = s.segment_of[k];
     const LineSinkSegment& g = s.model.line_sinks[string].segments[segment];
