@@ -2,9 +2,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <exception>
+#include <functional>
+#include <span>
 #include <utility>
 
 #include "aem/trace.h"
@@ -20,6 +23,9 @@ namespace {
 constexpr double kDefaultStep = 0.004;
 /// A step below this part of the diagonal only fills the disk.
 constexpr double kLeastStep = 1e-7;
+
+/// Paths in memory at once: a short step makes many points of each.
+constexpr std::size_t kAtOnce = 64;
 
 constexpr double kTop = 1e30;  ///< an elevation above every water table
 
@@ -42,6 +48,24 @@ double StepOf(const TraceCommand& command, const aem::Window& window, Logs& logs
   logs.Error(fmt::format("The tracing step {:.6g} is too small for the window; {:.6g} was used instead.",
                          step, kLeastStep * diagonal));
   return kLeastStep * diagonal;
+}
+
+/// Paths of these starts.  `progress` may throw; an interrupt must not leave a worker thread by an exception.
+std::vector<aem::Path> TraceSome(const aem::TraceField& field, std::span<const aem::PathStart> starts,
+                                 const aem::TraceOptions& options,
+                                 const std::function<void(std::size_t)>& progress) {
+  std::exception_ptr stopped;
+  std::vector<aem::Path> paths = aem::TracePaths(field, starts, options, [&](std::size_t done) {
+    try {
+      progress(done);
+    } catch (...) {
+      stopped = std::current_exception();
+    }
+    return stopped == nullptr;
+  });
+  if (stopped) std::rethrow_exception(stopped);
+  if (interrupted.load()) throw Interrupted();
+  return paths;
 }
 
 }  // namespace
@@ -92,29 +116,26 @@ void Session::Do(const TraceCommand& command) {
   for (const BoundaryLine& line : command.boundaries) options.boundaries.push_back({line.from, line.to});
 
   const aem::SolutionField field(solution);
-  // An interrupt must not leave a worker thread by an exception.
   const std::string text = fmt::format("Tracing {} paths", starts.starts.size());
   Progress(0.0, text);
-  std::exception_ptr stopped;
-  std::vector<aem::Path> paths = aem::TracePaths(field, starts.starts, options, [&](std::size_t done) {
-    try {
-      Progress(static_cast<double>(done) / static_cast<double>(starts.starts.size()), text);
-    } catch (...) {
-      stopped = std::current_exception();
-    }
-    return stopped == nullptr;
-  });
-  if (stopped) std::rethrow_exception(stopped);
-  if (interrupted.load()) throw Interrupted();
-
   std::array<int, aem::kPathEnds> counts{};
-  std::vector<NamedPath> named(paths.size());
-  for (std::size_t i = 0; i < paths.size(); ++i) {
-    ++counts[static_cast<std::size_t>(paths[i].end)];
-    named[i] = {std::move(paths[i]), std::move(starts.reasons[i])};
+  files::OutputFile out(command.file);
+  if (starts.starts.empty()) out.Write(PathText({}));
+  for (std::size_t begin = 0; begin < starts.starts.size(); begin += kAtOnce) {
+    const std::size_t size = std::min(kAtOnce, starts.starts.size() - begin);
+    std::vector<aem::Path> paths =
+        TraceSome(field, std::span(starts.starts).subspan(begin, size), options, [&](std::size_t done) {
+          Progress(static_cast<double>(begin + done) / static_cast<double>(starts.starts.size()), text);
+        });
+    std::vector<NamedPath> named(size);
+    for (std::size_t i = 0; i < size; ++i) {
+      ++counts[static_cast<std::size_t>(paths[i].end)];
+      named[i] = {std::move(paths[i]), std::move(starts.reasons[begin + i])};
+    }
+    out.Write(PathText(named));
   }
-  files::WriteWholeFile(command.file, PathText(named));
-  logs_.Message(fmt::format("{} paths traced into {}", named.size(), command.file));
+  out.Commit();
+  logs_.Message(fmt::format("{} paths traced into {}", starts.starts.size(), command.file));
   for (int end = 0; end < aem::kPathEnds; ++end) {
     const int count = counts[static_cast<std::size_t>(end)];
     if (count > 0) {
