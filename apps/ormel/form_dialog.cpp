@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QScreen>
 #include <QShortcut>
 #include <QTabWidget>
 #include <QTimer>
@@ -37,6 +38,23 @@ FormDialog::FormDialog(Form& form, QWidget* parent)
   Build();
   ShowStates();
   for (auto& [page, content] : pages_) content.AlignColumns();
+  if (!HasTable()) return;
+  setWindowFlag(Qt::WindowMaximizeButtonHint);
+  resize(Room());
+}
+
+bool FormDialog::HasTable() const {
+  return std::any_of(views_.begin(), views_.end(),
+                     [](const ControlView& view) { return view.spec->kind == ControlKind::kTable; });
+}
+
+/// The toolkit opens no window wider than two thirds of the screen; a table needs what there is.
+QSize FormDialog::Room() const {
+  return sizeHint().boundedTo(screen()->availableSize() * 0.95);
+}
+
+void FormDialog::Grow() {
+  if (!isMaximized()) resize(size().expandedTo(Room()));
 }
 
 void FormDialog::SetPicture(const QPixmap& picture) {

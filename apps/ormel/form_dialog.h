@@ -40,6 +40,8 @@ class FormDialog : public QDialog {
   void Do(const std::function<void(Form&)>& action);
   /// Presses the accept button, if there is one that is offered.
   void PressAccept();
+  /// Makes room for a table that has come into view; never less than there is.
+  void Grow();
 
   void reject() override;
 
@@ -48,6 +50,8 @@ class FormDialog : public QDialog {
 
  private:
   void Build();
+  bool HasTable() const;
+  QSize Room() const;
   void AddButtonRow(const std::vector<const ControlSpec*>& buttons);
   void MarkDefault();
   QWidget* Page(const ControlSpec& spec);

@@ -61,6 +61,8 @@ constexpr std::array kDialogs = {
     DialogShot{"dialog-whpa-multiple", "WHPA", 2, 0},
     DialogShot{"dialog-results-overlay", "layermenu", kLayerResultsOverlay, 0},
     DialogShot{"dialog-inspector", "INSPECTORMENU", 0, 0},
+    DialogShot{"dialog-results-table", "RESULTS_TABLE", 0, 0},
+    DialogShot{"dialog-database-viewer", "TOOLS_CMDS", 5, 0},
 };
 
 void Settle(int milliseconds) {
@@ -208,6 +210,46 @@ void TakeAreas(Program& program, Photographer& photographer) {
   program.view.ZoomActions(Zoom::kRedraw);
 }
 
+/// Results at a point, two streamlines from clicks, and the panels of a river and a domain.
+void TakeInspection(Program& program, Photographer& photographer) {
+  Ormel& ormel = program.ormel;
+  MapWidget& map = program.window.map();
+  const auto pixel = [&](double x, double y) {
+    const DevicePoint at = program.view.vg().vgGDIWorldToDevice(x, y);
+    return QPoint(at.x, at.y) / map.devicePixelRatioF();
+  };
+  const MapRect& window = ormel.window.SolveWindow;
+  const auto spot = [&](double right, double up) {
+    return pixel(window.x1 + right * window.Width(), window.y2 + up * window.Height());
+  };
+  ormel.menus.Check("layermenu", kLayerPathlines, false);
+  program.view.ZoomActions(Zoom::kRedraw);
+  for (const double up : {0.35, 0.5, 0.65})
+    QTest::mouseClick(&map, Qt::LeftButton, Qt::ShiftModifier | Qt::ControlModifier, spot(0.3, up));
+  photographer.Window(QStringLiteral("window-traced-lines"));
+  Dispatch(ormel, "SolverIntegrityCheck");
+  photographer.OnDialog("dialog-solver-integrity", 0,
+                        [&] { QTest::mouseClick(&map, Qt::LeftButton, Qt::ShiftModifier, spot(0.35, 0.5)); });
+  Dispatch(ormel, "SolverIntegrityCheck");
+  Dispatch(ormel, "CLEARTRACES");
+  ormel.menus.Check("layermenu", kLayerPathlines, true);
+  program.view.ZoomActions(Zoom::kRedraw);
+  struct Panel {
+    const char* file;
+    const char* table;
+  };
+  for (const auto& [file, table] : {Panel{"dialog-linesink-info", "LinesinkStrings"},
+                                    Panel{"dialog-inhomogeneity-info", "Inhomogeneities"}}) {
+    const std::string from =
+        std::string(" from Vertices where PID in (select PID from ") + table + ") order by VID";
+    const double x = ormel.db().Scalar("select X" + from).AsDouble();
+    const double y = ormel.db().Scalar("select Y" + from).AsDouble();
+    for (const int page : {1, 0})
+      photographer.OnDialog(page == 1 ? file : (std::string(file) + "-properties").c_str(), page,
+                            [&] { QTest::mouseClick(&map, Qt::RightButton, {}, pixel(x, y)); });
+  }
+}
+
 void TakeAll(Program& program, const QString& folder) {
   Photographer photographer(program, folder);
   Dispatch(program.ormel, "MODEL_CMDS", 2);
@@ -219,6 +261,7 @@ void TakeAll(Program& program, const QString& folder) {
   photographer.Window(QStringLiteral("window-zoomed"));
   Dispatch(program.ormel, "ZOOM_CMDS", 3);
   TakeAreas(program, photographer);
+  TakeInspection(program, photographer);
   TakeWell(program, photographer);
   TakeWelcome(program, photographer);
   TakeGuide(program, photographer);

@@ -18,9 +18,10 @@ namespace {
 
 constexpr int kRowsMeasured = 60;   ///< rows by which a column's width is found
 constexpr int kWidestColumn = 260;  ///< pixels, as the table opens
-constexpr int kRowsInView = 14;     ///< of a long table
-constexpr int kWidestTable = 900;   ///< pixels
-constexpr int kNarrowestTable = 360;
+constexpr int kFewRows = 6;         ///< a table as short as this is shown whole and no higher
+constexpr int kRowsInView = 13;     ///< of a longer one, and of an empty one, which may get rows
+constexpr int kWidestTable = 940;   ///< pixels
+constexpr int kNarrowestTable = 340;
 
 }  // namespace
 
@@ -60,9 +61,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const {
-  if (orientation == Qt::Vertical || !table_ || section < 0 || section >= columnCount()) {
-    return role == Qt::DisplayRole && orientation == Qt::Vertical ? QVariant(section + 1) : QVariant();
-  }
+  if (orientation == Qt::Vertical || section < 0 || section >= columnCount()) return {};
   const TableColumn& column = table_->columns()[static_cast<std::size_t>(section)];
   if (role == Qt::DisplayRole) return ToQString(column.caption);
   if (role == Qt::ToolTipRole) return ToQString(column.name);
@@ -96,7 +95,7 @@ TableControl::TableControl(std::string_view name, FormDialog& dialog)
   setSelectionBehavior(QAbstractItemView::SelectRows);
   setTabKeyNavigation(false);
   setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-  setCornerButtonEnabled(true);
+  verticalHeader()->hide();
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   horizontalHeader()->setResizeContentsPrecision(kRowsMeasured);
@@ -128,6 +127,7 @@ void TableControl::Show(const ControlState& state) {
   if (other || before == nullptr) {
     SizeColumns();
     scrollToTop();
+    if (isVisible()) dialog_.Grow();
   } else {
     horizontalScrollBar()->setValue(across);
     verticalScrollBar()->setValue(down);
@@ -142,15 +142,14 @@ void TableControl::SizeColumns() {
 }
 
 QSize TableControl::sizeHint() const {
-  const int rows = std::clamp(model_->rowCount(), 3, kRowsInView);
-  const int height = horizontalHeader()->sizeHint().height() + rows * verticalHeader()->defaultSectionSize() +
-                     2 * frameWidth() + 2;
-  const int scroll = model_->rowCount() > kRowsInView ? verticalScrollBar()->sizeHint().width() : 0;
-  const int width =
-      verticalHeader()->sizeHint().width() + horizontalHeader()->length() + scroll + 2 * frameWidth() + 2;
-  const bool wide = width > kWidestTable;
-  return {std::clamp(width, kNarrowestTable, kWidestTable),
-          height + (wide ? horizontalScrollBar()->sizeHint().height() : 0)};
+  const int rows = model_->rowCount();
+  const bool few = rows > 0 && rows <= kFewRows;
+  const int edge = 2 * frameWidth() + 2;
+  const int bar = verticalScrollBar()->sizeHint().width();
+  const int width = horizontalHeader()->length() + edge + (few ? 0 : bar);
+  const int height = horizontalHeader()->sizeHint().height() +
+                     (few ? rows : kRowsInView) * verticalHeader()->defaultSectionSize() + edge;
+  return {std::clamp(width, kNarrowestTable, kWidestTable), height + (few ? 0 : bar)};
 }
 
 void TableControl::SendSelection() {

@@ -42,6 +42,8 @@ class Table {
   std::size_t Source(std::size_t row) const { return order_[row]; }
   /// As the screen shows it.
   std::string Text(std::size_t row, std::size_t column) const;
+  /// Aligns a column as texts, or as numbers.
+  void AlignLeft(std::size_t column, bool on) { columns_[column].number = !on; }
   void Change(std::size_t row, std::size_t column, Value value);
 
   /// Numbers by value, texts without regard to case; empty cells come first.  Equal rows keep their order.

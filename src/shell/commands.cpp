@@ -33,6 +33,8 @@
 #include "solver/extents.h"
 #include "solver/inspection.h"
 #include "text/files.h"
+#include "tools/db_viewer.h"
+#include "tools/result_viewer.h"
 #include "view/map_view_impl.h"
 #include "whpa/commands.h"
 #include "whpa/outline_command.h"
@@ -174,6 +176,10 @@ void ModelSize(Ormel& ormel, int /*index*/) {
   ModelGetSize(ormel, true);
 }
 
+void ResultsTable(Ormel& ormel, int /*index*/) {
+  ViewResultsTable(ormel);
+}
+
 void RunFile(Ormel& ormel, int index) {
   RUN_FILES(ormel, index);
 }
@@ -192,6 +198,10 @@ void ImportAreas(Ormel& ormel, int /*index*/) {
 
 void OutlineZone(Ormel& ormel, int /*index*/) {
   OutlineCaptureZone(ormel);
+}
+
+void DatabaseViewer(Ormel& ormel, int /*index*/) {
+  DBViewDatabase(ormel);
 }
 
 void Repair(Ormel& ormel, int /*index*/) {

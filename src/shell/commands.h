@@ -41,6 +41,7 @@ void UniformFlow(Ormel& ormel, int index);
 void Model(Ormel& ormel, int index);
 void SolutionTime(Ormel& ormel, int index);
 void ModelSize(Ormel& ormel, int index);
+void ResultsTable(Ormel& ormel, int index);
 void RunFile(Ormel& ormel, int index);
 
 // &Tools
@@ -48,6 +49,7 @@ void InterfaceOptions(Ormel& ormel, int index);
 void Whpa(Ormel& ormel, int index);
 void OutlineZone(Ormel& ormel, int index);
 void ImportAreas(Ormel& ormel, int index);
+void DatabaseViewer(Ormel& ormel, int index);
 void Repair(Ormel& ormel, int index);
 void InspectorSettings(Ormel& ormel, int index);
 void IntegrityCheck(Ormel& ormel, int index);

@@ -19,8 +19,10 @@
 #include "solver/inspection_forms.h"
 #include "solver/outside_programs.h"
 #include "solver/path_file.h"
+#include "store/database.h"
 #include "text/files.h"
 #include "text/masks.h"
+#include "text/numbers.h"
 #include "text/strings.h"
 
 namespace ormel {
@@ -135,11 +137,36 @@ void Inspect(Ormel& ormel, MapPoint at) {
 
 // --- one streamline ---
 
+/// The user's label of an element by that of the solver: "WL_000012" is a well, "LS_000345_0101" a string.
+std::string LabelOf(Ormel& ormel, std::string_view solver_label) {
+  struct Kind {
+    std::string_view prefix;
+    const char* sql;
+  };
+  constexpr std::array kKinds{Kind{"WL_", "select Label from Wells where VID=?"},
+                              Kind{"LS_", "select Label from LinesinkStrings where PID=?"}};
+  for (const Kind& kind : kKinds) {
+    if (!solver_label.starts_with(kind.prefix)) continue;
+    const double id = Val(solver_label.substr(kind.prefix.size(), 6));
+    const std::string label = ormel.db().Scalar(kind.sql, {static_cast<std::int64_t>(id)}).AsText();
+    if (!label.empty()) return label;
+  }
+  return std::string(solver_label);
+}
+
+/// "well North" from "END   well WL_000012".
+std::string EndOf(Ormel& ormel, std::string_view end_line) {
+  const std::string_view reason = Trim(end_line.substr(std::min<std::size_t>(3, end_line.size())));
+  const std::size_t blank = reason.rfind(' ');
+  if (reason.empty() || blank == std::string_view::npos) return std::string(reason);
+  return std::string(reason.substr(0, blank + 1)) + LabelOf(ormel, reason.substr(blank + 1));
+}
+
 void TellPath(Ormel& ormel, const Pathline& path) {
   static const NumberMask days("#,###,##0");
-  std::string reason(Trim(std::string_view(path.end).substr(std::min<std::size_t>(3, path.end.size()))));
-  if (reason.empty()) reason = "no reason given";
-  Feedback(ormel, "Streamline of " + days.Format(path.points.back().time) + " days, ended by: " + reason);
+  const std::string end = EndOf(ormel, path.end);
+  Feedback(ormel, "Streamline of " + days.Format(path.points.back().time) + " days" +
+                      (end.empty() ? std::string() : ", ended by: " + end));
 }
 
 TracedLine OnTheMap(const Ormel& ormel, const Pathline& path) {

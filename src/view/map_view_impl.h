@@ -26,8 +26,7 @@ class MapSurface {
 
 /// What the pointer calls in rooms that the view does not know.  Empty while such a room is not there.
 struct MapHooks {
-  std::function<void(Element, Vid, Pid)> info_panel;  ///< of a string or domain
-  std::function<void()> basemap_select;               ///< base maps at the last click
+  std::function<void()> basemap_select;  ///< base maps at the last click
 };
 
 class MapViewImpl final : public MapView {

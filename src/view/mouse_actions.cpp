@@ -20,6 +20,7 @@
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/numbers.h"
+#include "tools/info_panels.h"
 #include "view/map_view_impl.h"
 #include "whpa/commands.h"
 
@@ -41,10 +42,7 @@ bool OpenPanel(const MouseEvent& event) {
   if (vid < 0) return false;
   const Owner owner = OwnerOf(event.ormel, vid);
   if (owner.element != Element::kLinesink && owner.element != Element::kInhomogeneity) return false;
-  if (event.view.hooks().info_panel)
-    event.view.hooks().info_panel(owner.element, vid, owner.pid);
-  else
-    Inform(event.ormel, kProgramTitle, "The information panels are not available in this version.");
+  ShowInfoPanel(event.ormel, owner.element, owner.pid);
   return true;
 }
 

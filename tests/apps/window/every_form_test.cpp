@@ -23,6 +23,9 @@
 #include "shell/project_settings.h"
 #include "shell/welcome.h"
 #include "solver/inspection_forms.h"
+#include "tools/db_viewer.h"
+#include "tools/info_panels.h"
+#include "tools/result_viewer.h"
 #include "view/restore_window_form.h"
 #include "view/results_overlay.h"
 #include "whpa/forms.h"
@@ -72,6 +75,10 @@ Forms AllForms(Ormel& ormel) {
   Add<OutlineCaptureZoneForm>(forms, ormel, std::vector<CaptureWell>(2));
   Add<Inspector>(forms, ormel);
   Add<SolverIntegrity>(forms, ormel, IntegrityValues{});
+  Add<ResultViewer>(forms, ormel);
+  Add<DBViewer>(forms, ormel);
+  Add<LSInfo>(forms, ormel);
+  Add<INInfo>(forms, ormel);
   Add<PrintSetup>(forms, ormel, MapExtras{}, true);
   Add<SaveMap>(forms, ormel, MapExtras{}, 1600, 96);
   return forms;
