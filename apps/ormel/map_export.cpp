@@ -101,6 +101,9 @@ void MapExport::Print() {
 
 bool MapExport::PrintOn(QPrinter& printer) {
   printer.setFullPage(true);
+  printer.setCreator(QString::fromLatin1(kProgramTitle));
+  printer.setDocName(QString::fromStdString(extras_.title.empty() ? BaseName(FileTitle(ormel_.project.DBName))
+                                                                  : extras_.title));
   QPainter painter;
   if (!painter.begin(&printer)) return false;
   const int dpi = printer.resolution();

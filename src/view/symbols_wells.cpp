@@ -29,7 +29,8 @@ void DrawWellSymbol(const MapCanvas& canvas, MapPoint at, double setback, double
   const double to_map = 1.0 / BasemapConvert(canvas.ormel);
   const Color color = WellColor(mode);
   if (setback > 0.0) canvas.vg.vgGDICircle(at, setback * to_map, PenStyle::kSolid, 1.0, color);
-  const double smallest = kSmallestWell * canvas.vg.vgGDIPixelSize();
+  // As large on paper and on dense screens as on plain ones.
+  const double smallest = kSmallestWell * canvas.vg.vgGDIPixelSize() * canvas.vg.target()->DpiX() / 96.0;
   canvas.vg.vgGDICircle(at, std::max(radius * to_map, smallest), PenStyle::kSolid, 1.0, color);
 }
 

@@ -118,6 +118,9 @@ TEST(Wells, HaveTwoCirclesInMapUnitsAndALabel) {
   t.ormel.menus.Check("ShowWellLabels", true);
   // 0.015 of the width of 200 is 3 units or 6 pixels; 0.005 of the height is one unit or 2 pixels.
   EXPECT_THAT(t.Drawn("Wells"), Contains("text \"O'Hara\" at 206,202 9 h13 Verdana bold"));
+  t.surface.picture.Shape(DisplayList(400, 400, 192));
+  EXPECT_THAT(t.Drawn("Wells"), Contains("circle 5 at 300,200 r6"))
+      << "as large on a screen of twice the density";
 }
 
 TEST(Linesinks, ShowTheirKindByColour) {
