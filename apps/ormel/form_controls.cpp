@@ -73,6 +73,11 @@ QWidget* MakeButton(const ControlSpec& spec, FormDialog& dialog) {
 QWidget* MakeChoice(const ControlSpec& spec, FormDialog& dialog) {
   auto* button = static_cast<QCommandLinkButton*>(MakeButton<QCommandLinkButton>(spec, dialog));
   button->setDescription(ToQString(spec.tip));
+  // A line for the title and one for the description: left alone, the button counts more and the distances
+  // become uneven.
+  constexpr int kIconAndRims = 56, kRims = 24;
+  button->setMinimumWidth(button->fontMetrics().horizontalAdvance(button->description()) + kIconAndRims);
+  button->setFixedHeight(2 * button->fontMetrics().height() + kRims);
   return button;
 }
 

@@ -276,9 +276,8 @@ void TakeProject(Program& program, const QString& folder, const QString& project
   Photographer photographer(program, folder);
   RunCommand(program.ormel, "FileOpenProject",
              [&] { FileOpenProject(program.ormel, project.toStdString()); });
-  if (program.ormel.menus.Checked("TMARKS", kTimeMarksShow))
-    Dispatch(program.ormel, "TMARKS", kTimeMarksShow);
   Dispatch(program.ormel, "MODEL_CMDS", 2);
+  Dispatch(program.ormel, "TMARKS", kTimeMarks5Years);
   QTest::mouseMove(&program.window.map(), program.window.map().rect().center());
   photographer.Window(QString::fromLatin1(name));
 }

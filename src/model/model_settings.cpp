@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <filesystem>
 
 #include "core/command.h"
@@ -159,7 +160,7 @@ void ModelSettings::ClearFlags() {
 }
 
 void ModelSettings::SetDefaultStepSize(double step) {
-  PutNumber("tbDefaultStepSize", step);
+  PutNumber("tbDefaultStepSize", Rounded(step, std::abs(step) * 1e-3));  // six digits
   // Before the first redraw there is no default step.
   if (Checked("chkDefaultStep") && step > 0.0) PutNumber("tbStepSize", step);
 }

@@ -1,5 +1,6 @@
 // The main window: project in and out, menus, zoom, mouse, a run and its end.
 #include <QClipboard>
+#include <QCommandLinkButton>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QLineEdit>
@@ -12,6 +13,7 @@
 #include <QScreen>
 #include <QUrl>
 #include <QWheelEvent>
+#include <filesystem>
 #include <map>
 
 #include "core/command.h"
@@ -288,6 +290,27 @@ TEST_F(WindowTest, AWindowOfALostScreenComesBackWithinReach) {
   EXPECT_TRUE(program->window.isMaximized());
   program->window.close();
   EXPECT_EQ(settings.values["Maximized"], "1");
+}
+
+TEST_F(WindowTest, TheWelcomeBoxOpensAnExample) {
+  const std::string example = "basin and range.orm";
+  std::filesystem::copy_file(std::string(ORMEL_SOURCE_DIR) + "/examples/" + example, dir / example);
+  settings.values["WelcomeBox"] = "0";
+  WithNextDialog([this](QDialog& welcome) {
+    WithNextDialog([](QDialog& question) {
+      auto* box = qobject_cast<QMessageBox*>(&question);
+      ASSERT_NE(box, nullptr);
+      EXPECT_TRUE(box->text().contains("Load the example file?")) << box->text().toStdString();
+      box->button(QMessageBox::Yes)->click();
+    });
+    for (auto* button : welcome.findChildren<QCommandLinkButton*>())
+      if (button->text().contains("Basin")) return button->click();
+    FAIL() << "no button for the example";
+  });
+  Start("");
+  EXPECT_TRUE(program->window.windowTitle().contains("basin and range"));
+  EXPECT_EQ(program->ormel.project.unit_suffix, " ft");
+  EXPECT_TRUE(HasInk(Map().picture()));
 }
 
 TEST_F(WindowTest, AProjectIsOpenedByADrop) {
