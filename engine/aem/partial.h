@@ -3,9 +3,14 @@
 // A screen of uniform flux in a slab of thickness H between impermeable planes (Hantush, 1964, steady form);
 // beside the two-dimensional well it adds
 //   Phi' = -(Q/2 pi) (2H/(pi l)) sum 1/n (sin(n pi t/H) - sin(n pi b/H)) cos(n pi z/H) K0(n pi r/H)
-// with t and b the screen's ends above the base and l its length.  The images of the screen in both planes
-// are summed by this series; it falls off like exp(-pi r/H), below 1e-3 of the drawdown beyond two
-// thicknesses.
+// with t and b the screen's ends above the base and l its length.  The series falls off like exp(-pi r/H),
+// below 1e-3 of the drawdown beyond two thicknesses.
+//
+// Nearer than a thickness, where thousands of its terms count, the images of the screen in both planes are
+// summed instead, those of a few thicknesses one by one and the rest by the Euler-Maclaurin formula (own
+// derivation):  Phi' = -(Q H/(4 pi l)) sum over m of
+//   G(z - b + 2mH) - G(z - t + 2mH) + G(z + t + 2mH) - G(z + b + 2mH),  G(u) = asinh(u/r),
+// less the mean over the height, which the integrals of the far images cancel.
 #pragma once
 
 #include "aem/aquifer.h"
@@ -30,6 +35,9 @@ class PartialCorrection {
 
  private:
   double Coefficient(int n) const;
+  double OnScreenBySeries() const;
+  Local BySeries(double r, double z) const;
+  Local ByImages(double r, double z) const;
   double base_, thickness_, bottom_, top_, radius_;
 };
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "aem/models.h"
+#include "aem/partial.h"
 #include "aem/theis.h"
 
 namespace aem_test {
@@ -284,6 +285,43 @@ TEST(Theis, ExponentialIntegralAndDrawdown) {
   const double recovery =
       aem::detail::ExpIntegral(2500.0 * 1e-4 / 1000.0) - aem::detail::ExpIntegral(2500.0 * 1e-4 / 600.0);
   EXPECT_NEAR(s.At({50, 0}).head, 30.0 - 500.0 / (4 * kPi * 200.0) * recovery, 1e-10);
+}
+
+// Near the well images are summed, farther the series of Bessel functions: here all by the series, term by
+// term.
+TEST(PartialWells, ImagesAgreeWithTheSeries) {
+  constexpr double H = 20.0;
+  const aem::detail::Zone zone{10.0, 0.0, H, 0.2};
+  for (const auto& [bottom, top] :
+       {std::pair{12.0, 18.0}, std::pair{0.0, 3.0}, std::pair{19.0, 20.0}, std::pair{9.5, 10.5}}) {
+    aem::PartialWell well;
+    well.top = top;
+    well.bottom = bottom;
+    well.radius = 0.2;
+    const aem::detail::PartialCorrection correction(well, zone, H);
+    for (double r : {0.2, 1.0, 7.0, 19.9, 20.1, 35.0})
+      for (double z : {0.0, 2.5, 10.0, 14.0, 20.0}) {
+        double potential = 0.0, radial = 0.0, vertical = 0.0;
+        for (int n = 1; n * kPi * r / H < 40.0; ++n) {
+          const double f = n * kPi / H;
+          const double c = -H / (kPi * kPi * (top - bottom)) / n * (std::sin(f * top) - std::sin(f * bottom));
+          potential += c * std::cos(f * z) * std::cyl_bessel_k(0.0, f * r);
+          radial += c * std::cos(f * z) * f * std::cyl_bessel_k(1.0, f * r);
+          vertical += c * std::sin(f * z) * f * std::cyl_bessel_k(0.0, f * r) / H;
+        }
+        const auto local = correction.At(r, z);
+        EXPECT_NEAR(local.potential, potential, 5e-10) << r << " " << z << " " << bottom;
+        EXPECT_NEAR(local.radial, radial, 1e-9) << r << " " << z << " " << bottom;
+        EXPECT_NEAR(local.vertical, vertical, 1e-9) << r << " " << z << " " << bottom;
+      }
+    double mean = 0.0;
+    for (int n = 1; n < 1300; ++n) {
+      const double f = n * kPi / H, ends = std::sin(f * top) - std::sin(f * bottom);
+      mean -= ends * ends / (f * n * n) * std::cyl_bessel_k(0.0, f * 0.2) * n;
+    }
+    mean *= H / (kPi * kPi * (top - bottom) * (top - bottom));
+    EXPECT_NEAR(correction.OnScreen(), mean, 5e-10) << bottom;
+  }
 }
 
 TEST(PartialWells, LocalFlowIsContinuousAndDiesAway) {
