@@ -14,6 +14,7 @@ namespace aem::detail {
 System::System(Model m, Options o) : model(std::move(m)), options(o) {
   if (options.threads <= 0) options.threads = std::max(1, int(std::thread::hardware_concurrency()));
   findings = Validate(model);
+  validated = findings.size();
   for (const Finding& f : findings) refused = refused || f.severity == Severity::kFatal;
   if (!refused) Build();
 }
@@ -99,19 +100,15 @@ bool HasOneZone(Condition c) {
 }  // namespace
 
 void System::Build() {
-  constexpr std::size_t kWanted = 5000;  // unknowns that are still solved in seconds
-  for (coarseness = 0;; ++coarseness) {
-    Clear();
-    BuildOnce();
-    if (refused || x.size() <= kWanted || coarseness == 3) break;
-  }
-  if (refused) return;
-  if (coarseness > 0)
-    Add(Severity::kNote, {},
-        "The model is large: its line elements are of lower order than in a small one.  The errors at the "
-        "check "
-        "points tell what that costs.");
-  PrepareField();
+  StartOrders();
+  Rebuild();
+}
+
+void System::Rebuild() {
+  Clear();
+  findings.resize(std::min(findings.size(), validated));
+  BuildOnce();
+  if (!refused) PrepareField();
 }
 
 void System::Clear() {

@@ -21,8 +21,7 @@ int Levels(EndShape e) {
 
 }  // namespace
 
-std::vector<Part> Divide(EndShape start, EndShape end, int coarseness) {
-  const int most = coarseness == 0 ? 99 : coarseness == 1 ? 1 : 0;
+std::vector<Part> Divide(EndShape start, EndShape end, int most) {
   const int left = std::min(most, Levels(start)), right = std::min(most, Levels(end));
   std::vector<double> cuts{0.0};
   const bool both = (left > 0 || start.tip) && (right > 0 || end.tip);

@@ -16,8 +16,18 @@ struct Part {
   bool tip_at_start = false, tip_at_end = false;
 };
 
+/// How finely elements of a line are made: coefficients of a piece, of one with a free end and of one with a
+/// jump, control points of a piece, and the most divisions towards a corner.  Each level has some three to
+/// ten times smaller errors than the one before.
+struct Order {
+  int sink_size, tip_size, jump_size, points, divisions;
+};
+inline constexpr int kFullOrder = 4;
+inline constexpr Order kOrders[kFullOrder + 1] = {
+    {2, 3, 3, 5, 0}, {3, 4, 4, 6, 0}, {3, 4, 4, 6, 1}, {4, 5, 4, 7, 2}, {4, 5, 4, 7, 99}};
+
 /// Parts in order from 0 to 1.  Never empty; a part has at most one tip.
-/// `coarseness` 1 allows one division towards a corner, 2 and more none.
-std::vector<Part> Divide(EndShape start, EndShape end, int coarseness);
+/// `most` divisions are made towards a corner.
+std::vector<Part> Divide(EndShape start, EndShape end, int most);
 
 }  // namespace aem::detail

@@ -26,7 +26,9 @@ class Influences {
   void Values(const std::vector<double>& x, std::vector<double>* field, std::vector<double>* strength) const;
   /// Solves the moments of a * field + b * strength = r for x, which is where an iteration starts.  Returns
   /// the residual relative to the largest sum of terms; 1e-6 or more: x is as before.
-  virtual double Solve(const std::vector<Linearised>& linear, const GoOn& go_on, std::vector<double>* x) = 0;
+  /// `tolerance` is for the residual of an iterative solution.
+  virtual double Solve(const std::vector<Linearised>& linear, double tolerance, const GoOn& go_on,
+                       std::vector<double>* x) = 0;
 
  protected:
   explicit Influences(const System& system) : s_(system) {}

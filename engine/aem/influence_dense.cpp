@@ -28,7 +28,7 @@ class Dense final : public Influences {
     return true;
   }
 
-  double Solve(const std::vector<Linearised>& linear, const GoOn&, std::vector<double>* x) override {
+  double Solve(const std::vector<Linearised>& linear, double, const GoOn&, std::vector<double>* x) override {
     std::vector<double> matrix(columns_ * columns_, 0.0), right(columns_, 0.0);
     std::vector<std::vector<std::pair<std::size_t, double>>> tests(columns_);
     for (std::size_t q = 0; q < rows_; ++q)

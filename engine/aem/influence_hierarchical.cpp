@@ -11,8 +11,6 @@ namespace aem::detail {
 
 namespace {
 
-constexpr double kTolerance = 1e-9;
-
 class Hierarchical final : public Influences {
  public:
   explicit Hierarchical(const System& s) : Influences(s), tree_(s) {}
@@ -27,7 +25,8 @@ class Hierarchical final : public Influences {
     return tree_.Assemble(go_on);
   }
 
-  double Solve(const std::vector<Linearised>& linear, const GoOn& go_on, std::vector<double>* x) override {
+  double Solve(const std::vector<Linearised>& linear, double tolerance, const GoOn& go_on,
+               std::vector<double>* x) override {
     linear_ = &linear;
     if (!preconditioner_)
       preconditioner_ =
@@ -39,20 +38,20 @@ class Hierarchical final : public Influences {
     for (std::size_t j = 0; j < right.size(); ++j) right[j] *= scale[j];
     bool cancelled = false;
     Gmres gmres;
-    gmres.tolerance = kTolerance;
+    gmres.tolerance = tolerance;
     gmres.matrix = [&](const std::vector<double>& from, std::vector<double>* to) { Multiply(from, to); };
     gmres.preconditioner = [&](const std::vector<double>& from, std::vector<double>* to) {
       preconditioner_->Apply(from, to);
     };
     gmres.go_on = [&](double residual) {
-      cancelled =
-          !go_on(std::clamp(std::log10(std::max(residual, 1e-30)) / std::log10(kTolerance), 0.0, 1.0));
+      cancelled = !go_on(std::clamp(std::log10(std::max(residual, 1e-30)) / std::log10(tolerance), 0.0, 1.0));
       return !cancelled;
     };
     std::vector<double> next = *x;
     const double residual = gmres.Solve(right, &next);
     if (cancelled) return kCancelled;
-    if (!(residual < 1e-6)) return std::isfinite(residual) ? std::max(residual, 1e-6) : 2.0;
+    if (!(residual < std::max(1e-6, 2.0 * tolerance)))
+      return std::isfinite(residual) ? std::max(residual, 1e-6) : 2.0;
     *x = std::move(next);
     return residual;
   }

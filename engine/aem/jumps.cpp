@@ -17,9 +17,9 @@ namespace aem::detail {
 
 namespace {
 
-/// Coefficients and control points of a piece, by coarseness.
-constexpr int kJumpSize[] = {4, 4, 3, 2};
-constexpr int kJumpPoints[] = {7, 6, 5, 4};
+const Order& OrderOf(const System& s, int edge) {
+  return kOrders[s.orders.of_edge[edge]];
+}
 
 /// A jump as a sum of unknowns.
 using Combination = std::vector<std::pair<int, double>>;
@@ -125,7 +125,7 @@ void MakeTerms(System& s, int index, const Combination& at_from, const Combinati
 void AddControls(System& s, int index, bool reversed) {
   const Piece& p = s.pieces[index];
   const JumpEdge& edge = s.edges[s.owners[index].edge];
-  const GaussRule rule = Gauss(kJumpPoints[s.coarseness]);
+  const GaussRule rule = Gauss(OrderOf(s, s.owners[index].edge).points);
   for (int q = 0; q < rule.size; ++q) {
     Control c;
     c.parameter = p.tip ? 0.5 * (1.0 + rule.x[q]) : rule.x[q];
@@ -196,7 +196,7 @@ std::vector<double> StringEnds(const System& s, Complex from, Complex to) {
 void MakePieces(System& s, int e, const Ends& ends) {
   const Complex from = s.edges[e].from, to = s.edges[e].to;
   const std::vector<Part> parts =
-      CutAt(NearWells(s, from, to, Divide(ends.start_shape, ends.end_shape, s.coarseness)),
+      CutAt(NearWells(s, from, to, Divide(ends.start_shape, ends.end_shape, OrderOf(s, e).divisions)),
             StringEnds(s, from, to));
   Combination at_start = ends.start;
   for (std::size_t i = 0; i < parts.size(); ++i) {
@@ -206,7 +206,7 @@ void MakePieces(System& s, int e, const Ends& ends) {
     const bool reversed = part.tip_at_start;
     Piece piece;
     piece.kind = PieceKind::kDoublet;
-    piece.size = kJumpSize[s.coarseness];
+    piece.size = OrderOf(s, e).jump_size;
     piece.tip = part.tip_at_start || part.tip_at_end;
     PieceOwner owner;
     owner.edge = e;
@@ -241,6 +241,24 @@ bool Skipped(const System& s, int wall, Complex middle, Complex aside) {
 
 }  // namespace
 
+namespace {
+
+/// Walls, and what meets them, are of full order: their condition holds in the mean and shows no error of its
+/// own at points.
+void OrderEdges(System& s, const std::vector<Junction>& nodes) {
+  if (s.orders.of_edge.size() != s.edges.size())
+    s.orders.of_edge.assign(s.edges.size(), static_cast<unsigned char>(s.orders.start));
+  for (const Junction& node : nodes) {
+    const auto edge = [](int e) { return e < 0 ? -e - 1 : e; };
+    const bool wall = std::any_of(node.edges.begin(), node.edges.end(),
+                                  [&](const auto& a) { return s.edges[edge(a.second)].wall >= 0; });
+    for (const auto& [angle, e] : node.edges)
+      if (wall) s.orders.of_edge[edge(e)] = kFullOrder;
+  }
+}
+
+}  // namespace
+
 void BuildJumps(System& s, const Arrangement& arrangement) {
   std::vector<Junction> nodes(arrangement.nodes.size());
   std::vector<std::pair<Complex, Complex>> lines;
@@ -265,6 +283,7 @@ void BuildJumps(System& s, const Arrangement& arrangement) {
     lines.emplace_back(edge.from, edge.to);
     s.edges.push_back(std::move(edge));
   }
+  OrderEdges(s, nodes);
   std::vector<Ends> ends(s.edges.size());
   for (std::size_t i = 0; i < nodes.size(); ++i)
     if (!nodes[i].edges.empty()) MakeNode(s, &nodes[i], arrangement.on_string[i], &ends);

@@ -13,8 +13,7 @@ constexpr double kTiny = 1e-14;
 
 /// ln of a complex number whose size is never taken below kTiny.
 Complex SafeLog(Complex a) {
-  const double size = std::max(std::abs(a), kTiny);
-  return {std::log(size), std::arg(a)};
+  return {0.5 * std::log(std::max(std::norm(a), kTiny * kTiny)), std::arg(a)};
 }
 
 bool OnSegment(Complex z) {

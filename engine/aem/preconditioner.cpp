@@ -3,11 +3,22 @@
 #include <algorithm>
 #include <cmath>
 
+#include "aem/vectors.h"
+
 namespace aem::detail {
 
 namespace {
-constexpr std::size_t kBlockUnknowns = 200;
+constexpr std::size_t kBlockUnknowns = 120;  ///< of a cluster
+constexpr std::size_t kOverlap = 180;        ///< and around it
+
+void AddLeaves(const std::vector<SourceTree::Node>& nodes, int node, std::vector<int>* leaves) {
+  if (nodes[node].child < 0) {
+    leaves->push_back(node);
+    return;
+  }
+  for (int k = 0; k < 2; ++k) AddLeaves(nodes, nodes[node].child + k, leaves);
 }
+}  // namespace
 
 Preconditioner::Preconditioner(const EquationParts& p) : threads_(p.system.options.threads) {
   scale_.assign(p.system.x.size(), 1.0);
@@ -17,6 +28,11 @@ Preconditioner::Preconditioner(const EquationParts& p) : threads_(p.system.optio
   ParallelFor(threads_, blocks_.size(), [&](std::size_t begin, std::size_t end) {
     for (std::size_t i = begin; i < end; ++i) Invert(p, &blocks_[i]);
   });
+  for (Block& block : blocks_)
+    for (std::size_t j = 0; j < block.unknowns.size(); ++j) {
+      const float unscaled = float(1.0 / scale_[block.unknowns[j]]);
+      for (std::size_t i = 0; i < block.own; ++i) block.inverse[j * block.own + i] *= unscaled;
+    }
   ScaleReference(p);
   ChooseCoarse(p);
   FactorCoarse(p);
@@ -57,40 +73,63 @@ void Preconditioner::ChooseBlocks(const EquationParts& p) {
     open.pop_back();
     std::size_t count = 0;
     for (int i = nodes[n].first; i < nodes[n].last; ++i) count += owned_[i].size();
+    if (count == 0) continue;
     if (count > kBlockUnknowns && nodes[n].child >= 0) {
       open.push_back(nodes[n].child);
       open.push_back(nodes[n].child + 1);
       continue;
     }
     Block block;
-    block.node = n;
-    for (int i = nodes[n].first; i < nodes[n].last; ++i)
-      block.unknowns.insert(block.unknowns.end(), owned_[i].begin(), owned_[i].end());
-    if (!block.unknowns.empty()) blocks_.push_back(std::move(block));
+    AddLeaves(nodes, n, &block.leaves);
+    for (int leaf : block.leaves) AddUnknowns(p, leaf, &block);
+    block.own = block.unknowns.size();
+    Overlap(p, nodes[n].disc, &block);
+    blocks_.push_back(std::move(block));
   }
 }
 
-/// Field at the node's control points from the node's strengths, rows of strengths.
-void Preconditioner::LocalField(const EquationParts& p, const SourceTree::Node& top,
+void Preconditioner::AddUnknowns(const EquationParts& p, int leaf, Block* block) const {
+  const SourceTree::Node& node = p.tree.Nodes()[leaf];
+  for (int i = node.first; i < node.last; ++i)
+    block->unknowns.insert(block->unknowns.end(), owned_[i].begin(), owned_[i].end());
+}
+
+/// The leaves nearest to the cluster, as many as the block may hold.
+void Preconditioner::Overlap(const EquationParts& p, const Disc& around, Block* block) const {
+  const auto& nodes = p.tree.Nodes();
+  std::vector<std::pair<double, int>> around_it;
+  for (int leaf : block->leaves)
+    for (int other : nodes[leaf].near) {
+      const Disc &a = nodes[leaf].disc, &b = nodes[other].disc;
+      around_it.emplace_back(std::abs(a.centre - b.centre) - b.radius - a.radius + 1e-6 * around.radius,
+                             other);
+    }
+  std::sort(around_it.begin(), around_it.end());
+  const std::size_t most = kBlockUnknowns + kOverlap;
+  for (const auto& [distance, leaf] : around_it) {
+    if (std::find(block->leaves.begin(), block->leaves.end(), leaf) != block->leaves.end()) continue;
+    block->leaves.push_back(leaf);
+    AddUnknowns(p, leaf, block);
+    if (block->unknowns.size() > most) return;
+  }
+}
+
+/// Field at the leaves' control points from the leaves' strengths, rows of strengths.
+void Preconditioner::LocalField(const EquationParts& p, const std::vector<int>& leaves,
                                 std::vector<double>* field) const {
   const auto& nodes = p.tree.Nodes();
-  const int columns = p.tree.LastStrength(top) - p.tree.FirstStrength(top);
-  field->resize(std::size_t(p.tree.LastControl(top) - p.tree.FirstControl(top)) * columns);
-  std::vector<int> leaves, open{int(&top - nodes.data())};
-  while (!open.empty()) {
-    const int n = open.back();
-    open.pop_back();
-    if (nodes[n].child < 0)
-      leaves.push_back(n);
-    else
-      open.insert(open.end(), {nodes[n].child, nodes[n].child + 1});
+  const auto width = [&](int n) { return p.tree.LastStrength(nodes[n]) - p.tree.FirstStrength(nodes[n]); };
+  const auto height = [&](int n) { return p.tree.LastControl(nodes[n]) - p.tree.FirstControl(nodes[n]); };
+  int columns = 0, all = 0, above = 0;
+  for (int n : leaves) {
+    columns += width(n);
+    all += height(n);
   }
+  field->resize(std::size_t(all) * columns);
   for (int a : leaves) {
-    const int rows = p.tree.LastControl(nodes[a]) - p.tree.FirstControl(nodes[a]);
-    const int above = p.tree.FirstControl(nodes[a]) - p.tree.FirstControl(top);
+    const int rows = height(a);
+    int left = 0;
     for (int b : leaves) {
-      const int left = p.tree.FirstStrength(nodes[b]) - p.tree.FirstStrength(top);
-      const int width = p.tree.LastStrength(nodes[b]) - p.tree.FirstStrength(nodes[b]);
       const auto near = std::find(nodes[a].near.begin(), nodes[a].near.end(), b);
       const double* block = near == nodes[a].near.end()
                                 ? nullptr
@@ -100,76 +139,94 @@ void Preconditioner::LocalField(const EquationParts& p, const SourceTree::Node& 
         if (block == nullptr)
           p.tree.FarRow(b, p.system.controls[p.tree.ControlOrder()[p.tree.FirstControl(nodes[a]) + r]], out);
         else
-          for (int j = 0; j < width; ++j) out[j] = block[std::size_t(j) * rows + r];
+          for (int j = 0; j < width(b); ++j) out[j] = block[std::size_t(j) * rows + r];
       }
+      left += width(b);
     }
+    above += rows;
   }
 }
 
+namespace {
+
+/// What a strength of the block gives to one of its unknowns.
+struct Share {
+  int place, strength;
+  double factor;
+};
+
+}  // namespace
+
 std::vector<double> Preconditioner::BlockMatrix(const EquationParts& p, const Block& block) const {
   const System& s = p.system;
-  const SourceTree::Node& top = p.tree.Nodes()[block.node];
   const std::size_t n = block.unknowns.size();
-  const int first = p.tree.FirstStrength(top), columns = p.tree.LastStrength(top) - first;
   std::vector<double> field, matrix(n * n, 0.0), row(n);
-  LocalField(p, top, &field);
+  LocalField(p, block.leaves, &field);
   thread_local std::vector<int> place;
-  place.assign(s.x.size(), -1);
+  place.resize(s.x.size(), -1);
   for (std::size_t i = 0; i < n; ++i) place[block.unknowns[i]] = int(i);
-  struct Entry {
-    int place, strength;
-    double factor;
-  };
-  std::vector<Entry> entries;
-  for (int i = top.first; i < top.last; ++i) {
-    const auto& source = p.tree.Sources()[i];
-    if (source.kind != SourceTree::Source::Kind::kPiece) {
-      entries.push_back({place[owned_[i][0]], source.first - first, 1.0});
-      continue;
+  std::vector<Share> shares;
+  int columns = 0;
+  for (int leaf : block.leaves)
+    for (int i = p.tree.Nodes()[leaf].first; i < p.tree.Nodes()[leaf].last; ++i) {
+      const auto& source = p.tree.Sources()[i];
+      if (source.kind != SourceTree::Source::Kind::kPiece) {
+        shares.push_back({place[owned_[i][0]], columns, 1.0});
+      } else {
+        for (const Term& t : s.terms[source.index])
+          for (int k = 0; k < source.size; ++k)
+            if (place[t.unknown] >= 0 && t.coefficient[k] != 0.0)
+              shares.push_back({place[t.unknown], columns + k, t.coefficient[k]});
+      }
+      columns += source.size;
     }
-    for (const Term& t : s.terms[source.index])
-      for (int k = 0; k < source.size; ++k)
-        if (place[t.unknown] >= 0 && t.coefficient[k] != 0.0)
-          entries.push_back({place[t.unknown], source.first - first + k, t.coefficient[k]});
-  }
-  for (int r = p.tree.FirstControl(top); r < p.tree.LastControl(top); ++r) {
-    const int q = p.tree.ControlOrder()[r];
-    const Linearised& l = p.linear[q];
-    const LocalRow& local = p.local[q];
-    const double* from = field.data() + std::size_t(r - p.tree.FirstControl(top)) * columns;
-    std::fill(row.begin(), row.end(), 0.0);
-    for (const Entry& e : entries) row[e.place] += l.a * e.factor * from[e.strength];
-    for (int i = 0; i < local.count; ++i)
-      if (const int at = place[local.unknown[i]]; at >= 0) row[at] += l.b * local.value[i];
-    for (int i = 0; i < local.count; ++i) {
-      const int at = place[local.unknown[i]];
-      const double weight = s.controls[q].weight * local.test[i];
-      if (at < 0 || weight == 0.0) continue;
-      double* out = matrix.data() + std::size_t(at) * n;
-      for (std::size_t j = 0; j < n; ++j) out[j] += weight * row[j];
+  const double* from = field.data();
+  for (int leaf : block.leaves)
+    for (int r = p.tree.FirstControl(p.tree.Nodes()[leaf]); r < p.tree.LastControl(p.tree.Nodes()[leaf]);
+         ++r, from += columns) {
+      const int q = p.tree.ControlOrder()[r];
+      const Linearised& l = p.linear[q];
+      const LocalRow& local = p.local[q];
+      std::fill(row.begin(), row.end(), 0.0);
+      for (const Share& e : shares) row[e.place] += l.a * e.factor * from[e.strength];
+      for (int i = 0; i < local.count; ++i)
+        if (const int at = place[local.unknown[i]]; at >= 0) row[at] += l.b * local.value[i];
+      for (int i = 0; i < local.count; ++i) {
+        const int at = place[local.unknown[i]];
+        const double weight = s.controls[q].weight * local.test[i];
+        if (at < 0 || weight == 0.0) continue;
+        double* out = matrix.data() + std::size_t(at) * n;
+        for (std::size_t j = 0; j < n; ++j) out[j] += weight * row[j];
+      }
     }
-  }
+  for (int unknown : block.unknowns) place[unknown] = -1;
   return matrix;
 }
 
 void Preconditioner::Invert(const EquationParts& p, Block* block) {
   const std::size_t n = block->unknowns.size();
   const std::vector<double> matrix = BlockMatrix(p, *block);
-  block->inverse.resize(n * n);
-  std::vector<double> diagonal(n);
+  std::vector<float> inverse(n * n);
+  std::vector<double> scale(n, 1.0);
   for (std::size_t i = 0; i < n; ++i) {
     double largest = 0.0;
     for (std::size_t j = 0; j < n; ++j) largest = std::max(largest, std::abs(matrix[i * n + j]));
-    const double scale = largest > 0.0 ? 1.0 / largest : 1.0;
-    scale_[block->unknowns[i]] = scale;
-    diagonal[i] = scale * matrix[i * n + i];
-    for (std::size_t j = 0; j < n; ++j) block->inverse[j * n + i] = float(scale * matrix[i * n + j]);
+    if (largest > 0.0) scale[i] = 1.0 / largest;
+    if (i < block->own) scale_[block->unknowns[i]] = scale[i];
+    for (std::size_t j = 0; j < n; ++j) inverse[j * n + i] = float(scale[i] * matrix[i * n + j]);
   }
-  if (InvertSmall(&block->inverse, n)) return;
-  // Neighbours that state one condition twice: each by itself then.
-  std::fill(block->inverse.begin(), block->inverse.end(), 0.0F);
-  for (std::size_t i = 0; i < n; ++i)
-    block->inverse[i * n + i] = diagonal[i] != 0.0 ? float(1.0 / diagonal[i]) : 1.0F;
+  if (!InvertSmall(&inverse, n)) {
+    // Neighbours that state one condition twice: each by itself then.
+    std::fill(inverse.begin(), inverse.end(), 0.0F);
+    for (std::size_t i = 0; i < n; ++i)
+      inverse[i * n + i] = matrix[i * n + i] != 0.0 ? float(1.0 / (scale[i] * matrix[i * n + i])) : 1.0F;
+  }
+  block->inverse.resize(n * block->own);
+  for (std::size_t j = 0; j < n; ++j)
+    for (std::size_t i = 0; i < block->own; ++i) {
+      // Columns expect rows scaled as their owners scaled them, which is done once all blocks stand.
+      block->inverse[j * block->own + i] = inverse[j * n + i] * float(scale[j]);
+    }
 }
 
 /// The reference point's equation counts as much as that of a line-sink's mean head.
@@ -183,20 +240,29 @@ void Preconditioner::ScaleReference(const EquationParts& p) {
   scale_[0] = weight > 0.0 ? sum / weight : 1.0;
 }
 
+namespace {
+
+/// sum += columns * values at the given places.
+AEM_VECTOR_COPIES void AddColumns(const float* columns, std::size_t rows, const std::vector<int>& places,
+                                  const double* values, float* sum) {
+  for (int place : places) {
+    const float value = float(values[place]);
+    for (std::size_t i = 0; i < rows; ++i) sum[i] += columns[i] * value;
+    columns += rows;
+  }
+}
+
+}  // namespace
+
 void Preconditioner::Apply(const std::vector<double>& from, std::vector<double>* to) const {
   to->assign(from.size(), 0.0);
   ParallelFor(threads_, blocks_.size(), [&](std::size_t begin, std::size_t end) {
-    std::vector<float> in, sum;
+    std::vector<float> sum;
     for (std::size_t b = begin; b < end; ++b) {
       const Block& block = blocks_[b];
-      const std::size_t n = block.unknowns.size();
-      sum.assign(n, 0.0F);
-      for (std::size_t j = 0; j < n; ++j) {
-        const float value = float(from[block.unknowns[j]]);
-        const float* column = block.inverse.data() + j * n;
-        for (std::size_t i = 0; i < n; ++i) sum[i] += column[i] * value;
-      }
-      for (std::size_t i = 0; i < n; ++i) (*to)[block.unknowns[i]] = sum[i];
+      sum.assign(block.own, 0.0F);
+      AddColumns(block.inverse.data(), block.own, block.unknowns, from.data(), sum.data());
+      for (std::size_t i = 0; i < block.own; ++i) (*to)[block.unknowns[i]] = sum[i];
     }
   });
   std::vector<double> coarse(coarse_, 0.0);

@@ -34,10 +34,13 @@ class Preconditioner {
   void Apply(const std::vector<double>& from, std::vector<double>* to) const;
 
  private:
+  /// Unknowns of a cluster, then those around it that overlap: the solution of all of them is used for the
+  /// cluster's own alone (restricted additive Schwarz; Cai and Sarkis, 1999).
   struct Block {
-    int node = -1;
+    std::vector<int> leaves;  ///< the cluster's own, then those that overlap
     std::vector<int> unknowns;
-    std::vector<float> inverse;  ///< column-major
+    std::size_t own = 0;
+    std::vector<float> inverse;  ///< rows of own unknowns, column-major
   };
   /// A tree node's control points in the coarse equations.
   struct Mean {
@@ -47,9 +50,11 @@ class Preconditioner {
 
   void FindOwners(const EquationParts& p);
   void ChooseBlocks(const EquationParts& p);
+  void AddUnknowns(const EquationParts& p, int leaf, Block* block) const;
   void Invert(const EquationParts& p, Block* block);
   std::vector<double> BlockMatrix(const EquationParts& p, const Block& block) const;
-  void LocalField(const EquationParts& p, const SourceTree::Node& node, std::vector<double>* field) const;
+  void Overlap(const EquationParts& p, const Disc& around, Block* block) const;
+  void LocalField(const EquationParts& p, const std::vector<int>& leaves, std::vector<double>* field) const;
   void ScaleReference(const EquationParts& p);
 
   void ChooseCoarse(const EquationParts& p);

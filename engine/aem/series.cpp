@@ -3,18 +3,21 @@
 #include <cmath>
 #include <numbers>
 
+#include "aem/vectors.h"
+
 namespace aem::detail {
 
 namespace {
 
 constexpr double kPi = std::numbers::pi;
 constexpr int kSize = kTerms + 1;
+constexpr int kRow = (kSize + 7) / 8 * 8;  ///< of whole vectors
 
 /// Binomial coefficients as rows that inner loops run along.
 struct Tables {
-  double lift[kSize][kSize] = {};      ///< [k][l] = C(l - 1, k - 1), 1 <= k <= l
-  double transfer[kSize][kSize] = {};  ///< [k][n] = C(n + k - 1, n)
-  double inherit[kSize][kSize] = {};   ///< [k][n] = C(k, n), n <= k
+  double lift[kSize][kRow] = {};      ///< [k][l] = C(l - 1, k - 1), 1 <= k <= l
+  double transfer[kSize][kRow] = {};  ///< [k][n] = C(n + k - 1, n)
+  double inherit[kSize][kRow] = {};   ///< [k][n] = C(k, n), n <= k
   Tables() {
     double c[2 * kSize + 1][2 * kSize + 1] = {};
     for (int n = 0; n <= 2 * kSize; ++n) {
@@ -37,7 +40,7 @@ const Tables& Choose() {
 
 /// A series as two rows of numbers, which the compiler can add side by side.
 struct Split {
-  alignas(64) double re[kSize] = {}, im[kSize] = {};
+  alignas(64) double re[kRow] = {}, im[kRow] = {};
 };
 
 /// base^0 ... base^kTerms.
@@ -47,9 +50,9 @@ void Powers(Complex base, Complex* power) {
 }
 
 /// sum += row * factor.
-void AddRow(Split* sum, const double* row, Complex factor) {
+inline void AddRow(Split* sum, const double* row, Complex factor) {
   const double re = factor.real(), im = factor.imag();
-  for (int n = 0; n < kSize; ++n) {
+  for (int n = 0; n < kRow; ++n) {
     sum->re[n] += row[n] * re;
     sum->im[n] += row[n] * im;
   }
@@ -89,7 +92,7 @@ void AddPointSeries(Complex at, double discharge, const Disc& disc, Series* oute
   for (int k = 1; k <= kTerms; ++k, power *= t) (*outer)[k] -= weight / k * power;
 }
 
-void Lift(const Series& inner, const Disc& from, const Disc& to, Series* outer) {
+AEM_VECTOR_COPIES void Lift(const Series& inner, const Disc& from, const Disc& to, Series* outer) {
   // (R1/(z - c1))^k = sum over l of C(l-1, k-1) (R1/R)^k shift^(l-k) (R/(z - c))^l
   const auto& lift = Choose().lift;
   const Complex shift = (from.centre - to.centre) / to.radius;
@@ -106,7 +109,7 @@ void Lift(const Series& inner, const Disc& from, const Disc& to, Series* outer) 
   }
 }
 
-void Transfer(const Series& outer, const Disc& from, const Disc& to, Series* local) {
+AEM_VECTOR_COPIES void Transfer(const Series& outer, const Disc& from, const Disc& to, Series* local) {
   const auto& choose = Choose().transfer;
   const Complex d = to.centre - from.centre, inverse = 1.0 / d;
   Complex source[kSize], target[kSize];
@@ -119,7 +122,7 @@ void Transfer(const Series& outer, const Disc& from, const Disc& to, Series* loc
     (*local)[n] += target[n] * (Complex{sum.re[n], sum.im[n]} - outer[0] / double(n));
 }
 
-void Inherit(const Series& local, const Disc& from, const Disc& to, Series* inner) {
+AEM_VECTOR_COPIES void Inherit(const Series& local, const Disc& from, const Disc& to, Series* inner) {
   // u = shift + ratio v with v the smaller disc's own variable.
   const auto& choose = Choose().inherit;
   const Complex shift = (to.centre - from.centre) / from.radius;
@@ -155,7 +158,7 @@ Flow EvaluateLocal(const Series& local, const Disc& disc, Complex at) {
 }
 
 bool Separated(const Disc& a, const Disc& b) {
-  const double d = std::abs(a.centre - b.centre);
+  const double d = std::sqrt(std::norm(a.centre - b.centre));
   return a.radius <= 0.5 * (d - b.radius) && b.radius <= 0.5 * (d - a.radius);
 }
 

@@ -41,38 +41,76 @@ struct StateHeader {
   std::int64_t converged = 0;
   double time = 0.0;
   std::uint64_t flags = 0;
+  std::uint64_t orders = 0;
 };
+
+/// Writes or reads arrays one after another.
+template <typename T>
+void Put(std::vector<std::byte>* bytes, const T* from, std::size_t count) {
+  if (count == 0) return;
+  const std::size_t at = bytes->size();
+  bytes->resize(at + count * sizeof(T));
+  std::memcpy(bytes->data() + at, from, count * sizeof(T));
+}
+
+/// False: there is less than that.
+template <typename T>
+bool Take(std::span<const std::byte>* bytes, std::uint64_t count, std::vector<T>* to) {
+  if (count > bytes->size() / sizeof(T)) return false;
+  to->resize(count);
+  if (count > 0) std::memcpy(to->data(), bytes->data(), count * sizeof(T));
+  *bytes = bytes->subspan(count * sizeof(T));
+  return true;
+}
+
 }  // namespace
 
 std::vector<std::byte> Solution::SaveState() const {
   const detail::System& s = *system_;
-  const StateHeader header{s.x.size(), s.iterations_done, s.converged ? 1 : 0, s.time, s.flags.size()};
-  std::vector<std::byte> bytes(sizeof header + s.x.size() * sizeof(double) + s.flags.size());
-  std::memcpy(bytes.data(), &header, sizeof header);
-  std::memcpy(bytes.data() + sizeof header, s.x.data(), s.x.size() * sizeof(double));
-  if (!s.flags.empty())
-    std::memcpy(bytes.data() + sizeof header + s.x.size() * sizeof(double), s.flags.data(), s.flags.size());
+  const std::vector<unsigned char> orders = s.SaveOrders();
+  const StateHeader header{s.x.size(), s.iterations_done, s.converged ? 1 : 0,
+                           s.time,     s.flags.size(),    orders.size()};
+  std::vector<std::byte> bytes;
+  Put(&bytes, &header, 1);
+  Put(&bytes, s.x.data(), s.x.size());
+  Put(&bytes, s.flags.data(), s.flags.size());
+  Put(&bytes, orders.data(), orders.size());
   return bytes;
 }
 
 bool Solution::LoadState(std::span<const std::byte> bytes) {
   detail::System& s = *system_;
-  StateHeader header;
-  if (s.refused || bytes.size() < sizeof header) return false;
-  std::memcpy(&header, bytes.data(), sizeof header);
-  if (header.unknowns != s.x.size() || header.flags != s.flags.size() ||
-      bytes.size() != sizeof header + s.x.size() * sizeof(double) + s.flags.size())
+  std::vector<StateHeader> header;
+  std::vector<double> x;
+  std::vector<unsigned char> flags, orders;
+  if (s.refused || !Take(&bytes, 1, &header) || !Take(&bytes, header[0].unknowns, &x) ||
+      !Take(&bytes, header[0].flags, &flags) || !Take(&bytes, header[0].orders, &orders) || !bytes.empty())
     return false;
-  std::vector<double> x(s.x.size());
-  std::memcpy(x.data(), bytes.data() + sizeof header, x.size() * sizeof(double));
-  for (double v : x)
-    if (!std::isfinite(v)) return false;
+  if (flags.size() != s.flags.size() ||
+      !std::all_of(x.begin(), x.end(), [](double v) { return std::isfinite(v); }))
+    return false;
+  const std::vector<unsigned char> before = s.SaveOrders();
+  if (!s.LoadOrders(orders)) return false;
+  if (orders != before) {
+    const std::vector<double> x_before = s.x;
+    const std::vector<unsigned char> flags_before = s.flags;
+    s.Rebuild();
+    if (s.x.size() != x.size()) {
+      s.LoadOrders(before);
+      s.Rebuild();
+      s.x = x_before;
+      s.flags = flags_before;
+      s.SetCoefficients();
+      s.PrepareField();
+      return false;
+    }
+  }
+  if (s.x.size() != x.size()) return false;
   s.x = std::move(x);
-  if (!s.flags.empty())
-    std::memcpy(s.flags.data(), bytes.data() + sizeof header + s.x.size() * sizeof(double), s.flags.size());
-  s.iterations_done = int(header.iterations);
-  s.converged = header.converged != 0;
-  s.time = header.time;
+  s.flags = std::move(flags);
+  s.iterations_done = int(header[0].iterations);
+  s.converged = header[0].converged != 0;
+  s.time = header[0].time;
   s.SetCoefficients();
   s.PrepareField();
   return true;

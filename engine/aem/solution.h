@@ -55,6 +55,7 @@ struct IterationReport {
 struct Options {
   int threads = 0;            ///< 0: as many as the machine has
   int extra_iterations = 60;  ///< allowed beyond the asked ones while conditions that depend on head change
+  double accuracy = 1e-4;  ///< error of heads along lines that orders are chosen for, by the range of heads
   bool direct_summation = false;  ///< no hierarchical scheme: every element summed one by one
 };
 

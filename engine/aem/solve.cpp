@@ -89,13 +89,16 @@ class LinearSolver {
   void Values(const std::vector<double>& x, std::vector<double>* field, std::vector<double>* strength) const {
     influences_->Values(x, field, strength);
   }
-  double Solve(const std::vector<Linearised>& linear, const GoOn& go_on, std::vector<double>* x) {
-    const double residual = influences_->Solve(linear, go_on, x);
-    if (residual < 1e-6 || residual == kCancelled || !hierarchical_ || !FitsDense(s_)) return residual;
+  double Solve(const std::vector<Linearised>& linear, double tolerance, const GoOn& go_on,
+               std::vector<double>* x) {
+    const double residual = influences_->Solve(linear, tolerance, go_on, x);
+    if (residual < std::max(1e-6, 2.0 * tolerance) || residual == kCancelled || !hierarchical_ ||
+        !FitsDense(s_))
+      return residual;
     hierarchical_ = false;
     Make();
     if (!Assemble(go_on)) return kCancelled;
-    return influences_->Solve(linear, go_on, x);
+    return influences_->Solve(linear, tolerance, go_on, x);
   }
 
  private:
@@ -108,67 +111,134 @@ class LinearSolver {
 
 }  // namespace
 
-IterationReport System::Iterate(int asked, const ProgressCallback& progress) {
-  IterationReport report;
-  if (refused) return report;
-  asked = std::max(1, asked);
-  bool depends = false;
-  for (const Control& c : controls) depends = depends || DependsOnHead(*this, c);
-  const auto tell = [&](double fraction, const char* what) {
-    const bool go_on = !progress || progress({report.iterations + 1, asked, fraction, report.change, what});
-    report.cancelled = !go_on;
-    return go_on;
-  };
-  LinearSolver field(*this);
-  if (!field.Assemble([&](double part) { return tell(0.5 * part, "assembling"); })) return report;
-  std::vector<double> values, strengths, new_values, new_strengths;
-  field.Values(x, &values, &strengths);
-  if (iterations_done == 0) StartValues(*this, &values, &strengths);
-  const int limit = depends ? asked + options.extra_iterations : 1;
-  while (report.iterations < limit && !report.converged) {
-    Route();
-    std::vector<Linearised> linear;
-    linear.reserve(controls.size());
-    for (std::size_t q = 0; q < controls.size(); ++q)
-      linear.push_back(Linearise(*this, controls[q], values[q], strengths[q]));
-    if (!tell(0.5, "solving")) return report;
-    std::vector<double> next = x;
-    report.residual = field.Solve(
-        linear, [&](double part) { return tell(0.5 + 0.5 * part, "solving"); }, &next);
-    if (report.residual == kCancelled) return report;
-    if (!(report.residual < 1e-6)) {
-      Add(Severity::kFatal, {},
-          "The system of equations has no single solution: look for elements that state two conditions at "
-          "one "
-          "place, or for a region without any given head.");
-      report.findings.push_back(findings.back());
-      return report;
+namespace {
+
+/// One call of Iterate: steps of linearising and solving, and rounds of raising orders before the first.
+class Iteration {
+  static constexpr double kRough = 1e-7, kFine = 1e-9;
+
+ public:
+  Iteration(System* system, int asked, const ProgressCallback& progress)
+      : s_(*system), asked_(asked), progress_(progress) {}
+
+  IterationReport Run() {
+    constexpr int kRounds = 5;
+    // Orders are chosen on what a rough solution shows.
+    bool raising = s_.iterations_done == 0 && s_.CanRaiseOrders();
+    tolerance_ = raising ? kRough : kFine;
+    bool good = Begin() && Step();
+    for (int round = 1; good && raising; ++round) {
+      if (round <= kRounds && Raise()) {
+        good = Begin() && Step();
+        continue;
+      }
+      raising = false;
+      tolerance_ = kFine;
+      s_.iterations_done = report_.iterations = 0;
+      good = Step();
     }
-    field.Values(next, &new_values, &new_strengths);
+    if (good) GoOn();
+    s_.converged = report_.converged;
+    if (!report_.converged && !report_.cancelled && !s_.refused && report_.iterations > 0)
+      Tell(Severity::kWarning,
+           "The iteration has not converged: heads still change.  Continue the solution with more "
+           "iterations.");
+    return std::move(report_);
+  }
+
+ private:
+  bool Report(double fraction, const char* what) {
+    const bool go_on =
+        !progress_ || progress_({report_.iterations + 1, asked_, fraction, report_.change, what});
+    report_.cancelled = !go_on;
+    return go_on;
+  }
+
+  void Tell(Severity severity, const char* text) {
+    s_.Add(severity, {}, text);
+    report_.findings.push_back(s_.findings.back());
+  }
+
+  bool Begin() {
+    depends_ = std::any_of(s_.controls.begin(), s_.controls.end(),
+                           [&](const Control& c) { return DependsOnHead(s_, c); });
+    solver_ = std::make_unique<LinearSolver>(s_);
+    if (!solver_->Assemble([&](double part) { return Report(0.5 * part, "assembling"); })) return false;
+    solver_->Values(s_.x, &values_, &strengths_);
+    if (s_.iterations_done == 0) StartValues(s_, &values_, &strengths_);
+    return true;
+  }
+
+  /// One linear solution; false: it is the last.
+  bool Step() {
+    s_.Route();
+    linear_.clear();
+    for (std::size_t q = 0; q < s_.controls.size(); ++q)
+      linear_.push_back(Linearise(s_, s_.controls[q], values_[q], strengths_[q]));
+    if (!Report(0.5, "solving")) return false;
+    std::vector<double> next = s_.x, values, strengths;
+    report_.residual = solver_->Solve(
+        linear_, tolerance_, [&](double part) { return Report(0.5 + 0.5 * part, "solving"); }, &next);
+    if (report_.residual == kCancelled) return false;
+    if (!(report_.residual < std::max(1e-6, 2.0 * tolerance_))) {
+      Tell(Severity::kFatal,
+           "The system of equations has no single solution: look for elements that state two conditions at "
+           "one "
+           "place, or for a region without any given head.");
+      return false;
+    }
+    solver_->Values(next, &values, &strengths);
     Change change;
-    for (std::size_t q = 0; q < controls.size(); ++q)
-      change.Add(controls[q], new_values[q], new_strengths[q], values[q], strengths[q]);
-    x = next;
-    SetCoefficients();
-    values.swap(new_values);
-    strengths.swap(new_strengths);
-    const std::vector<double> carried_before = carried;
-    const int switched = SwitchStates(values, report.iterations > asked + options.extra_iterations / 2);
-    ++report.iterations;
-    ++iterations_done;
-    report.change = change.largest;
+    for (std::size_t q = 0; q < s_.controls.size(); ++q)
+      change.Add(s_.controls[q], values[q], strengths[q], values_[q], strengths_[q]);
+    s_.x = std::move(next);
+    s_.SetCoefficients();
+    values_.swap(values);
+    strengths_.swap(strengths);
+    const std::vector<double> carried_before = s_.carried;
+    const int switched =
+        s_.SwitchStates(values_, report_.iterations > asked_ + s_.options.extra_iterations / 2);
+    ++report_.iterations;
+    ++s_.iterations_done;
+    report_.change = change.largest;
     const bool still =
-        change.largest <= change.Tolerance() && switched == 0 && Settled(carried_before, carried);
-    report.converged = !depends || (still && report.iterations >= std::min(asked, 2));
-    if (!tell(1.0, "iteration done")) break;
+        change.largest <= change.Tolerance() && switched == 0 && Settled(carried_before, s_.carried);
+    report_.converged = !depends_ || (still && report_.iterations >= std::min(asked_, 2));
+    return Report(1.0, "iteration done");
   }
-  converged = report.converged;
-  if (!report.converged && !report.cancelled) {
-    Add(Severity::kWarning, {},
-        "The iteration has not converged: heads still change.  Continue the solution with more iterations.");
-    report.findings.push_back(findings.back());
+
+  /// Whether orders were raised and all begins anew.
+  bool Raise() {
+    if (!s_.RaiseOrders(linear_, values_, strengths_)) return false;
+    solver_.reset();
+    s_.Rebuild();
+    s_.iterations_done = report_.iterations = 0;
+    report_.converged = false;
+    return !s_.refused;
   }
-  return report;
+
+  void GoOn() {
+    const int limit = depends_ ? asked_ + s_.options.extra_iterations : 1;
+    while (report_.iterations < limit && !report_.converged && Step()) {
+    }
+  }
+
+  System& s_;
+  int asked_;
+  const ProgressCallback& progress_;
+  IterationReport report_;
+  bool depends_ = false;
+  double tolerance_ = kFine;  ///< of iterative linear solutions
+  std::unique_ptr<LinearSolver> solver_;
+  std::vector<Linearised> linear_;
+  std::vector<double> values_, strengths_;
+};
+
+}  // namespace
+
+IterationReport System::Iterate(int asked, const ProgressCallback& progress) {
+  if (refused) return {};
+  return Iteration(this, std::max(1, asked), progress).Run();
 }
 
 }  // namespace aem::detail

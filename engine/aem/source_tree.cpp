@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "aem/equations.h"
+#include "aem/vectors.h"
 
 namespace aem::detail {
 
@@ -266,6 +267,13 @@ double Taken(const Control& c, const std::array<Series, 2>& local, int parts, co
   return 0.0;
 }
 
+/// sum += block * values.
+AEM_VECTOR_COPIES void AddColumns(const double* block, int rows, int columns, const double* values,
+                                  double* sum) {
+  for (int j = 0; j < columns; ++j, block += rows)
+    for (int r = 0; r < rows; ++r) sum[r] += block[r] * values[j];
+}
+
 }  // namespace
 
 void SourceTree::AtControls(int index, const std::array<Series, 2>& local,
@@ -274,13 +282,12 @@ void SourceTree::AtControls(int index, const std::array<Series, 2>& local,
   const int first = FirstControl(node), rows = LastControl(node) - first;
   thread_local std::vector<double> sum;
   sum.assign(rows, 0.0);
-  const double* column = near_[index].data();
-  for (int other : node.near)
-    for (int j = FirstStrength(nodes_[other]); j < LastStrength(nodes_[other]); ++j, column += rows) {
-      const double value = strength[j];
-      if (value != 0.0)
-        for (int r = 0; r < rows; ++r) sum[r] += column[r] * value;
-    }
+  const double* block = near_[index].data();
+  for (int other : node.near) {
+    const int from = FirstStrength(nodes_[other]), columns = LastStrength(nodes_[other]) - from;
+    AddColumns(block, rows, columns, strength.data() + from, sum.data());
+    block += std::size_t(rows) * columns;
+  }
   for (int r = 0; r < rows; ++r) {
     const int q = control_order_[first + r];
     (*field)[q] = sum[r] + Taken(s_.controls[q], local, parts_, node.disc);

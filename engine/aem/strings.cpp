@@ -12,10 +12,9 @@ namespace aem::detail {
 
 namespace {
 
-/// Coefficients of a head piece, of one with a free end, and control points, by coarseness.
-constexpr int kSinkSize[] = {4, 3, 2, 1};
-constexpr int kTipSize[] = {5, 4, 3, 1};
-constexpr int kSinkPoints[] = {8, 6, 5, 4};
+const Order& OrderOf(const System& s, int string, int segment) {
+  return kOrders[s.orders.of_segment[string][segment]];
+}
 
 /// Directions in which head segments without resistance leave each vertex.
 class Joints {
@@ -51,7 +50,7 @@ class Joints {
 void AddControls(System& s, int piece, const LineSinkString& string, const Stage& stage) {
   const Piece& p = s.pieces[piece];
   const PieceOwner& owner = s.owners[piece];
-  const GaussRule rule = Gauss(kSinkPoints[s.coarseness]);
+  const GaussRule rule = Gauss(OrderOf(s, owner.string, owner.segment).points);
   for (int q = 0; q < rule.size; ++q) {
     Control c;
     c.parameter = p.tip ? 0.5 * (1.0 + rule.x[q]) : rule.x[q];
@@ -74,7 +73,7 @@ void AddHeadSegment(System& s, int k, int i, const Stage& stage) {
     Piece piece;
     piece.kind = PieceKind::kSink;
     piece.tip = part.tip_at_start || part.tip_at_end;
-    piece.size = piece.tip ? kTipSize[s.coarseness] : kSinkSize[s.coarseness];
+    piece.size = piece.tip ? OrderOf(s, k, i).tip_size : OrderOf(s, k, i).sink_size;
     PieceOwner owner{k, i, part.start, part.end, -1};
     if (part.tip_at_start) std::swap(owner.start, owner.end);
     piece.from = segment.from + owner.start * (segment.to - segment.from);
@@ -242,10 +241,11 @@ void PlanStrings(System& s) {
       const bool by_head = string.kind != LineSinkKind::kDischarge;
       if (by_head && !Resists(string)) {
         const Complex along = segment.to - segment.from;
-        parts = Divide(joints.Shape(segment.from, along), joints.Shape(segment.to, -along), s.coarseness);
+        parts = Divide(joints.Shape(segment.from, along), joints.Shape(segment.to, -along),
+                       OrderOf(s, int(k), int(i)).divisions);
       }
       parts = CutAt(parts, s.segment_cuts[k][i]);
-      if (by_head && s.coarseness < 3) parts = NearWells(s, segment.from, segment.to, parts);
+      if (by_head) parts = NearWells(s, segment.from, segment.to, parts);
       s.segment_parts[k][i] = std::move(parts);
     }
   }

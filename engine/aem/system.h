@@ -18,6 +18,7 @@ namespace aem::detail {
 
 class AreaField;
 class FarField;
+struct Linearised;
 
 /// Coefficients that an unknown gives to a piece: c_n += coefficient[n] * x[unknown].
 struct Term {
@@ -76,6 +77,13 @@ struct Control {
   Zone right;         ///< for an edge that on the right
 };
 
+/// Index in kOrders of every line, so that each gets the order that its errors ask for.
+struct Orders {
+  int start = kFullOrder;
+  std::vector<std::vector<unsigned char>> of_segment;  ///< [string][segment]
+  std::vector<unsigned char> of_edge;  ///< index in System::edges; empty before these are known
+};
+
 /// A closed wall whose one side is left out of the computation.
 struct IgnoredRegion {
   int wall = -1;
@@ -88,6 +96,7 @@ struct System {
   Model model;
   Options options;
   std::vector<Finding> findings;
+  std::size_t validated = 0;  ///< findings of the validation; those of building follow
   bool refused = false;
   double time = 0.0;
 
@@ -131,9 +140,7 @@ struct System {
   SegmentIndex segment_index;
   std::vector<std::vector<std::vector<int>>> segment_pieces;  ///< [string][segment] in order
 
-  /// 0: full order and divisions towards corners; each step above coarser, so that a large model can be
-  /// solved.
-  int coarseness = 0;
+  Orders orders;
 
   // unknowns; x[0] is the constant
   std::vector<double> x;
@@ -148,6 +155,7 @@ struct System {
 
   // build.cpp
   void Build();
+  void Rebuild();  ///< with the present orders; unknowns are 0 then
   void BuildOnce();
   void Clear();
   int NewUnknown() {
@@ -180,6 +188,20 @@ struct System {
   PointState State(Complex at, Complex toward = {}) const;
   /// The edge through the point, -1 if none.
   int EdgeAt(Complex at) const;
+
+  // adapt.cpp
+  /// Orders to begin with, by the size of the model.
+  void StartOrders();
+  bool CanRaiseOrders() const { return orders.start < kFullOrder; }
+  /// Raises the orders of lines whose conditions fail at the control points, by what was solved there; false:
+  /// none does, or the memory meant for it is used.
+  bool RaiseOrders(const std::vector<Linearised>& linear, const std::vector<double>& field,
+                   const std::vector<double>& strength);
+
+  /// Orders of all lines in the order of the model; loading them needs Rebuild.  False: they fit another
+  /// model.
+  std::vector<unsigned char> SaveOrders() const;
+  bool LoadOrders(const std::vector<unsigned char>& all);
 
   // solve.cpp
   IterationReport Iterate(int asked, const ProgressCallback& progress);

@@ -1,5 +1,5 @@
-// The model's extent, for tolerances, and its rings without repeated vertices.  Validate itself is declared in
-// solution.h.
+// The model's extent, for tolerances, and its rings without repeated vertices.  Validate itself is declared
+// in solution.h.
 #pragma once
 
 #include <vector>

@@ -20,7 +20,7 @@
 
 namespace vadox1 {
 
-inline constexpr unsigned kSolutionVersion = 1;
+inline constexpr unsigned kSolutionVersion = 2;
 
 struct SavedSolution {
   MapOrigin origin;
