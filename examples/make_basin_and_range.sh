@@ -25,7 +25,7 @@ add() {
 "$ormelcmd" set "$project" \
   Model.AQBase=3950 Model.AQThickness=395 Model.AQHydCond=8 Model.AQPorosity=0.18 \
   Model.CONTOURShow=1 Model.CONTOURMinimum=4300 Model.CONTOURMaximum=4400 Model.CONTOURInterval=2.5 \
-  Model.CONTOURLevel=100 Model.TRACECompute=1 Model.TRACEMaxTime=10950 Model.SOLVERIterations=15 \
+  Model.CONTOURLevel=200 Model.TRACECompute=1 Model.TRACEMaxTime=10950 Model.SOLVERIterations=15 \
   Model.ViewMessageLog=0 Model.EDITGRIDShow=0
 
 # No regional flow: only the head at which the basin's iteration starts.
