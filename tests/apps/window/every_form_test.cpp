@@ -1,9 +1,13 @@
 // Each form model of the program through the one renderer: what is shown is what the form holds, what is
 // typed reaches it, and Escape leaves it.
 #include <QAbstractButton>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTabWidget>
 #include <memory>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -135,6 +139,40 @@ TEST_F(EveryFormTest, TypingAndTickingReachTheModelAndEscapeLeavesIt) {
   }
   EXPECT_GT(typed, 40);
   EXPECT_GT(ticked, 15);
+}
+
+TEST_F(EveryFormTest, TabGoesDownThePageAndMissesNothing) {
+  Start(town);
+  for (const std::unique_ptr<Form>& form : AllForms(program->ormel)) {
+    SCOPED_TRACE(std::string(form->Name()));
+    FormDialog dialog(*form, &program->window);
+    form->MarkShown();
+    dialog.show();
+    dialog.activateWindow();
+    QApplication::processEvents();
+    std::set<QWidget*> wanted, visited;
+    for (auto* widget : dialog.findChildren<QWidget*>()) {
+      const bool kind =
+          qobject_cast<QLineEdit*>(widget) != nullptr || qobject_cast<QCheckBox*>(widget) != nullptr ||
+          qobject_cast<QComboBox*>(widget) != nullptr || qobject_cast<QPushButton*>(widget) != nullptr;
+      if (kind && widget->isVisible() && widget->isEnabled()) wanted.insert(widget);
+    }
+    int last = -1;
+    for (std::size_t step = 0; step < 2 * wanted.size() + 20; ++step) {
+      QWidget* at = dialog.focusWidget();
+      ASSERT_NE(at, nullptr);
+      visited.insert(at);
+      if (wanted.count(at) != 0 && qobject_cast<QPushButton*>(at) == nullptr && step < wanted.size()) {
+        const int y = at->mapTo(&dialog, QPoint(0, at->height())).y();
+        EXPECT_GE(y + 12, last) << at->objectName().toStdString() << " is above the one before";
+        last = y;
+      }
+      QTest::keyClick(at, Qt::Key_Tab);
+    }
+    for (QWidget* widget : wanted)
+      EXPECT_TRUE(visited.count(widget) != 0) << widget->objectName().toStdString() << " is not reached";
+    dialog.reject();
+  }
 }
 
 }  // namespace
