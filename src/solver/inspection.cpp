@@ -148,7 +148,7 @@ std::string LabelOf(Ormel& ormel, std::string_view solver_label) {
   for (const Kind& kind : kKinds) {
     if (!solver_label.starts_with(kind.prefix)) continue;
     const double id = Val(solver_label.substr(kind.prefix.size(), 6));
-    const std::string label = ormel.db().Scalar(kind.sql, {static_cast<std::int64_t>(id)}).AsText();
+    std::string label = ormel.db().Scalar(kind.sql, {static_cast<std::int64_t>(id)}).AsText();
     if (!label.empty()) return label;
   }
   return std::string(solver_label);

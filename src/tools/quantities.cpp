@@ -5,8 +5,8 @@
 namespace ormel {
 
 std::string UnitOf(const Ormel& ormel, Quantity quantity) {
-  const std::string map = ormel.project.BasemapMeters ? "m" : "ft";
-  const std::string length = ormel.project.ComputeMeters ? "m" : "ft";
+  std::string map = ormel.project.BasemapMeters ? "m" : "ft";
+  std::string length = ormel.project.ComputeMeters ? "m" : "ft";
   switch (quantity) {
     case Quantity::kNone:
       return {};
