@@ -49,6 +49,23 @@ void MeetWell(Event& first, const TraceWell& well, Complex from, Complex to) {
   first.well = &well;
 }
 
+/// The rim of a disk, where recharge changes, on the way in or out.
+void MeetRim(Event& first, const TraceWell& disk, Complex from, Complex to) {
+  const Complex step = to - from, off = from - disk.at;
+  const double a = std::norm(step), half_b = Dot(off, step);
+  const double outside = std::norm(off) - disk.radius * disk.radius;
+  const double under = half_b * half_b - a * outside;
+  if (a == 0.0 || under < 0.0) return;
+  // Roots of |off + f step| = radius; from outside the nearer, from inside the farther.
+  const double root = std::sqrt(under);
+  const double fraction = outside > 0.0 ? (-half_b - root) / a : (-half_b + root) / a;
+  // One that has just been crossed, or is begun on, is behind.
+  if (!(fraction * std::sqrt(a) > 1e-12 * disk.radius) || fraction > 1.0) return;
+  if (first.kind != EventKind::kNone && fraction >= first.fraction) return;
+  Keep(first, EventKind::kRim, fraction);
+  first.well = &disk;
+}
+
 }  // namespace
 
 bool Outside(const Window& window, Complex at) {
@@ -56,7 +73,7 @@ bool Outside(const Window& window, Complex at) {
                         at.imag() > window.top);
 }
 
-Event FirstEvent(const TraceField& field, const TraceOptions& options, double direction, const Place& from,
+Event FirstEvent(const TraceField& field, const TraceOptions& options, const Ahead& ahead, const Place& from,
                  const Place& to) {
   Event first;
   if (const Window& window = options.window; window.set) {
@@ -67,11 +84,12 @@ Event FirstEvent(const TraceField& field, const TraceOptions& options, double di
   }
   for (const EndlessLine& line : options.boundaries) MeetBoundary(first, line, from.at, to.at);
   field.Wells().ForEachNear(from.at, to.at, [&](const TraceWell& well) {
-    if (well.discharge * direction > 0.0) MeetWell(first, well, from.at, to.at);
+    if (well.discharge * ahead.direction > 0.0) MeetWell(first, well, from.at, to.at);
   });
-  if (to.s > 1.0 && to.s > from.s) {
+  if (ahead.top_open && to.s > 1.0 && to.s > from.s) {
     Keep(first, EventKind::kWaterTable, (1.0 - from.s) / (to.s - from.s));
   }
+  for (const TraceWell& disk : field.Disks()) MeetRim(first, disk, from.at, to.at);
   const Crossing crossing = field.FirstCrossing(from.at, to.at);
   if (crossing.type != CrossingType::kNone &&
       (first.kind == EventKind::kNone || crossing.fraction < first.fraction)) {

@@ -6,17 +6,25 @@
 
 namespace aem::detail {
 
-enum class EventKind { kNone, kWindow, kBoundary, kWell, kWaterTable, kCrossing };
+enum class EventKind { kNone, kWindow, kBoundary, kWell, kWaterTable, kCrossing, kRim };
 
 struct Event {
   EventKind kind = EventKind::kNone;
-  double fraction = 1.0;  ///< of the piece, 0 to 1
-  Crossing crossing;      ///< kCrossing: a line-sink, a domain's edge or a wall
-  const TraceWell* well = nullptr;
+  double fraction = 1.0;            ///< of the piece, 0 to 1
+  Crossing crossing;                ///< kCrossing: a line-sink, a domain's edge or a wall
+  const TraceWell* well = nullptr;  ///< kWell; kRim: the disk
+};
+
+/// What a piece of a path may meet.
+struct Ahead {
+  double direction = 1.0;  ///< +1 forward, -1 backward
+  /// Whether water passes the top here, out of the aquifer in this direction.  Where none does, a relative
+  /// height above 1 is an error of the numbers.
+  bool top_open = false;
 };
 
 /// Wells count when they end a path in this direction: those that take water forward, that give it backward.
-Event FirstEvent(const TraceField& field, const TraceOptions& options, double direction, const Place& from,
+Event FirstEvent(const TraceField& field, const TraceOptions& options, const Ahead& ahead, const Place& from,
                  const Place& to);
 
 bool Outside(const Window& window, Complex at);

@@ -82,12 +82,12 @@ void PathTracer::ComeToTime(const Trial& trial, double way) {
 }
 
 Event PathTracer::EventOf(const Trial& trial) const {
-  Event event = FirstEvent(field_, options_, mover_.direction(), place_, trial.middle);
+  Event event = Meets(place_, trial.middle);
   if (event.kind != EventKind::kNone) {
     event.fraction *= 0.5;
     return event;
   }
-  event = FirstEvent(field_, options_, mover_.direction(), trial.middle, trial.end);
+  event = Meets(trial.middle, trial.end);
   if (event.kind != EventKind::kNone) event.fraction = 0.5 + 0.5 * event.fraction;
   return event;
 }
@@ -119,8 +119,7 @@ void PathTracer::Meet(const Event& event, double way) {
     next_ = 0.9 * way;
     return;
   }
-  const Event there =
-      FirstEvent(field_, options_, mover_.direction(), place_, middle.Move(place_, 1.5 * way));
+  const Event there = Meets(place_, middle.Move(place_, 1.5 * way));
   if (there.kind != EventKind::kNone) return Arrive(there, middle, 1.5 * way * there.fraction);
   // The path turns away just before: the midpoint step itself is good.
   const Place end = middle.Move(place_, way);
@@ -158,6 +157,8 @@ void PathTracer::Arrive(const Event& event, const Motion& motion, double way) {
       return EndAtTop();
     case EventKind::kCrossing:
       return CrossLine(event.crossing, motion);
+    case EventKind::kRim:
+      return CrossRim(*event.well);
     case EventKind::kNone:
       return;
   }

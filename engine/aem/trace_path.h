@@ -72,15 +72,19 @@ class PathTracer {
   void ComeToTime(const Trial& trial, double way);
   void FieldEnds(const Trial& trial, double way);
   Event EventOf(const Trial& trial) const;
-  Event EventOnTangent(double way) const {
-    return FirstEvent(field_, options_, mover_.direction(), place_, motion_.Move(place_, way));
+  Event Meets(const Place& from, const Place& to) const {
+    const double direction = mover_.direction();
+    return FirstEvent(field_, options_, {direction, direction * motion_.state.net_recharge > 0.0}, from, to);
   }
+  Event EventOnTangent(double way) const { return Meets(place_, motion_.Move(place_, way)); }
   void Meet(const Event& event, double way);
   void Arrive(const Event& event, const Motion& motion, double way);
+  void CrossRim(const TraceWell& disk);
   void CrossLine(const Crossing& crossing, const Motion& motion);
   bool TakenBy(const Crossing& crossing, const Motion& near_side, Complex normal);
   const std::string& LineSinkLabel(const Crossing& crossing) const;
   bool CrossedInVain(const Crossing& crossing);
+  Motion MeanAlong(Complex tangent, double way) const;
   void Slide(const Segment& line, Complex normal);
 
   double Remaining() const { return options_.longest_time - place_.time; }

@@ -105,6 +105,29 @@ TEST(Recharge, OneDimensionalFlowAndItsPaths) {
   }
 }
 
+// Nothing passes the top but recharge: what lies at the water table near a partially penetrating well goes
+// down to its screen.
+TEST(PartialWells, DrawFromTheWaterTableWithoutPathsThroughIt) {
+  aem::Model m = Base();
+  m.aquifer.uniform_flow = {0.1, 0.05};
+  m.aquifer.reference_point = {0.0, 3000.0};
+  m.partial_wells.push_back({{"P", 1}, {0, 0}, 12.0, 6.0, 0.2, false, 400.0});
+  aem::Solution s(m);
+  s.Iterate(2);
+  const aem::SolutionField field(s);
+  int taken = 0;
+  for (int i = 0; i < 40; ++i) {
+    const aem::PathStart start{std::polar(3.0 + 9.0 * i, 0.9 * i), 99.0, true};
+    for (double step : {10.0, 3.0}) {
+      const aem::Path path = aem::TracePath(field, start, Tracing(1e6, step));
+      EXPECT_TRUE(path.end == aem::PathEnd::kWell || path.end == aem::PathEnd::kWindow)
+          << start.at << aem::PathEndName(path.end);
+      taken += path.end == aem::PathEnd::kWell ? 1 : 0;
+    }
+  }
+  EXPECT_GT(taken, 20);
+}
+
 /// A river, a domain, a wall, recharge, a pond and wells of both signs.
 aem::Model Town() {
   aem::Model m = Base(10.0, 20.0, 30.0);

@@ -12,7 +12,7 @@ namespace aem {
 namespace {
 
 /// A field given by a formula, with lines that are met and wells that are known.
-class FormulaField final : public TraceField {
+class FormulaField : public TraceField {
  public:
   std::function<Complex(Complex)> discharge = [](Complex) { return Complex(); };
   std::function<PointStatus(Complex)> status = [](Complex) { return PointStatus::kOk; };
@@ -205,6 +205,28 @@ TEST(Trace, under_a_pond_that_takes_water_the_path_ends_in_the_pond) {
   EXPECT_EQ(path.end, PathEnd::kSurfaceWater);
   EXPECT_EQ(path.label, "WL_000009");
   EXPECT_NEAR(path.points.back().time, std::log(2.0) / rate, 1e-2);
+}
+
+/// Under a pond in uniform flow the relative height grows along the chord only: steps end at its rim.
+TEST(Trace, steps_end_at_the_rim_of_a_pond) {
+  constexpr double kRate = 2e-3, kRadius = 40.0, kOff = 24.0, kChord = 2.0 * 32.0;
+  struct Pond final : FormulaField {
+    PointState At(Complex point) const override {
+      PointState state = FormulaField::At(point);
+      state.net_recharge = std::abs(point) < kRadius ? kRate : 0.0;
+      return state;
+    }
+  } field;
+  field.discharge = [](Complex) { return Complex(1.0, 0.0); };
+  field.disks = {{{0.0, 0.0}, kRadius, 10.0, "WL_000009"}};
+  const double growth = std::exp(kRate * kChord);  // over the time chord b n / Q, at the rate N / (b n)
+  for (const double step : {300.0, 31.0, 7.0}) {
+    TraceOptions options = Options(1e5, step);
+    options.boundaries = {{{100.0, 0.0}, {100.0, 1.0}}};
+    const Path path = TracePath(field, {{-100.0, kOff}, field.base + 0.3 * field.thickness, true}, options);
+    EXPECT_EQ(path.end, PathEnd::kBoundary);
+    EXPECT_NEAR(path.points.back().elevation, field.base + 0.3 * growth * field.thickness, 2e-6) << step;
+  }
 }
 
 TEST(Trace, a_line_sink_takes_the_upper_part_and_the_rest_passes_beneath) {
