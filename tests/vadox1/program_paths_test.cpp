@@ -206,7 +206,9 @@ TEST(ProgramPaths, paths_go_round_an_impermeable_wall) {
     for (const std::vector<double>& b : path.points) {
       if (std::fabs(b[0]) < 1e-6) continue;
       const double y = a[1] + (b[1] - a[1]) * a[0] / (a[0] - b[0]);
-      if ((a[0] > 0.0) != (b[0] > 0.0)) EXPECT_GT(std::fabs(y), 299.0) << path.start;
+      if ((a[0] > 0.0) != (b[0] > 0.0)) {
+        EXPECT_GT(std::fabs(y), 299.0) << path.start;
+      }
       a = b;
     }
   }
