@@ -268,8 +268,8 @@ void MapViewImpl::ClearMouseMode() {
 
 namespace {
 
-constexpr std::array kMenus{"FILEMENU",  "EDITMENU",   "VIEWMENU", "ELEMMENU", "MODELMENU",
-                            "TOOLSMENU", "WINDOWMENU", "HELPMENU", "Toolbar1"};
+constexpr std::array kMenus{"FILEMENU",  "HSEMENU",   "EDITMENU",   "VIEWMENU", "ELEMMENU",
+                            "MODELMENU", "TOOLSMENU", "WINDOWMENU", "HELPMENU", "Toolbar1"};
 
 /// A button of the toolbar and what enables it.
 struct ToolButton {

@@ -16,8 +16,9 @@ namespace {
 constexpr double kNeighbourhood = 16384.0;
 /// A device gets at most this many points in one line.
 constexpr std::size_t kLinePoints = 5000;
-/// Lines of the editor grid closer than this would only paint the map grey [pixels].
-constexpr double kClosestGrid = 2.0;
+/// Lines of the editor grid closer than this would only paint the map grey: then every tenth is drawn, every
+/// hundredth and so on, at least so far apart [pixels].
+constexpr double kClosestGrid = 2.0, kCoarseGrid = 8.0;
 /// Points of a line closer than this in both directions are one [pixels].
 constexpr int kShortestStep = 2;
 constexpr Color kGridColor = QBColor(7);
@@ -121,20 +122,22 @@ void VgGdi::DrawGrid(const MapRect& window) {
     Inform(ormel_, "Illegal Value", "Internal Error in vgGDIInitObject -- illegal grid spacing!");
     return;
   }
-  if (grid_spacing_ / vgGDIPixelSize() < kClosestGrid) return;
+  double spacing = grid_spacing_;
+  if (spacing / vgGDIPixelSize() < kClosestGrid)
+    while (spacing / vgGDIPixelSize() < kCoarseGrid) spacing *= 10.0;
   BeginLayer("Editor Grid");
-  DrawGridLines(window.x1, window.x2, true, window);
-  DrawGridLines(window.y2, window.y1, false, window);
+  DrawGridLines(window.x1, window.x2, true, window, spacing);
+  DrawGridLines(window.y2, window.y1, false, window, spacing);
 }
 
-void VgGdi::DrawGridLines(double from, double to, bool vertical, const MapRect& window) {
+void VgGdi::DrawGridLines(double from, double to, bool vertical, const MapRect& window, double spacing) {
   const auto draw = [&](double at, PenStyle style) {
     const MapPoint a = vertical ? MapPoint{at, window.y2} : MapPoint{window.x1, at};
     const MapPoint b = vertical ? MapPoint{at, window.y1} : MapPoint{window.x2, at};
     vgGDILine(a, b, style, 1.0, kGridColor);
   };
-  const double first = std::ceil(from / grid_spacing_), last = std::floor(to / grid_spacing_);
-  for (double k = first; k <= last; k += 1.0) draw(k * grid_spacing_, PenStyle::kDot);
+  const double first = std::ceil(from / spacing), last = std::floor(to / spacing);
+  for (double k = first; k <= last; k += 1.0) draw(k * spacing, PenStyle::kDot);
   if (from < 0.0 && to > 0.0) draw(0.0, PenStyle::kSolid);
 }
 

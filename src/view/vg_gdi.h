@@ -130,7 +130,7 @@ class VgGdi {
   /// Fills `spots_`; false when nothing of the shape, drawn with this pen, can be seen.
   bool LocateAll(std::span<const MapPoint> points, double pen_width);
   void DrawGrid(const MapRect& window);
-  void DrawGridLines(double from, double to, bool vertical, const MapRect& window);
+  void DrawGridLines(double from, double to, bool vertical, const MapRect& window, double spacing);
   void Emit(std::vector<DevicePoint>& line, const Pen& pen);
   void Overflow();
 
