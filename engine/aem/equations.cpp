@@ -77,6 +77,12 @@ double EffectiveWidth(const LineSinkString& string, double transmissivity) {
   return w;
 }
 
+double LoopScale(const std::vector<std::pair<int, double>>& loop) {
+  double sum = 0.0;
+  for (const auto& [i, w] : loop) sum += std::abs(w);
+  return sum * sum;
+}
+
 double ScreenFactor(const PartialWell& well, const Zone& zone, double potential) {
   return PartialCorrection(well, zone, std::max(zone.Thickness(potential), 1e-3 * zone.full_thickness))
       .OnScreen();

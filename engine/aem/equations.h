@@ -41,6 +41,9 @@ double PointInfluence(const Control& control, const DiskSource& disk);
 /// The same field from what is given: everything but pieces with unknowns.  Pre: other unknowns are 0.
 double GivenField(const System& system, const Control& control);
 
+/// Sum of absolute weights of a loop, squared: the scale of its condition.
+double LoopScale(const std::vector<std::pair<int, double>>& loop);
+
 /// Width of a bed in force at a point (contract of the deck's location code): w, 2 L tanh(w/2L) along the
 /// centreline or L tanh(w/L) along the water's edge, L = sqrt(T c).
 double EffectiveWidth(const LineSinkString& string, double transmissivity);

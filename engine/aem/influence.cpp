@@ -57,10 +57,4 @@ void Influences::Values(const std::vector<double>& x, std::vector<double>* field
   }
 }
 
-double Influences::LoopScale(const std::vector<std::pair<int, double>>& loop) {
-  double sum = 0.0;
-  for (const auto& [i, w] : loop) sum += std::abs(w);
-  return sum * sum;
-}
-
 }  // namespace aem::detail

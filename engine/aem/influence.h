@@ -29,6 +29,8 @@ class Influences {
   /// `tolerance` is for the residual of an iterative solution.
   virtual double Solve(const std::vector<Linearised>& linear, double tolerance, const GoOn& go_on,
                        std::vector<double>* x) = 0;
+  /// Steps of the last solution; 0: by factorisation.
+  virtual int Steps() const { return 0; }
 
  protected:
   explicit Influences(const System& system) : s_(system) {}
@@ -36,8 +38,6 @@ class Influences {
   virtual void Field(const std::vector<double>& x, std::vector<double>* field) const = 0;
   /// Given field and local rows, threaded; false: cancelled.
   bool AssembleGiven(const GoOn& go_on);
-  /// Sum of absolute weights of a loop, squared: the scale of its condition.
-  static double LoopScale(const std::vector<std::pair<int, double>>& loop);
 
   const System& s_;
   std::vector<double> given_;

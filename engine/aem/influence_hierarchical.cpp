@@ -11,6 +11,17 @@ namespace aem::detail {
 
 namespace {
 
+/// Whether factors of the equations differ by so much that another preconditioner pays.
+bool HaveChanged(const std::vector<Linearised>& before, const std::vector<Linearised>& now) {
+  constexpr double kPays = 0.05;
+  const auto apart = [](double a, double b) {
+    return std::abs(a - b) > kPays * std::max(std::abs(a), std::abs(b));
+  };
+  for (std::size_t q = 0; q < now.size(); ++q)
+    if (apart(before[q].a, now[q].a) || apart(before[q].b, now[q].b)) return true;
+  return false;
+}
+
 class Hierarchical final : public Influences {
  public:
   explicit Hierarchical(const System& s) : Influences(s), tree_(s) {}
@@ -28,9 +39,12 @@ class Hierarchical final : public Influences {
   double Solve(const std::vector<Linearised>& linear, double tolerance, const GoOn& go_on,
                std::vector<double>* x) override {
     linear_ = &linear;
-    if (!preconditioner_)
+    if (!preconditioner_ || HaveChanged(prepared_, linear)) {
+      preconditioner_.reset();
       preconditioner_ =
           std::make_unique<Preconditioner>(EquationParts{s_, tree_, local_, linear, reference_row_});
+      prepared_ = linear;
+    }
     const std::vector<double>& scale = preconditioner_->RowScale();
     std::vector<double> right(s_.x.size(), 0.0), moment(linear.size());
     for (std::size_t q = 0; q < linear.size(); ++q) moment[q] = linear[q].r - linear[q].a * given_[q];
@@ -49,12 +63,15 @@ class Hierarchical final : public Influences {
     };
     std::vector<double> next = *x;
     const double residual = gmres.Solve(right, &next);
+    steps_ = gmres.steps;
     if (cancelled) return kCancelled;
     if (!(residual < std::max(1e-6, 2.0 * tolerance)))
       return std::isfinite(residual) ? std::max(residual, 1e-6) : 2.0;
     *x = std::move(next);
     return residual;
   }
+
+  int Steps() const override { return steps_; }
 
  private:
   struct Entry {
@@ -140,12 +157,14 @@ class Hierarchical final : public Influences {
   }
 
   SourceTree tree_;
+  int steps_ = 0;
   std::size_t reference_ = 0;
   std::vector<double> reference_row_;
   std::vector<std::size_t> test_start_;
   std::vector<Entry> tests_;
   const std::vector<Linearised>* linear_ = nullptr;
   std::unique_ptr<Preconditioner> preconditioner_;
+  std::vector<Linearised> prepared_;  ///< what the preconditioner was made of
 };
 
 }  // namespace

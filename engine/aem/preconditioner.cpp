@@ -199,6 +199,11 @@ std::vector<double> Preconditioner::BlockMatrix(const EquationParts& p, const Bl
         for (std::size_t j = 0; j < n; ++j) out[j] += weight * row[j];
       }
     }
+  for (const auto& loop : s.loops)
+    for (const auto& [i, wi] : loop)
+      for (const auto& [j, wj] : loop)
+        if (place[i] >= 0 && place[j] >= 0)
+          matrix[std::size_t(place[i]) * n + place[j]] += wi * wj / LoopScale(loop);
   for (int unknown : block.unknowns) place[unknown] = -1;
   return matrix;
 }

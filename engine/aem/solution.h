@@ -49,6 +49,7 @@ struct IterationReport {
   bool cancelled = false;
   double change = 0.0;            ///< largest change of head in the last iteration [L]
   double residual = 0.0;          ///< of the linear system, relative to its right side
+  int linear_steps = 0;           ///< of all linear solutions of this call; 0: by factorisation
   std::vector<Finding> findings;  ///< of this call, e.g. that it did not converge; also in Findings()
 };
 
@@ -56,6 +57,7 @@ struct Options {
   int threads = 0;            ///< 0: as many as the machine has
   int extra_iterations = 60;  ///< allowed beyond the asked ones while conditions that depend on head change
   double accuracy = 1e-4;  ///< error of heads along lines that orders are chosen for, by the range of heads
+  std::size_t factorise = 600;    ///< unknowns up to which a linear system is factorised and not iterated
   bool direct_summation = false;  ///< no hierarchical scheme: every element summed one by one
 };
 

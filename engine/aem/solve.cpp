@@ -71,8 +71,6 @@ bool Settled(const std::vector<double>& before, const std::vector<double>& after
 
 namespace {
 
-/// Unknowns up to which factorisation is faster than the hierarchy.
-constexpr std::size_t kDense = 1500;
 /// Unknowns up to which the equations can be held whole: at 12,000 with 24,000 control points some 4 GiB.
 constexpr double kDenseBytes = 5.0e9;
 
@@ -83,12 +81,13 @@ bool FitsDense(const System& s) {
 /// One linear solve; where the hierarchical one does not converge, the equations are held whole if they fit.
 class LinearSolver {
  public:
-  explicit LinearSolver(const System& s) : s_(s), hierarchical_(s.x.size() > kDense) { Make(); }
+  explicit LinearSolver(const System& s) : s_(s), hierarchical_(s.x.size() > s.options.factorise) { Make(); }
 
   bool Assemble(const GoOn& go_on) { return influences_->Assemble(go_on); }
   void Values(const std::vector<double>& x, std::vector<double>* field, std::vector<double>* strength) const {
     influences_->Values(x, field, strength);
   }
+  int Steps() const { return influences_->Steps(); }
   double Solve(const std::vector<Linearised>& linear, double tolerance, const GoOn& go_on,
                std::vector<double>* x) {
     const double residual = influences_->Solve(linear, tolerance, go_on, x);
@@ -115,7 +114,7 @@ namespace {
 
 /// One call of Iterate: steps of linearising and solving, and rounds of raising orders before the first.
 class Iteration {
-  static constexpr double kRough = 1e-7, kFine = 1e-9;
+  static constexpr double kRough = 1e-7, kFine = 1e-10;
 
  public:
   Iteration(System* system, int asked, const ProgressCallback& progress)
@@ -128,7 +127,7 @@ class Iteration {
     tolerance_ = raising ? kRough : kFine;
     bool good = Begin() && Step();
     for (int round = 1; good && raising; ++round) {
-      if (round <= kRounds && Raise()) {
+      if (round <= kRounds && !nothing_new_ && Raise()) {
         good = Begin() && Step();
         continue;
       }
@@ -179,6 +178,7 @@ class Iteration {
     std::vector<double> next = s_.x, values, strengths;
     report_.residual = solver_->Solve(
         linear_, tolerance_, [&](double part) { return Report(0.5 + 0.5 * part, "solving"); }, &next);
+    report_.linear_steps += solver_->Steps();
     if (report_.residual == kCancelled) return false;
     if (!(report_.residual < std::max(1e-6, 2.0 * tolerance_))) {
       Tell(Severity::kFatal,
@@ -211,7 +211,10 @@ class Iteration {
   bool Raise() {
     if (!s_.RaiseOrders(linear_, values_, strengths_)) return false;
     solver_.reset();
+    std::vector<double> before = s_.x;
     s_.Rebuild();
+    nothing_new_ = s_.x.size() == before.size();  // what was raised has no corner that it divides for
+    if (nothing_new_) s_.x = std::move(before);
     s_.iterations_done = report_.iterations = 0;
     report_.converged = false;
     return !s_.refused;
@@ -228,6 +231,7 @@ class Iteration {
   const ProgressCallback& progress_;
   IterationReport report_;
   bool depends_ = false;
+  bool nothing_new_ = false;  ///< raising orders has come to its end
   double tolerance_ = kFine;  ///< of iterative linear solutions
   std::unique_ptr<LinearSolver> solver_;
   std::vector<Linearised> linear_;
