@@ -119,14 +119,15 @@ void SegmentIndex::FindAlong(Complex a, Complex b, std::vector<int>* found) cons
   own.Add(b);
   if (!all.Overlaps(own)) return;
   // Segments fill their cells and those around, marched in steps of a cell: so do single cells on this line.
-  const double steps = std::max(1.0, std::ceil(std::abs(b - a) / cell_));
-  if (!(steps < double(count_) + 16.0)) {
+  const double cells = std::ceil(std::abs(b - a) / cell_);
+  if (!(cells < double(count_) + 16.0)) {
     for (std::size_t k = 0; k < count_; ++k) found->push_back(int(k));
     return;
   }
+  const int steps = std::max(1, int(cells));
   std::int64_t last_i = INT64_MIN, last_j = INT64_MIN;
-  for (double m = 0.0; m <= steps; ++m) {
-    const Complex p = a + (b - a) * (m / steps);
+  for (int m = 0; m <= steps; ++m) {
+    const Complex p = a + (b - a) * (double(m) / steps);
     if (!all.Has(p)) continue;
     const std::int64_t i = Column(p.real()), j = Row(p.imag());
     if (i == last_i && j == last_j) continue;

@@ -90,9 +90,11 @@ void WellIndex::ForEachNear(Complex a, Complex b, Visit visit) const {
     for (const TraceWell& well : wells_) visit(well);
     return;
   }
-  for (double y = bottom; y < top + size_; y += size_) {
-    for (double x = left; x < right + size_; x += size_) {
-      const auto found = cells_.find(CellAt(x, y));
+  const auto columns = static_cast<int>((right - left) / size_) + 1;
+  const auto rows = static_cast<int>((top - bottom) / size_) + 1;
+  for (int j = 0; j <= rows; ++j) {
+    for (int i = 0; i <= columns; ++i) {
+      const auto found = cells_.find(CellAt(left + i * size_, bottom + j * size_));
       if (found == cells_.end()) continue;
       for (const int index : found->second) visit(wells_[static_cast<std::size_t>(index)]);
     }
