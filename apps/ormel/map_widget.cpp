@@ -49,8 +49,10 @@ int ShiftOf(Qt::KeyboardModifiers modifiers) {
 
 /// The next picture while the view draws it; the old one is shown until it is done.
 struct MapWidget::PictureInWork {
-  PictureInWork(QSize size, double ratio, int dpi)
-      : image(size, QImage::Format_RGB32),
+  /// `spare` is painted over when it has the size and nobody else looks at it.
+  PictureInWork(QImage spare, QSize size, double ratio, int dpi)
+      : image(spare.size() == size && spare.isDetached() ? std::move(spare)
+                                                         : QImage(size, QImage::Format_RGB32)),
         painter(&image),
         device(painter, size, dpi, dpi),
         pixel_ratio(ratio) {}
@@ -98,13 +100,14 @@ DrawingDevice* MapWidget::BeginPicture() {
   if (width() < 1 || height() < 1 || in_work_ != nullptr) return nullptr;
   const double ratio = devicePixelRatioF();
   const int dpi = static_cast<int>(std::lround(logicalDpiX() * ratio));
-  in_work_ = std::make_unique<PictureInWork>(PixelSize(), ratio, dpi);
+  in_work_ = std::make_unique<PictureInWork>(std::exchange(spare_, QImage()), PixelSize(), ratio, dpi);
   return &in_work_->device;
 }
 
 void MapWidget::EndPicture() {
   in_work_->painter.end();
-  picture_ = std::move(in_work_->image);
+  spare_ = std::exchange(picture_, std::move(in_work_->image));
+  spare_.setDevicePixelRatio(1.0);
   picture_.setDevicePixelRatio(in_work_->pixel_ratio);
   in_work_.reset();
   preview_.reset();

@@ -76,6 +76,7 @@ class MapWidget : public QWidget, public MapSurface {
   MapViewImpl* view_ = nullptr;
   std::function<bool()> busy_;
   QImage picture_;
+  QImage spare_;  ///< the picture before: new memory for each redraw costs as much as a layer
   std::unique_ptr<PictureInWork> in_work_;
   QTransform preview_;  ///< of the picture, until the map is drawn anew [logical pixels]
   QTimer fit_timer_, wheel_timer_, paint_timer_;

@@ -6,6 +6,7 @@
 #include <QString>
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 #include <vector>
 
 #include "qtdevice/clipping.h"
@@ -51,13 +52,6 @@ std::unique_ptr<LineRaster> RasterOf(const QPainter& painter) {
 
 QString ToQString(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-QFont FontOf(const TextStyle& style) {
-  QFont font = MapFont(style.font, style.bold, style.italic);
-  font.setPixelSize(std::max(1, style.height));
-  if (style.angle != 0.0) font.setHintingPreference(QFont::PreferNoHinting);
-  return font;
 }
 
 }  // namespace
@@ -164,6 +158,18 @@ void QPainterDevice::Circle(DevicePoint centre, int radius, const Pen& pen, std:
   UsePen(pen);
   painter_.setBrush(fill ? QBrush(ToQColor(*fill)) : QBrush(Qt::NoBrush));
   painter_.drawEllipse(middle, radius, radius);
+}
+
+/// Labels come in hundreds of one style, and to find a font is dear.
+const QFont& QPainterDevice::FontOf(const TextStyle& style) const {
+  const bool turned = style.angle != 0.0;
+  const auto key = std::tie(style.font, style.height, style.bold, style.italic, turned);
+  if (font_of_ && key == *font_of_) return font_;
+  font_ = MapFont(style.font, style.bold, style.italic);
+  font_.setPixelSize(std::max(1, style.height));
+  if (turned) font_.setHintingPreference(QFont::PreferNoHinting);
+  font_of_ = key;
+  return font_;
 }
 
 void QPainterDevice::Text(DevicePoint at, std::string_view text, const TextStyle& style) {

@@ -1,11 +1,15 @@
 // A drawing device on any QPainter: the window's picture, a picture file, a printed page.
 #pragma once
 
+#include <QFont>
 #include <QPainter>
 #include <QPolygonF>
 #include <QRectF>
 #include <QSize>
 #include <memory>
+#include <optional>
+#include <string>
+#include <tuple>
 
 #include "core/types.h"
 #include "view/drawing_device.h"
@@ -46,10 +50,14 @@ class QPainterDevice final : public DrawingDevice {
   void UsePen(const Pen& pen);
   void Stroke(const QPolygonF& line, const Pen& pen);
 
+  const QFont& FontOf(const TextStyle& style) const;
+
   QPainter& painter_;
   QSize size_;
   QRectF bounds_;  ///< figures are cut to this
   int dpi_x_, dpi_y_;
+  mutable QFont font_;  ///< of the last label
+  mutable std::optional<std::tuple<std::string, int, bool, bool, bool>> font_of_;
   std::unique_ptr<LineRaster> raster_;  ///< for the many lines of an image; null on other surfaces
 };
 

@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <memory>
+#include <utility>
 
 #include "qtdevice/painter_device.h"
 #include "town.h"
@@ -17,7 +18,8 @@ class ImageSurface final : public MapSurface {
  public:
   explicit ImageSurface(int ratio) : size_(QSize(1600, 1000) * ratio), dpi_(96 * ratio) {}
   DrawingDevice* BeginPicture() override {
-    image_ = QImage(size_, QImage::Format_RGB32);
+    std::swap(image_, spare_);
+    if (image_.isNull()) image_ = QImage(size_, QImage::Format_RGB32);
     painter_ = std::make_unique<QPainter>(&image_);
     device_ = std::make_unique<QPainterDevice>(*painter_, size_, dpi_, dpi_);
     return device_.get();
@@ -32,7 +34,7 @@ class ImageSurface final : public MapSurface {
  private:
   QSize size_;
   int dpi_;
-  QImage image_;
+  QImage image_, spare_;
   std::unique_ptr<QPainter> painter_;
   std::unique_ptr<QPainterDevice> device_;
 };
