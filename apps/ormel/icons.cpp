@@ -18,7 +18,7 @@ namespace ormel {
 namespace {
 
 constexpr auto kInk = "#3b4652";  ///< the colour of the drawings that stands for the text colour
-constexpr std::array kSizes = {16, 24, 32, 48, 64};
+constexpr std::array kSizes = {16, 24, 32, 48, 64, 72, 96, 128};
 
 QByteArray Drawing(const QString& name) {
   NeedDrawings();

@@ -6,6 +6,7 @@
 #include "bench_device.h"
 #include "town.h"
 #include "view/mouse.h"
+#include "view/result_files.h"
 
 namespace ormel {
 namespace {
@@ -37,6 +38,43 @@ void RedrawTownClose(benchmark::State& state) {
   town.ormel.window.SolveWindow = full;
 }
 BENCHMARK(RedrawTownClose)->Unit(benchmark::kMillisecond);
+
+/// A file of 100 MB: 2.6 million points of contours, or 1.3 million of pathlines.
+std::string BigFile(const test::TempDir& folder, bool paths) {
+  std::string block = paths ? "START\r\n" : "LEVEL 12.5\r\n";
+  char line[120];
+  for (int k = 0; k < 900; ++k) {
+    if (paths)
+      std::snprintf(line, sizeof line, "      %13.4f %13.4f %13.4f %13.4f %13.4f\r\n", 1000.0 + k * 1.37,
+                    2000.0 - k * 0.73, 20.0, k * 18.25, 20.0);
+    else
+      std::snprintf(line, sizeof line, "      %14.4f%+14.4f\r\n", 1000.0 + k * 1.37, 2000.0 - k * 0.73);
+    block += line;
+  }
+  if (paths) block += "END\r\n";
+  std::string text;
+  constexpr std::size_t kSize = 100000000;
+  text.reserve(kSize + block.size());
+  while (text.size() < kSize) text += block;
+  const std::string name = folder / (paths ? "big.PTH" : "big.CTR");
+  test::WriteAll(name, text);
+  return name;
+}
+
+void ReadBigFile(benchmark::State& state) {
+  BenchTown& town = TheTown();
+  const bool paths = state.range(0) != 0;
+  state.SetLabel(paths ? "pathlines" : "contours");
+  const test::TempDir folder;
+  const std::string name = BigFile(folder, paths);
+  for (auto _ : state) {
+    ResultFiles files;
+    const std::size_t points = paths ? files.Paths(town.ormel, name)->points.size()
+                                     : files.Contours(town.ormel, name)->points.size();
+    if (points < 1000000) state.SkipWithError("the file was not read to its end");
+  }
+}
+BENCHMARK(ReadBigFile)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 /// The pointer over the map, and with a rubber line behind it.
 void MoveThePointer(benchmark::State& state) {
