@@ -6,6 +6,7 @@
 #include "store/database.h"
 #include "text/numbers.h"
 #include "view/redraw.h"
+#include "view/traced_lines.h"
 #include "view/vg_gdi.h"
 
 namespace ormel {
@@ -112,11 +113,14 @@ void AddResults(Ormel& ormel, const ViewState& state, Entries& entries) {
               LineSample(QBColor(1), 1.0));
   const bool paths = menus.Checked("layermenu", kLayerPathlines) && solution.ValidSolution;
   entries.Add(paths, "Pathline", LineSample(kPathlineColor, 1.0));
-  entries.Add(paths && menus.Checked("TMARKS", kTimeMarksShow) && solution.TimeTicSpacing > 0.0,
+  const bool traced = HasTracedLines(ormel);
+  entries.Add(traced, "Traced streamline", LineSample(kTracedLineColor, kTracedLineWidth));
+  const bool marks = paths || traced;
+  entries.Add(marks && menus.Checked("TMARKS", kTimeMarksShow) && solution.TimeTicSpacing > 0.0,
               "Time mark every " + NumberText(solution.TimeTicSpacing) + " days",
               SymbolSample(VgSymbol::kDot, QBColor(0)));
   entries.Add(
-      paths && menus.Checked("ZMARKS", kElevationMarksShow) && solution.ElevationTicSpacing > 0.0,
+      marks && menus.Checked("ZMARKS", kElevationMarksShow) && solution.ElevationTicSpacing > 0.0,
       "Elevation mark every " + NumberText(solution.ElevationTicSpacing) + " " + ComputeLengthUnit(ormel),
       SymbolSample(VgSymbol::kUprightCross, QBColor(0)));
   entries.Add(menus.Checked("layermenu", kLayerResultsOverlay) && state.overlay.LSMode != "off",

@@ -16,6 +16,7 @@
 #include "model/validity.h"
 #include "solver/inspection.h"
 #include "view/map_fixture.h"
+#include "view/map_legend.h"
 #include "view/mouse_actions.h"
 
 namespace ormel::test {
@@ -367,6 +368,10 @@ TEST(Mouse, TracedLinesStayUntilClearedOrTheSolutionGoes) {
   t.ormel.menus.Check("TMARKS", kTimeMarksShow, true);
   t.ormel.solution.TimeTicSpacing = 300.0;
   EXPECT_GT(t.Drawn("Traced Lines").size(), 2U) << "with its marks of time";
+
+  std::vector<std::string> legend;
+  for (const LegendEntry& entry : LegendOf(t.ormel, t.map.state())) legend.push_back(entry.text);
+  EXPECT_THAT(legend, ::testing::IsSupersetOf({"Traced streamline", "Time mark every 300 days"}));
 
   ClearTracedLines(t.ormel);
   EXPECT_TRUE(t.surface.picture.Layer("Traced Lines").empty());
