@@ -14,12 +14,18 @@ namespace {
 using aem::Complex;
 using aem_bench::Rivers;
 
+/// Segments and wells; tells the largest head error by the range of heads as well.
 void SolveRivers(benchmark::State& state) {
-  const aem::Model m = Rivers(int(state.range(0)));
+  aem::Model m = Rivers(int(state.range(0)));
+  aem_bench::AddWells(&m, int(state.range(1)));
   for (auto _ : state) {
     aem::Solution s(m);
     benchmark::DoNotOptimize(s.Iterate(1).residual);
+    state.PauseTiming();
+    const aem::Checks checks = s.Check();
     state.counters["unknowns"] = double(s.Unknowns());
+    state.counters["error"] = checks.line_sink_head.value / checks.head_range;
+    state.ResumeTiming();
   }
 }
 
@@ -42,8 +48,10 @@ void Grid(benchmark::State& state) {
   aem::Solution s(Rivers(segments), {.direct_summation = state.range(1) == 1});
   s.Iterate(1);
   std::vector<Complex> points;
+  const double step = (s.GetModel().layout.right - s.GetModel().layout.left) / 200.0;
   for (int i = 0; i < 200; ++i)
-    for (int j = 0; j < 200; ++j) points.push_back({-4997.0 + 50.0 * i, -4999.0 + 50.0 * j});
+    for (int j = 0; j < 200; ++j)
+      points.push_back({s.GetModel().layout.left + 3.0 + step * i, -4999.0 + 50.0 * j});
   std::vector<aem::PointState> states(points.size());
   for (auto _ : state) s.Evaluate(points, states);
   state.SetItemsProcessed(state.iterations() * segments * std::int64_t(points.size()));
@@ -60,13 +68,24 @@ void ScalarLogarithms(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * std::int64_t(z.size()));
 }
 
-BENCHMARK(SolveRivers)->Arg(100)->Arg(1000)->Arg(3000)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(SolveRivers)
+    ->ArgNames({"segments", "wells"})
+    ->Args({100, 0})
+    ->Args({1000, 0})
+    ->Args({3000, 0})
+    ->Args({5000, 50})
+    ->Args({15000, 150})
+    ->Args({50000, 500})
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK(BareFactorisation)->Arg(1000)->Arg(3000)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(Grid)
     ->ArgNames({"segments", "direct"})
     ->Args({1000, 0})
     ->Args({1000, 1})
-    ->Args({3000, 0})
+    ->Args({4000, 0})
+    ->Args({5000, 0})
+    ->Args({50000, 0})
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 BENCHMARK(ScalarLogarithms)->UseRealTime();

@@ -15,15 +15,6 @@ namespace {
 using aem::Complex;
 
 constexpr int kWells = 50, kParticles = 20;
-constexpr double kSpan = 9000.0;
-
-/// Wells between the rivers, in rows from west to east.
-void AddWells(aem::Model* m, double left, double width) {
-  for (int i = 0; i < kWells; ++i) {
-    const Complex at{left + width * (0.5 + i) / kWells, -3000.0 + 1200.0 * (i % 6)};
-    m->wells.push_back({{"W" + std::to_string(i), 0}, at, 0.3, false, 600.0});
-  }
-}
 
 /// 4,000 segments of given head: the model of the ratio.
 const aem::Solution& Solved(bool direct) {
@@ -32,7 +23,7 @@ const aem::Solution& Solved(bool direct) {
   std::unique_ptr<aem::Solution>& s = known[direct];
   if (s) return *s;
   aem::Model m = aem_bench::Rivers(4000);
-  AddWells(&m, -0.5 * kSpan, kSpan);
+  aem_bench::AddWells(&m, kWells);
   s = std::make_unique<aem::Solution>(m, aem::Options{.direct_summation = direct});
   if (state.empty()) {
     s->Iterate(1);
@@ -49,21 +40,12 @@ const aem::Solution& Given(int segments) {
   std::unique_ptr<aem::Solution>& s = known[segments];
   if (s) return *s;
   aem::Model m = aem_bench::Rivers(segments);
-  const double stretch = segments / 4000.0;
   double sign = 1.0;
   for (aem::LineSinkString& string : m.line_sinks) {
     string.kind = aem::LineSinkKind::kDischarge;
-    const double x = string.segments[0].from.real(), shift = x * stretch - x;
-    for (aem::LineSinkSegment& g : string.segments) {
-      g.from += shift;
-      g.to += shift;
-      g.value = 0.05 * (sign = -sign);
-    }
+    for (aem::LineSinkSegment& g : string.segments) g.value = 0.05 * (sign = -sign);
   }
-  const double width = kSpan * stretch;
-  m.aquifer.reference_point = {60.0 * width, 60.0 * width};
-  m.layout = {-0.5 * width - 500.0, -5000.0, 0.5 * width + 500.0, 5000.0, true};
-  AddWells(&m, -0.5 * width, width);
+  aem_bench::AddWells(&m, kWells);
   s = std::make_unique<aem::Solution>(m);
   return *s;
 }

@@ -87,14 +87,16 @@ void DenseFactors::Solve(double* x) const {
   LAPACKE_dgetrs_work(LAPACK_COL_MAJOR, 'T', size, 1, factors_.data(), size, pivots_.data(), x, size);
 }
 
-bool InvertSmall(std::vector<float>* matrix, std::size_t n) {
-  // The inverse of the transpose is the transpose of the inverse: rows stay rows.
+bool InvertRows(std::vector<float>* matrix, std::size_t n, std::size_t rows, std::vector<float>* inverse) {
   std::vector<lapack_int> pivots(n);
-  std::vector<float> work(64 * n);
   const lapack_int size = lapack_int(n);
-  return LAPACKE_sgetrf_work(LAPACK_COL_MAJOR, size, size, matrix->data(), size, pivots.data()) == 0 &&
-         LAPACKE_sgetri_work(LAPACK_COL_MAJOR, size, matrix->data(), size, pivots.data(), work.data(),
-                             lapack_int(work.size())) == 0;
+  if (LAPACKE_sgetrf_work(LAPACK_COL_MAJOR, size, size, matrix->data(), size, pivots.data()) != 0)
+    return false;
+  // Row i of the inverse solves the transposed system for the unit vector i.
+  inverse->assign(n * rows, 0.0F);
+  for (std::size_t i = 0; i < rows; ++i) (*inverse)[i * n + i] = 1.0F;
+  return LAPACKE_sgetrs_work(LAPACK_COL_MAJOR, 'T', size, lapack_int(rows), matrix->data(), size,
+                             pivots.data(), inverse->data(), size) == 0;
 }
 
 void SetDenseThreads(int threads) {

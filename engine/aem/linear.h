@@ -26,8 +26,9 @@ class DenseFactors {
   std::vector<int> pivots_;
 };
 
-/// Replaces a small row-major matrix by its inverse, on the calling thread alone; false: singular.
-bool InvertSmall(std::vector<float>* matrix, std::size_t n);
+/// The first `rows` rows of the inverse of a small matrix of n columns, column-major, which is lost; each row
+/// is n numbers of `inverse`.  On the calling thread alone.  False: singular.
+bool InvertRows(std::vector<float>* matrix, std::size_t n, std::size_t rows, std::vector<float>* inverse);
 /// Threads that dense algebra may use from now on.
 void SetDenseThreads(int threads);
 

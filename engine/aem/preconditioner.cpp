@@ -211,27 +211,25 @@ std::vector<double> Preconditioner::BlockMatrix(const EquationParts& p, const Bl
 void Preconditioner::Invert(const EquationParts& p, Block* block) {
   const std::size_t n = block->unknowns.size();
   const std::vector<double> matrix = BlockMatrix(p, *block);
-  std::vector<float> inverse(n * n);
+  std::vector<float> columns(n * n), rows;
   std::vector<double> scale(n, 1.0);
   for (std::size_t i = 0; i < n; ++i) {
     double largest = 0.0;
     for (std::size_t j = 0; j < n; ++j) largest = std::max(largest, std::abs(matrix[i * n + j]));
     if (largest > 0.0) scale[i] = 1.0 / largest;
     if (i < block->own) scale_[block->unknowns[i]] = scale[i];
-    for (std::size_t j = 0; j < n; ++j) inverse[j * n + i] = float(scale[i] * matrix[i * n + j]);
+    for (std::size_t j = 0; j < n; ++j) columns[j * n + i] = float(scale[i] * matrix[i * n + j]);
   }
-  if (!InvertSmall(&inverse, n)) {
+  if (!InvertRows(&columns, n, block->own, &rows)) {
     // Neighbours that state one condition twice: each by itself then.
-    std::fill(inverse.begin(), inverse.end(), 0.0F);
-    for (std::size_t i = 0; i < n; ++i)
-      inverse[i * n + i] = matrix[i * n + i] != 0.0 ? float(1.0 / (scale[i] * matrix[i * n + i])) : 1.0F;
+    rows.assign(n * block->own, 0.0F);
+    for (std::size_t i = 0; i < block->own; ++i)
+      rows[i * n + i] = matrix[i * n + i] != 0.0 ? float(1.0 / (scale[i] * matrix[i * n + i])) : 1.0F;
   }
   block->inverse.resize(n * block->own);
   for (std::size_t j = 0; j < n; ++j)
-    for (std::size_t i = 0; i < block->own; ++i) {
-      // Columns expect rows scaled as their owners scaled them, which is done once all blocks stand.
-      block->inverse[j * block->own + i] = inverse[j * n + i] * float(scale[j]);
-    }
+    for (std::size_t i = 0; i < block->own; ++i)
+      block->inverse[j * block->own + i] = rows[i * n + j] * float(scale[j]);  // of unscaled equations
 }
 
 /// The reference point's equation counts as much as that of a line-sink's mean head.

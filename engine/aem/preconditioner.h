@@ -71,6 +71,7 @@ class Preconditioner {
   std::vector<double> scale_;
 
   int coarse_ = 1;                      ///< unknowns; the first is the constant
+  std::vector<int> clusters_;           ///< tree nodes of the coarse level
   std::vector<int> coarse_of_node_;     ///< by tree node, -1 above the coarse level
   std::vector<int> coarse_of_unknown_;  ///< by unknown, -1 where it is no mean strength
   std::vector<int> mean_strengths_;     ///< by source: its strength that is a mean density, -1 none

@@ -8,8 +8,21 @@
 namespace aem::detail {
 
 namespace {
-constexpr std::size_t kCoarse = 800;  ///< clusters
+/// Clusters: the more there are, the fewer steps; their system is factorised.
+std::size_t Clusters(std::size_t unknowns) {
+  return std::clamp<std::size_t>(unknowns / 12, 400, 1800);
 }
+
+/// The potential of a cluster far away, by the terms that a preconditioner needs.
+double FarPotential(const Series& outer, const Disc& disc, Complex at) {
+  constexpr int kOrder = 6;
+  const Complex d = at - disc.centre, q = disc.radius / d;
+  Complex value{};
+  for (int k = kOrder; k >= 1; --k) value = (value + outer[k]) * q;
+  return value.real() + outer[0].real() * 0.5 * std::log(std::norm(d));
+}
+
+}  // namespace
 
 void Preconditioner::ChooseCoarse(const EquationParts& p) {
   const auto& nodes = p.tree.Nodes();
@@ -19,11 +32,12 @@ void Preconditioner::ChooseCoarse(const EquationParts& p) {
   std::priority_queue<int, std::vector<int>, decltype(smaller)> open(smaller);
   open.push(0);
   coarse_of_node_.assign(nodes.size(), -1);
-  std::vector<int> clusters;
+  std::vector<int>& clusters = clusters_;
+  const std::size_t most = Clusters(p.system.x.size());
   while (!open.empty()) {
     const int n = open.top();
     open.pop();
-    if (nodes[n].child < 0 || open.size() + clusters.size() + 2 > kCoarse)
+    if (nodes[n].child < 0 || open.size() + clusters.size() + 2 > most)
       clusters.push_back(n);
     else
       for (int k = 0; k < 2; ++k) open.push(nodes[n].child + k);
@@ -112,7 +126,7 @@ void Preconditioner::PairCoarse(const EquationParts& p, int a, int b, bool separ
   if (separated && low_a && low_b) {
     if (mean_[a].weight != 0.0)
       (*matrix)[std::size_t(coarse_of_node_[a]) * coarse_ + coarse_of_node_[b]] +=
-          mean_[a].weight * EvaluateOuter(outer_[b], nodes[b].disc, mean_[a].centre).omega.real();
+          mean_[a].weight * FarPotential(outer_[b], nodes[b].disc, mean_[a].centre);
     return;
   }
   const bool leaf_a = nodes[a].child < 0, leaf_b = nodes[b].child < 0;
@@ -154,15 +168,28 @@ void Preconditioner::FactorCoarse(const EquationParts& p) {
   }
   std::vector<double> matrix(std::size_t(coarse_) * coarse_, 0.0);
   AddOwnCoarse(p, &matrix);
-  for (std::size_t n = 0; n < nodes.size(); ++n)
-    if (nodes[n].child < 0) PairLeaves(p, int(n), &matrix);
-  PairCoarse(p, 0, 0, false, &matrix);
+  // Rows belong to one cluster each.  Whether a pair at the brink of separation is met as near or far may
+  // differ from the tree's own lists, which for a preconditioner is all the same.
+  ParallelFor(threads_, clusters_.size(), [&](std::size_t begin, std::size_t end) {
+    for (std::size_t c = begin; c < end; ++c) {
+      std::vector<int> open{clusters_[c]};
+      while (!open.empty()) {
+        const int n = open.back();
+        open.pop_back();
+        if (nodes[n].child < 0)
+          PairLeaves(p, n, &matrix);
+        else
+          open.insert(open.end(), {nodes[n].child, nodes[n].child + 1});
+      }
+      PairCoarse(p, clusters_[c], 0, false, &matrix);
+    }
+  });
   for (int c = 0; c < coarse_; ++c) {
     const double* row = matrix.data() + std::size_t(c) * coarse_;
     if (std::all_of(row, row + coarse_, [](double v) { return v == 0.0; }))
       matrix[std::size_t(c) * coarse_ + c] = 1.0;
   }
-  SetDenseThreads(threads_);
+  SetDenseThreads(coarse_ < 700 ? 1 : threads_);
   factors_.Factor(std::move(matrix), std::size_t(coarse_));
 }
 
