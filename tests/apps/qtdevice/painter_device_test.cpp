@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <functional>
 #include <limits>
+#include <random>
 #include <vector>
 
 #include "qtdevice/clipping.h"
@@ -91,6 +92,34 @@ TEST(PainterDevice, LinesOfAnImageLookAsThePainterDrawsThem) {
       EXPECT_NEAR(own_ink / toolkit_ink, 1.0, width > 1.0 ? 0.02 : 0.2) << "width " << width;
       EXPECT_LT(off, 20) << "pixels differ at width " << width;
     }
+}
+
+TEST(PainterDevice, LinesAndDiscsStayInsideTheClipAndTheImage) {
+  std::mt19937 random(7);
+  const auto any = [&random](int low, int high) {
+    return std::uniform_int_distribution<int>(low, high)(random);
+  };
+  for (int round = 0; round < 300; ++round) {
+    const QSize size(any(1, 90), any(1, 90));
+    const int left = any(-20, 60), top = any(-20, 60);
+    const DeviceRect clip{left, top, left + any(1, 60), top + any(1, 60)};
+    const QImage image = Drawn(size, 96, [&](DrawingDevice& device) {
+      device.SetClip(clip);
+      for (int k = 0; k < 6; ++k) {
+        std::vector<DevicePoint> line;
+        const int reach = any(0, 3) == 0 ? 100000 : 150;
+        for (int i = any(1, 40); i >= 0; --i) line.push_back({any(-reach, reach), any(-reach, reach)});
+        device.Polyline(line, Pen{PenStyle::kSolid, any(1, 60) / 5.0, kBlack});
+        device.Circle({any(-50, 140), any(-50, 140)}, any(0, 70), Pen{PenStyle::kNone, 1.0, kBlack}, kRed);
+        device.Circle({any(-50, 140), any(-50, 140)}, any(0, 30000), Pen{}, std::nullopt);
+      }
+    });
+    for (int y = 0; y < size.height(); ++y)
+      for (int x = 0; x < size.width(); ++x)
+        if (x < clip.left || x >= clip.right || y < clip.top || y >= clip.bottom) {
+          ASSERT_EQ(image.pixel(x, y), qRgb(255, 255, 255)) << "round " << round << " at " << x << ',' << y;
+        }
+  }
 }
 
 TEST(PainterDevice, DottedLinesShowTheirDotsAndGaps) {
