@@ -38,6 +38,33 @@ QList<qreal> DashPattern(PenStyle style) {
   return {};
 }
 
+/// The dashes of a line, each shorter by the round ends that it will get: a dot is a single point.
+std::vector<QPolygonF> Dashes(const QPolygonF& line, const QList<qreal>& pattern, double width) {
+  std::vector<QPolygonF> dashes;
+  qsizetype part = 0;  // of the pattern; the even ones are drawn
+  const auto length_of = [&](qsizetype i) { return (pattern[i] + (i % 2 == 0 ? -1.0 : 1.0)) * width; };
+  double left = length_of(part);
+  for (qsizetype i = 1; i < line.size(); ++i) {
+    const QPointF step = line[i] - line[i - 1];
+    const double length = std::hypot(step.x(), step.y());
+    if (length == 0.0) continue;
+    if (part % 2 == 0) dashes.push_back({line[i - 1]});
+    double done = 0.0;
+    for (; left <= length - done; left = length_of(part)) {
+      done += left;
+      const QPointF at = line[i - 1] + step * (done / length);
+      if (part % 2 != 0)
+        dashes.push_back({at});
+      else if (left > 0.0)
+        dashes.back().append(at);
+      part = (part + 1) % pattern.size();
+    }
+    left -= length - done;
+    if (part % 2 == 0 && dashes.back().back() != line[i]) dashes.back().append(line[i]);
+  }
+  return dashes;
+}
+
 QRectF RectOf(const DeviceRect& rect) {
   return QRectF(QPointF(rect.left, rect.top), QPointF(rect.right, rect.bottom)).normalized();
 }
@@ -82,7 +109,7 @@ double QPainterDevice::PenWidth(const Pen& pen) const {
 }
 
 bool QPainterDevice::Rastered(const Pen& pen) const {
-  return raster_ != nullptr && pen.style == PenStyle::kSolid && PenWidth(pen) <= LineRaster::kWidest;
+  return raster_ != nullptr && pen.style != PenStyle::kNone && PenWidth(pen) <= LineRaster::kWidest;
 }
 
 QPointF QPainterDevice::ShiftOf(const Pen& pen) const {
@@ -119,7 +146,14 @@ void QPainterDevice::Polyline(std::span<const DevicePoint> points, const Pen& pe
 }
 
 void QPainterDevice::Stroke(const QPolygonF& line, const Pen& pen) {
-  if (Rastered(pen)) return raster_->Line(line, PenWidth(pen), ToQColor(pen.color).rgb());
+  if (Rastered(pen)) {
+    const double width = PenWidth(pen);
+    const QRgb color = ToQColor(pen.color).rgb();
+    if (pen.style == PenStyle::kSolid) return raster_->Line(line, width, color);
+    for (const QPolygonF& dash : Dashes(line, DashPattern(pen.style), width))
+      raster_->Line(dash, width, color);
+    return;
+  }
   UsePen(pen);
   painter_.setBrush(Qt::NoBrush);
   if (line.size() == 1)

@@ -88,6 +88,16 @@ void PaintTownWithLabels(benchmark::State& state) {
 }
 BENCHMARK(PaintTownWithLabels)->ArgName("density")->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
+/// A dotted editor grid whose lines stand five pixels apart.
+void PaintTownWithGrid(benchmark::State& state) {
+  PaintedTown& town = TheTown(static_cast<int>(state.range(0)));
+  town.ormel.db().Execute("update Model set EDITGRIDSpacing=50");
+  town.ormel.menus.Check("EDITORGRID", kGridShow, true);
+  for (auto _ : state) town.map.Redraw();
+  town.ormel.menus.Check("EDITORGRID", kGridShow, false);
+}
+BENCHMARK(PaintTownWithGrid)->ArgName("density")->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+
 /// A tenth of the map fills the window: most of it lies outside.
 void PaintTownClose(benchmark::State& state) {
   PaintedTown& town = TheTown(static_cast<int>(state.range(0)));

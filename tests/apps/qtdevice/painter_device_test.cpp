@@ -94,6 +94,31 @@ TEST(PainterDevice, LinesOfAnImageLookAsThePainterDrawsThem) {
     }
 }
 
+TEST(PainterDevice, DashesOfAnImageHaveTheirPattern) {
+  struct Case {
+    PenStyle style;
+    int dark, period;  ///< pixels of a line one pixel wide
+  };
+  for (const Case& c :
+       {Case{PenStyle::kDot, 1, 4}, Case{PenStyle::kDash, 6, 10}, Case{PenStyle::kDashDot, 7, 13}})
+    for (const int width : {1, 2}) {
+      const QImage image = Drawn({400, 420}, 96 * width, [&](DrawingDevice& device) {
+        const std::vector<DevicePoint> corner{{0, 10}, {389, 10}, {389, 419}};
+        device.Polyline(corner, Pen{c.style, 1.0, kBlack});
+      });
+      int across = 0, down = 0;
+      for (int i = 0; i < 380; ++i) {
+        across += qRed(image.pixel(i, 10)) < 128 ? 1 : 0;
+        down += qRed(image.pixel(389, 20 + i)) < 128 ? 1 : 0;
+      }
+      const double expected = 380.0 * c.dark / c.period;
+      EXPECT_NEAR(across, expected, 0.1 * expected)
+          << "style " << static_cast<int>(c.style) << " width " << width;
+      EXPECT_NEAR(down, expected, 0.1 * expected)
+          << "style " << static_cast<int>(c.style) << " width " << width;
+    }
+}
+
 TEST(PainterDevice, LinesAndDiscsStayInsideTheClipAndTheImage) {
   std::mt19937 random(7);
   const auto any = [&random](int low, int high) {
