@@ -96,7 +96,7 @@ class Solution {
   PointState At(Complex point) const;
   /// The same at many points, threaded.  Pre: both spans have one size.
   void Evaluate(std::span<const Complex> points, std::span<PointState> states) const;
-  /// Head and discharge at an elevation: differs from At only within two thicknesses of a partially
+  /// Head and discharge at an elevation: differs from At only within a few thicknesses of a partially
   /// penetrating well, where the flow is three-dimensional.  `vertical` receives the specific discharge
   /// upward [L/d] that the well adds there (0 elsewhere; the part from recharge and the water table is the
   /// tracer's).

@@ -7,6 +7,10 @@
 namespace aem::detail {
 namespace {
 
+/// Thicknesses from a partially penetrating well within which flow is taken as three-dimensional: at its end
+/// the difference is some 1e-6 of the drawdown, so that no step sees it.
+constexpr double kReach = 4.0;
+
 constexpr int kStages = 7;
 // Dormand and Prince (1980): rows of the tableau; the last row is the fifth-order solution itself.
 constexpr double kA[kStages][kStages - 1] = {
@@ -29,7 +33,7 @@ Mover::Mover(const TraceField& field, bool forward, double slow)
 bool Mover::NearPartialWell(Complex at, double thickness) const {
   const auto& wells = field_.GetModel().partial_wells;
   return std::any_of(wells.begin(), wells.end(),
-                     [&](const PartialWell& well) { return std::abs(at - well.at) < 2.0 * thickness; });
+                     [&](const PartialWell& well) { return std::abs(at - well.at) < kReach * thickness; });
 }
 
 Motion Mover::At(const Place& place) const {
@@ -46,6 +50,12 @@ Motion Mover::At(const Place& place) const {
   if (NearPartialWell(place.at, b)) {
     motion.state =
         field_.AtElevation(place.at, motion.state.base + std::clamp(place.s, 0.0, 1.0) * b, &upward);
+    // Near a screen that draws hard the local head can fall below the base while the aquifer is wet: the flow
+    // still is the answer.
+    if (motion.state.status != PointStatus::kOk) {
+      motion.state.status = PointStatus::kOk;
+      motion.state.head = motion.state.base;
+    }
   }
   const Complex velocity = motion.state.discharge / storage;
   motion.dt = 1.0 / std::hypot(std::abs(velocity), slow_);

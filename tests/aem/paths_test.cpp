@@ -128,6 +128,29 @@ TEST(PartialWells, DrawFromTheWaterTableWithoutPathsThroughIt) {
   EXPECT_GT(taken, 20);
 }
 
+// A screen that draws harder than its part of the aquifer gives: paths come to it or to dry ground, and heads
+// on the way are heads.
+TEST(PartialWells, PathsToAScreenThatDrawsHardCarryHeads) {
+  aem::Model m = Base(10.0, 20.0, 8.0);
+  m.aquifer.reference_point = {0.0, 800.0};
+  m.partial_wells.push_back({{"P", 1}, {0, 0}, 3.0, 0.5, 0.2, false, 238.0});
+  aem::Solution s(m);
+  s.Iterate(3);
+  const aem::SolutionField field(s);
+  double lowest = 99.0;
+  for (int i = 0; i < 12; ++i) {
+    const aem::Path path =
+        aem::TracePath(field, {std::polar(30.0, 0.5 * i), 1.0 + 0.6 * i, true}, Tracing(1e6, 5.0));
+    EXPECT_TRUE(path.end == aem::PathEnd::kWell || path.end == aem::PathEnd::kDry)
+        << aem::PathEndName(path.end);
+    for (const aem::PathPoint& p : path.points) {
+      EXPECT_GE(p.head, 0.0) << p.at;
+      lowest = std::min(lowest, p.head);
+    }
+  }
+  EXPECT_EQ(lowest, 0.0) << "the test must reach where the local head is below the base";
+}
+
 /// A river, a domain, a wall, recharge, a pond and wells of both signs.
 aem::Model Town() {
   aem::Model m = Base(10.0, 20.0, 30.0);
