@@ -16,9 +16,8 @@ namespace {
 
 constexpr std::size_t kSmall = 40;          ///< lines up to which all have full order
 constexpr std::size_t kUnknowns = 700'000;  ///< what some 4 GiB hold
-/// The largest defect, at the control point next to an end of a piece, is some five times the largest error
-/// of head at points between; a third of that is left for safety.
-constexpr double kBetween = 0.6;
+/// The largest error of head between control points by the largest defect at them, as measured; at most.
+constexpr double kAlongSinks = 1.0, kAlongEdges = 3.0;
 
 std::size_t Lines(const Model& m) {
   std::size_t count = 0;
@@ -66,9 +65,9 @@ Defects Largest(const System& s, const std::vector<Linearised>& linear, const st
 
 /// Levels up: one, and one more for every factor of four beyond what is allowed.
 bool Raise(double defect, double allowed, unsigned char* order) {
-  if (defect <= allowed || *order >= kFullOrder) return false;
+  if (defect <= allowed || *order >= kHighestOrder) return false;
   const int steps = 1 + int(0.5 * std::log2(std::min(defect / allowed, 1e4)));
-  *order = static_cast<unsigned char>(std::min(kFullOrder, *order + steps));
+  *order = static_cast<unsigned char>(std::min(kHighestOrder, *order + steps));
   return true;
 }
 
@@ -109,7 +108,7 @@ bool System::LoadOrders(const std::vector<unsigned char>& all) {
   std::size_t count = next.of_edge.size();
   for (const auto& list : next.of_segment) count += list.size();
   if (all.size() != count ||
-      std::any_of(all.begin(), all.end(), [](unsigned char o) { return o > kFullOrder; }))
+      std::any_of(all.begin(), all.end(), [](unsigned char o) { return o > kHighestOrder; }))
     return false;
   auto from = all.begin();
   const auto take = [&](std::vector<unsigned char>* list) {
@@ -125,7 +124,7 @@ bool System::LoadOrders(const std::vector<unsigned char>& all) {
 bool System::RaiseOrders(const std::vector<Linearised>& linear, const std::vector<double>& field,
                          const std::vector<double>& strength) {
   if (orders.start == kFullOrder || x.size() > kUnknowns) return false;
-  const double allowed = options.accuracy * HeadRangeAtControls(*this, field, strength) / kBetween;
+  const double allowed = options.accuracy * HeadRangeAtControls(*this, field, strength);
   const Defects defects = Largest(*this, linear, field, strength);
   // What is hardly beyond is raised with the rest, but is not worth another solution by itself.
   constexpr double kWorth = 2.0;
@@ -137,8 +136,9 @@ bool System::RaiseOrders(const std::vector<Linearised>& linear, const std::vecto
   };
   for (std::size_t k = 0; k < defects.of_segment.size(); ++k)
     for (std::size_t i = 0; i < defects.of_segment[k].size(); ++i)
-      raise(defects.of_segment[k][i], &next.of_segment[k][i]);
-  for (std::size_t e = 0; e < defects.of_edge.size(); ++e) raise(defects.of_edge[e], &next.of_edge[e]);
+      raise(kAlongSinks * defects.of_segment[k][i], &next.of_segment[k][i]);
+  for (std::size_t e = 0; e < defects.of_edge.size(); ++e)
+    raise(kAlongEdges * defects.of_edge[e], &next.of_edge[e]);
   if (worth) orders = std::move(next);
   return worth;
 }

@@ -21,8 +21,12 @@ int Levels(EndShape e) {
 
 }  // namespace
 
-std::vector<Part> Divide(EndShape start, EndShape end, int most) {
-  const int left = std::min(most, Levels(start)), right = std::min(most, Levels(end));
+std::vector<Part> Divide(EndShape start, EndShape end, const Order& order) {
+  const auto levels = [&](EndShape e) {
+    const int asked = Levels(e);
+    return asked > 0 ? std::min(order.divisions, asked + order.beyond) : 0;
+  };
+  const int left = levels(start), right = levels(end);
   std::vector<double> cuts{0.0};
   const bool both = (left > 0 || start.tip) && (right > 0 || end.tip);
   const double reach_left = both ? 0.5 : 1.0, reach_right = both ? 0.5 : 1.0;

@@ -17,17 +17,18 @@ struct Part {
 };
 
 /// How finely elements of a line are made: coefficients of a piece, of one with a free end and of one with a
-/// jump, control points of a piece, and the most divisions towards a corner.  Each level has some three to
-/// ten times smaller errors than the one before.
+/// jump, control points of a piece, the most divisions towards a corner and those beyond what its angle asks
+/// for.  Each level has some three to ten times smaller errors than the one before.
 struct Order {
-  int sink_size, tip_size, jump_size, points, divisions;
+  int sink_size, tip_size, jump_size, points, divisions, beyond;
 };
-inline constexpr int kFullOrder = 4;
-inline constexpr Order kOrders[kFullOrder + 1] = {
-    {2, 3, 3, 5, 0}, {3, 4, 4, 6, 0}, {3, 4, 4, 6, 1}, {4, 5, 4, 7, 2}, {4, 5, 4, 7, 99}};
+inline constexpr int kFullOrder = 4;     ///< of small models
+inline constexpr int kHighestOrder = 6;  ///< where errors ask for it
+inline constexpr Order kOrders[kHighestOrder + 1] = {
+    {2, 3, 3, 5, 0, 0},  {3, 4, 4, 6, 0, 0},  {3, 4, 4, 6, 1, 0}, {4, 5, 4, 7, 2, 0},
+    {4, 5, 4, 7, 99, 0}, {5, 6, 5, 8, 99, 1}, {6, 6, 6, 9, 99, 2}};
 
 /// Parts in order from 0 to 1.  Never empty; a part has at most one tip.
-/// `most` divisions are made towards a corner.
-std::vector<Part> Divide(EndShape start, EndShape end, int most);
+std::vector<Part> Divide(EndShape start, EndShape end, const Order& order);
 
 }  // namespace aem::detail

@@ -196,7 +196,7 @@ std::vector<double> StringEnds(const System& s, Complex from, Complex to) {
 void MakePieces(System& s, int e, const Ends& ends) {
   const Complex from = s.edges[e].from, to = s.edges[e].to;
   const std::vector<Part> parts =
-      CutAt(NearWells(s, from, to, Divide(ends.start_shape, ends.end_shape, OrderOf(s, e).divisions)),
+      CutAt(NearWells(s, from, to, Divide(ends.start_shape, ends.end_shape, OrderOf(s, e))),
             StringEnds(s, from, to));
   Combination at_start = ends.start;
   for (std::size_t i = 0; i < parts.size(); ++i) {

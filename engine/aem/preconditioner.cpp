@@ -9,7 +9,8 @@ namespace aem::detail {
 
 namespace {
 constexpr std::size_t kBlockUnknowns = 120;  ///< of a cluster
-constexpr std::size_t kOverlap = 180;        ///< and around it
+constexpr std::size_t kRingUnknowns = 800;
+constexpr std::size_t kOverlap = 180;  ///< and around it
 
 void AddLeaves(const std::vector<SourceTree::Node>& nodes, int node, std::vector<int>* leaves) {
   if (nodes[node].child < 0) {
@@ -23,6 +24,7 @@ void AddLeaves(const std::vector<SourceTree::Node>& nodes, int node, std::vector
 Preconditioner::Preconditioner(const EquationParts& p) : threads_(p.system.options.threads) {
   scale_.assign(p.system.x.size(), 1.0);
   FindOwners(p);
+  ChooseRings(p);
   ChooseBlocks(p);
   SetDenseThreads(1);
   ParallelFor(threads_, blocks_.size(), [&](std::size_t begin, std::size_t end) {
@@ -65,6 +67,35 @@ void Preconditioner::FindOwners(const EquationParts& p) {
     }
 }
 
+void Preconditioner::ChooseRings(const EquationParts& p) {
+  const System& s = p.system;
+  in_ring_.assign(s.x.size(), 0);
+  std::vector<std::vector<int>> unknowns(s.rings.size());
+  for (const JumpEdge& edge : s.edges) {
+    if (edge.wall >= 0 || edge.domain < 0) continue;
+    for (int piece : edge.pieces)
+      for (const Term& t : s.terms[piece])
+        if (in_ring_[t.unknown] == 0) {
+          in_ring_[t.unknown] = 1;
+          unknowns[edge.domain].push_back(t.unknown);
+        }
+  }
+  for (std::vector<int>& ring : unknowns) {
+    if (ring.empty()) continue;
+    if (ring.size() > kRingUnknowns) {
+      for (int unknown : ring) in_ring_[unknown] = 0;
+      continue;
+    }
+    Block block;
+    for (int unknown : ring) block.leaves.push_back(p.tree.LeafOf(owner_[unknown]));
+    std::sort(block.leaves.begin(), block.leaves.end());
+    block.leaves.erase(std::unique(block.leaves.begin(), block.leaves.end()), block.leaves.end());
+    block.own = ring.size();
+    block.unknowns = std::move(ring);
+    blocks_.push_back(std::move(block));
+  }
+}
+
 void Preconditioner::ChooseBlocks(const EquationParts& p) {
   const auto& nodes = p.tree.Nodes();
   std::vector<int> open{0};
@@ -82,7 +113,10 @@ void Preconditioner::ChooseBlocks(const EquationParts& p) {
     Block block;
     AddLeaves(nodes, n, &block.leaves);
     for (int leaf : block.leaves) AddUnknowns(p, leaf, &block);
-    block.own = block.unknowns.size();
+    const auto own = std::stable_partition(block.unknowns.begin(), block.unknowns.end(),
+                                           [&](int unknown) { return in_ring_[unknown] == 0; });
+    block.own = std::size_t(own - block.unknowns.begin());
+    if (block.own == 0) continue;
     Overlap(p, nodes[n].disc, &block);
     blocks_.push_back(std::move(block));
   }

@@ -50,6 +50,7 @@ class Preconditioner {
 
   void FindOwners(const EquationParts& p);
   void ChooseBlocks(const EquationParts& p);
+  void ChooseRings(const EquationParts& p);
   void AddUnknowns(const EquationParts& p, int leaf, Block* block) const;
   void Invert(const EquationParts& p, Block* block);
   std::vector<double> BlockMatrix(const EquationParts& p, const Block& block) const;
@@ -67,6 +68,7 @@ class Preconditioner {
 
   std::vector<int> owner_;               ///< source by unknown, -1 none
   std::vector<std::vector<int>> owned_;  ///< unknowns by source
+  std::vector<char> in_ring_;            ///< by unknown: a ring's block solves for it
   std::vector<Block> blocks_;
   std::vector<double> scale_;
 

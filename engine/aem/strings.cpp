@@ -242,7 +242,7 @@ void PlanStrings(System& s) {
       if (by_head && !Resists(string)) {
         const Complex along = segment.to - segment.from;
         parts = Divide(joints.Shape(segment.from, along), joints.Shape(segment.to, -along),
-                       OrderOf(s, int(k), int(i)).divisions);
+                       OrderOf(s, int(k), int(i)));
       }
       parts = CutAt(parts, s.segment_cuts[k][i]);
       if (by_head) parts = NearWells(s, segment.from, segment.to, parts);
