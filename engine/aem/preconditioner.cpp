@@ -205,7 +205,7 @@ std::vector<double> Preconditioner::BlockMatrix(const EquationParts& p, const Bl
     for (int i = p.tree.Nodes()[leaf].first; i < p.tree.Nodes()[leaf].last; ++i) {
       const auto& source = p.tree.Sources()[i];
       if (source.kind != SourceTree::Source::Kind::kPiece) {
-        shares.push_back({place[owned_[i][0]], columns, 1.0});
+        if (place[owned_[i][0]] >= 0) shares.push_back({place[owned_[i][0]], columns, 1.0});
       } else {
         for (const Term& t : s.terms[source.index])
           for (int k = 0; k < source.size; ++k)
