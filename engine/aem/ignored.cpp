@@ -74,22 +74,25 @@ void BuildAreas(System& s) {
   for (std::size_t d = 0; d < s.rings.size(); ++d) {
     const double rate = s.model.domains[d].recharge_sink;
     const std::vector<Complex>& ring = s.rings[d];
-    if (rate == 0.0 || ring.size() < 3) continue;
+    const bool has_base = s.model.domains[d].base != kNotSet;
+    if ((rate == 0.0 && !has_base) || ring.size() < 3) continue;
     bool whole = true;
     for (const IgnoredRegion& region : s.ignored) {
       if (Crosses(ring, region.ring)) {
         s.Add(Severity::kFatal, s.model.domains[d].origin,
-              "The domain's recharge lies partly on ignored ground: let its ring end at wall " +
+              (rate != 0.0 ? "The domain's recharge" : "The domain, which has a base of its own,") +
+                  std::string(" lies partly on ignored ground: let its ring end at wall ") +
                   s.model.walls[region.wall].origin.label + ".");
         return;
       }
+      if (rate == 0.0) continue;
       const bool within = LiesWithin(ring, region.ring);
       const bool around = !within && LiesWithin(region.ring, ring);
       if (region.inside && around) s.areas.emplace_back(region.ring, -rate);
       if (!region.inside && around) s.areas.emplace_back(region.ring, rate);
       if (region.inside ? within : !within) whole = false;
     }
-    if (whole) s.areas.emplace_back(ring, rate);
+    if (whole && rate != 0.0) s.areas.emplace_back(ring, rate);
   }
 }
 

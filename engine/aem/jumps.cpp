@@ -253,7 +253,7 @@ void OrderEdges(System& s, const std::vector<Junction>& nodes) {
     const bool wall = std::any_of(node.edges.begin(), node.edges.end(),
                                   [&](const auto& a) { return s.edges[edge(a.second)].wall >= 0; });
     for (const auto& [angle, e] : node.edges)
-      if (wall) s.orders.of_edge[edge(e)] = kFullOrder;
+      if (wall) s.orders.of_edge[edge(e)] = kHighestOrder;
   }
 }
 

@@ -46,7 +46,11 @@ void Preconditioner::FindOwners(const EquationParts& p) {
   owner_.assign(s.x.size(), -1);
   owned_.resize(sources.size());
   const auto own = [&](int unknown, std::size_t source) {
-    if (owner_[unknown] >= 0) return;
+    if (owner_[unknown] >= 0) {
+      const int leaf = p.tree.LeafOf(int(source));
+      if (leaf != p.tree.LeafOf(owner_[unknown])) beyond_[unknown].push_back(leaf);
+      return;
+    }
     owner_[unknown] = int(source);
     owned_[source].push_back(unknown);
   };
@@ -92,6 +96,7 @@ void Preconditioner::ChooseRings(const EquationParts& p) {
     block.leaves.erase(std::unique(block.leaves.begin(), block.leaves.end()), block.leaves.end());
     block.own = ring.size();
     block.unknowns = std::move(ring);
+    Complete(&block);
     blocks_.push_back(std::move(block));
   }
 }
@@ -117,9 +122,25 @@ void Preconditioner::ChooseBlocks(const EquationParts& p) {
                                            [&](int unknown) { return in_ring_[unknown] == 0; });
     block.own = std::size_t(own - block.unknowns.begin());
     if (block.own == 0) continue;
+    Complete(&block);
     Overlap(p, nodes[n].disc, &block);
     blocks_.push_back(std::move(block));
   }
+}
+
+void Preconditioner::Complete(Block* block) const {
+  for (std::size_t i = 0; i < block->own; ++i)
+    if (const auto found = beyond_.find(block->unknowns[i]); found != beyond_.end())
+      for (int leaf : found->second)
+        if (std::find(block->leaves.begin(), block->leaves.end(), leaf) == block->leaves.end())
+          block->leaves.push_back(leaf);
+}
+
+bool Preconditioner::Within(int unknown, const Block& block) const {
+  const auto found = beyond_.find(unknown);
+  return found == beyond_.end() || std::all_of(found->second.begin(), found->second.end(), [&](int leaf) {
+           return std::find(block.leaves.begin(), block.leaves.end(), leaf) != block.leaves.end();
+         });
 }
 
 void Preconditioner::AddUnknowns(const EquationParts& p, int leaf, Block* block) const {
@@ -141,11 +162,16 @@ void Preconditioner::Overlap(const EquationParts& p, const Disc& around, Block* 
   std::sort(around_it.begin(), around_it.end());
   const std::size_t most = kBlockUnknowns + kOverlap;
   for (const auto& [distance, leaf] : around_it) {
+    if (block->unknowns.size() > most) break;
     if (std::find(block->leaves.begin(), block->leaves.end(), leaf) != block->leaves.end()) continue;
     block->leaves.push_back(leaf);
     AddUnknowns(p, leaf, block);
-    if (block->unknowns.size() > most) return;
   }
+  // Half of a jump has no condition of its own: an unknown that reaches out of the block is left out.
+  block->unknowns.erase(
+      std::remove_if(block->unknowns.begin() + std::ptrdiff_t(block->own), block->unknowns.end(),
+                     [&](int unknown) { return !Within(unknown, *block); }),
+      block->unknowns.end());
 }
 
 /// Field at the leaves' control points from the leaves' strengths, rows of strengths.

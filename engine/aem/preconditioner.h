@@ -6,6 +6,7 @@
 // the unknowns in a cluster alone (Tran and Stephan, 1996).
 #pragma once
 
+#include <map>
 #include <vector>
 
 #include "aem/equations.h"
@@ -52,6 +53,10 @@ class Preconditioner {
   void ChooseBlocks(const EquationParts& p);
   void ChooseRings(const EquationParts& p);
   void AddUnknowns(const EquationParts& p, int leaf, Block* block) const;
+  /// Adds the leaves that its own unknowns reach into.
+  void Complete(Block* block) const;
+  /// Whether all that an unknown gives strength to lies in the block's leaves.
+  bool Within(int unknown, const Block& block) const;
   void Invert(const EquationParts& p, Block* block);
   std::vector<double> BlockMatrix(const EquationParts& p, const Block& block) const;
   void Overlap(const EquationParts& p, const Disc& around, Block* block) const;
@@ -66,9 +71,10 @@ class Preconditioner {
   /// Weight of a control point in its cluster's equation; 0 where it has none.
   double CoarseTest(const EquationParts& p, int control, double* value) const;
 
-  std::vector<int> owner_;               ///< source by unknown, -1 none
-  std::vector<std::vector<int>> owned_;  ///< unknowns by source
-  std::vector<char> in_ring_;            ///< by unknown: a ring's block solves for it
+  std::vector<int> owner_;                  ///< source by unknown, -1 none
+  std::vector<std::vector<int>> owned_;     ///< unknowns by source
+  std::map<int, std::vector<int>> beyond_;  ///< leaves of an unknown's sources besides its owner's, if any
+  std::vector<char> in_ring_;               ///< by unknown: a ring's block solves for it
   std::vector<Block> blocks_;
   std::vector<double> scale_;
 

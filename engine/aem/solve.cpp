@@ -123,7 +123,8 @@ class Iteration {
   IterationReport Run() {
     constexpr int kRounds = 5;
     // Orders are chosen on what a rough solution shows.
-    bool raising = s_.iterations_done == 0 && s_.CanRaiseOrders();
+    const bool began = s_.iterations_done == 0 && s_.CanRaiseOrders();
+    bool raising = began;
     tolerance_ = raising ? kRough : kFine;
     bool good = Begin() && Step();
     for (int round = 1; good && raising; ++round) {
@@ -137,6 +138,8 @@ class Iteration {
       good = Step();
     }
     if (good) GoOn();
+    // Where conditions depend on the head, its last shape may ask for more than the first did.
+    if (good && began && depends_ && report_.converged && Raise() && Begin() && Step()) GoOn();
     s_.converged = report_.converged;
     if (!report_.converged && !report_.cancelled && !s_.refused && report_.iterations > 0)
       Tell(Severity::kWarning,

@@ -60,6 +60,7 @@ class PathTracer {
   void Begin();
   bool BeginsInWell();
   bool BeginsOnLineSink();
+  void LeaveTip();
   bool Stuck();
   void Advance();
   bool StandsStill() const;

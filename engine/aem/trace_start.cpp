@@ -23,6 +23,7 @@ void PathTracer::Begin() {
   }
   if (Outside(options_.window, start.at)) End(PathEnd::kWindow);
   if (ended_ || BeginsInWell() || BeginsOnLineSink()) return;
+  LeaveTip();
   motion_ = mover_.At(place_);
   if (!motion_.ok) return EndWithoutField(motion_.state.status);
   next_ = kFarthest * options_.step;
@@ -68,6 +69,19 @@ bool PathTracer::BeginsOnLineSink() {
     End(PathEnd::kSurfaceWater, segment.origin.label);
   }
   return ended_;
+}
+
+/// The velocity at the end of a wall is infinite and has no side: the path begins a hair beyond.
+void PathTracer::LeaveTip() {
+  for (const Wall& wall : field_.GetModel().walls) {
+    const std::vector<LabelledPoint>& points = wall.points;
+    if (wall.kind != WallKind::kOpen || points.size() < 2) continue;
+    const std::pair<Complex, Complex> ends[] = {{points.front().at, points[1].at},
+                                                {points.back().at, points[points.size() - 2].at}};
+    for (const auto& [tip, before] : ends)
+      if (std::abs(place_.at - tip) <= kNudge * options_.step && tip != before)
+        place_.at = tip + kBeside * options_.step * (tip - before) / std::abs(tip - before);
+  }
 }
 
 }  // namespace aem::detail

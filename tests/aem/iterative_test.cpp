@@ -25,10 +25,10 @@ aem::Model Town() {
   m.aquifer.uniform_flow = {0.2, -0.1};
   std::mt19937 random(11);
   std::uniform_real_distribution<double> u(-1.0, 1.0);
-  for (int k = 0; k < 6; ++k) {
+  for (int k = 0; k < 3; ++k) {
     std::vector<Complex> points;
     for (int i = 0; i <= 12; ++i)
-      points.push_back({-900.0 + 320.0 * k + 12.0 * u(random), -950.0 + 160.0 * i});
+      points.push_back({-900.0 + 640.0 * k + 12.0 * u(random), -950.0 + 160.0 * i});
     aem::LineSinkString s = HeadString(points, 17.0 - 0.2 * k, "LS_00000" + std::to_string(k));
     if (k == 1) s.kind = aem::LineSinkKind::kDrain;
     if (k % 3 == 2) {
@@ -41,7 +41,7 @@ aem::Model Town() {
   const double conductivities[] = {0.1, 1.0, 80.0, 500.0};
   for (int i = 0; i < 4; ++i) {
     m.domains.push_back(
-        Polygon(CircleRing({-740.0 + 320.0 * i, 100.0}, 90.0, 12), "IN_00000" + std::to_string(i)));
+        Polygon(CircleRing({-740.0 + 320.0 * i, 100.0}, 90.0, 8), "IN_00000" + std::to_string(i)));
     m.domains.back().conductivity = conductivities[i];
     m.domains.back().recharge_sink = -0.0005;
   }
@@ -49,7 +49,7 @@ aem::Model Town() {
   m.walls.push_back(
       MakeWall({{-740.0, -600.0}, {-700.0, -420.0}, {-730.0, -250.0}}, aem::WallKind::kOpen, 0.0));
   m.walls.push_back(MakeWall({{-100.0, -600.0}, {-100.0, -300.0}}, aem::WallKind::kOpen, 0.05));
-  m.walls.push_back(MakeWall(CircleRing({220.0, 600.0}, 70.0, 12), aem::WallKind::kKeepOutside, 0.0));
+  m.walls.push_back(MakeWall(CircleRing({220.0, 600.0}, 70.0, 8), aem::WallKind::kKeepOutside, 0.0));
   for (int i = 0; i < 10; ++i)
     m.wells.push_back({{"WL_" + std::to_string(i), 0},
                        {-740.0 + 320.0 * (i % 5), -700.0 + 900.0 * (i / 5)},
@@ -62,7 +62,8 @@ aem::Model Town() {
 
 TEST(Iterative, AgreesWithTheFactorisedSystem) {
   const aem::Model town = Town();
-  aem::Solution iterated(town, {.factorise = 0}), factorised(town, {.factorise = 1'000'000});
+  aem::Solution iterated(town, {.accuracy = 2e-3, .factorise = 0}),
+      factorised(town, {.accuracy = 2e-3, .factorise = 1000000});
   const aem::IterationReport a = iterated.Iterate(3), b = factorised.Iterate(3);
   ASSERT_TRUE(a.converged && b.converged) << Said(iterated.Findings()) << Said(factorised.Findings());
   EXPECT_GT(a.linear_steps, 0);
