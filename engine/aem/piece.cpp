@@ -119,7 +119,7 @@ int TermsFor(double size2) {
 
 /// integral m ln(Z - t) dt = m_0 ln Z - sum m_k/(k Z^k);  integral m/(Z - t) dt = sum m_k/Z^(k+1).
 Plain FarSeries(const Moments& m, PieceKind kind, Complex z) {
-  const Complex inverse = 1.0 / z;
+  const Complex inverse = std::conj(z) / std::norm(z);
   const int terms = TermsFor(std::norm(z));
   Complex sum{}, derivative{};
   if (kind == PieceKind::kSink) {
@@ -127,13 +127,41 @@ Plain FarSeries(const Moments& m, PieceKind kind, Complex z) {
       sum = (sum + m[k] / k) * inverse;
       derivative = (derivative + m[k]) * inverse;
     }
-    return {m[0] * std::log(z) - sum, (derivative + m[0]) * inverse};
+    const Complex log{0.5 * std::log(std::norm(z)), std::arg(z)};
+    return {m[0] * log - sum, (derivative + m[0]) * inverse};
   }
   for (int k = terms; k >= 0; --k) {
     sum = (sum + m[k]) * inverse;
     derivative = (derivative - (k + 1.0) * m[k]) * inverse;
   }
   return {sum, derivative * inverse};
+}
+
+/// The same for every basis function of a piece at once: powers of 1/Z are made once.
+void FarBasis(const Piece& piece, const MomentTable& table, Complex z, Plain* out) {
+  const bool sink = piece.kind == PieceKind::kSink;
+  const double size2 = std::norm(z);
+  const Complex inverse = std::conj(z) / size2;
+  const int terms = TermsFor(size2);
+  for (int n = 0; n < piece.size; ++n) out[n] = {};
+  Complex power = inverse;  // Z^-(k+1)
+  for (int k = 0; k <= terms; ++k, power *= inverse) {
+    const Complex next = power * inverse;
+    for (int n = 0; n < piece.size; ++n) {
+      const double m = table.of[n][k];
+      if (sink) {
+        out[n].dg += m * power;
+        if (k < terms) out[n].g -= table.of[n][k + 1] / (k + 1.0) * power;
+      } else {
+        out[n].g += m * power;
+        out[n].dg -= (k + 1.0) * m * next;
+      }
+    }
+  }
+  if (!sink) return;
+  const Complex log{0.5 * std::log(size2), std::arg(z)};
+  for (int n = 0; n < piece.size; ++n)
+    if (table.of[n][0] != 0.0) out[n].g += table.of[n][0] * log;
 }
 
 Flow Scaled(const Piece& piece, const Plain& plain, double net) {
@@ -187,7 +215,7 @@ void Influence(const Piece& piece, Complex at, Side on, Flow* basis) {
   const MomentTable& table = MomentsOf(piece);
   std::array<Plain, kMaxBasis> plain;
   if (std::norm(z) > kNearRadius * kNearRadius) {
-    for (int n = 0; n < piece.size; ++n) plain[n] = FarSeries(table.of[n], piece.kind, z);
+    FarBasis(piece, table, z, plain.data());
   } else {
     PlainNear(piece, PointIn(piece, at), on, plain.data());
   }
