@@ -54,11 +54,11 @@ TEST_P(Leakage, IsSmallBesideTheUndisturbedFlow) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Shapes, Leakage,
-                         ::testing::Values(Shape{"straight", {{0, -100}, {0, 100}}, 1e-3},
-                                           Shape{"thirds", {{0, -100}, {0, -33}, {0, 33}, {0, 100}}, 1e-3},
-                                           Shape{"bent", {{-80, -100}, {0, -40}, {0, 60}, {-70, 90}}, 1.5e-3},
-                                           Shape{"right_angle", {{0, -100}, {0, 0}, {-100, 0}}, 3e-3},
-                                           Shape{"acute", {{0, -100}, {0, 0}, {-20, -100}}, 6e-3}),
+                         ::testing::Values(Shape{"straight", {{0, -100}, {0, 100}}, 1e-5},
+                                           Shape{"thirds", {{0, -100}, {0, -33}, {0, 33}, {0, 100}}, 1e-4},
+                                           Shape{"bent", {{-80, -100}, {0, -40}, {0, 60}, {-70, 90}}, 2e-4},
+                                           Shape{"right_angle", {{0, -100}, {0, 0}, {-100, 0}}, 4e-4},
+                                           Shape{"acute", {{0, -100}, {0, 0}, {-20, -100}}, 1e-3}),
                          [](const auto& given) { return given.param.name; });
 
 // Pieces of a jump that meet at a vertex have infinite stream functions there, which cancel.
@@ -90,7 +90,7 @@ TEST(Flux, FromWhereAWallCrossesADomain) {
   aem::Solution s(m);
   s.Iterate(2);
   const aem::Checks checks = s.Check();
-  EXPECT_LT(checks.wall_leakage.value, 1e-2 * checks.undisturbed_flow);
+  EXPECT_LT(checks.wall_leakage.value, 3e-3 * checks.undisturbed_flow);
 }
 
 TEST(Walls, ARepeatedVertexLeavesSegmentsTheirNumbers) {
