@@ -2,7 +2,7 @@
 //
 // There are more control points than unknowns, and the conditions hold in the mean; by how much they fail at
 // the points themselves tells, without further evaluation, where the strength asks for more than its
-// polynomial gives.  Small models have full order from the start.
+// polynomial gives.  Small models begin with full order.
 #include <algorithm>
 #include <cmath>
 
@@ -14,7 +14,7 @@ namespace aem::detail {
 
 namespace {
 
-constexpr std::size_t kSmall = 40;          ///< lines up to which all have full order
+constexpr std::size_t kSmall = 40;          ///< lines up to which all have full order at least
 constexpr std::size_t kUnknowns = 700'000;  ///< what some 4 GiB hold
 /// The largest error of head between control points by the largest defect at them, as measured; at most.
 constexpr double kAlongSinks = 1.0, kAlongEdges = 3.0;
@@ -123,7 +123,7 @@ bool System::LoadOrders(const std::vector<unsigned char>& all) {
 
 bool System::RaiseOrders(const std::vector<Linearised>& linear, const std::vector<double>& field,
                          const std::vector<double>& strength) {
-  if (orders.start == kFullOrder || x.size() > kUnknowns) return false;
+  if (x.size() > kUnknowns) return false;
   const double allowed = options.accuracy * HeadRangeAtControls(*this, field, strength);
   const Defects defects = Largest(*this, linear, field, strength);
   // What is hardly beyond is raised with the rest, but is not worth another solution by itself.

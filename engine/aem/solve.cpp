@@ -123,7 +123,7 @@ class Iteration {
   IterationReport Run() {
     constexpr int kRounds = 5;
     // Orders are chosen on what a rough solution shows.
-    const bool began = s_.iterations_done == 0 && s_.CanRaiseOrders();
+    const bool began = s_.iterations_done == 0;
     bool raising = began;
     tolerance_ = raising ? kRough : kFine;
     bool good = Begin() && Step();

@@ -192,7 +192,6 @@ struct System {
   // adapt.cpp
   /// Orders to begin with, by the size of the model.
   void StartOrders();
-  bool CanRaiseOrders() const { return orders.start < kFullOrder; }
   /// Raises the orders of lines whose conditions fail at the control points, by what was solved there; false:
   /// none does, or the memory meant for it is used.
   bool RaiseOrders(const std::vector<Linearised>& linear, const std::vector<double>& field,
