@@ -77,14 +77,20 @@ double SolveDense(std::vector<double>* matrix, std::vector<double>* right, std::
 bool DenseFactors::Factor(std::vector<double> matrix, std::size_t n) {
   factors_ = std::move(matrix);
   pivots_.resize(n);
-  n_ = n;
   const lapack_int size = lapack_int(n);
-  return LAPACKE_dgetrf_work(LAPACK_COL_MAJOR, size, size, factors_.data(), size, pivots_.data()) == 0;
+  const bool regular =
+      LAPACKE_dgetrf_work(LAPACK_COL_MAJOR, size, size, factors_.data(), size, pivots_.data()) == 0;
+  n_ = regular ? n : 0;
+  return regular;
 }
 
-void DenseFactors::Solve(double* x) const {
+void DenseFactors::Solve(std::vector<double>* x) const {
+  if (n_ == 0) {
+    std::fill(x->begin(), x->end(), 0.0);
+    return;
+  }
   const lapack_int size = lapack_int(n_);
-  LAPACKE_dgetrs_work(LAPACK_COL_MAJOR, 'T', size, 1, factors_.data(), size, pivots_.data(), x, size);
+  LAPACKE_dgetrs_work(LAPACK_COL_MAJOR, 'T', size, 1, factors_.data(), size, pivots_.data(), x->data(), size);
 }
 
 bool InvertRows(std::vector<float>* matrix, std::size_t n, std::size_t rows, std::vector<float>* inverse) {

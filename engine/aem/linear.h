@@ -14,11 +14,10 @@ double SolveDense(std::vector<double>* matrix, std::vector<double>* right, std::
 /// Factors of a dense matrix, row-major, for many right sides.
 class DenseFactors {
  public:
-  /// False: singular.
+  /// False: singular, and nothing is held.
   bool Factor(std::vector<double> matrix, std::size_t n);
-  /// x = inverse * x.
-  void Solve(double* x) const;
-  bool Empty() const { return n_ == 0; }
+  /// x = inverse * x; zeros when nothing is held.
+  void Solve(std::vector<double>* x) const;
 
  private:
   std::size_t n_ = 0;

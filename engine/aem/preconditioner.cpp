@@ -123,7 +123,7 @@ void Preconditioner::ChooseBlocks(const EquationParts& p) {
     block.own = std::size_t(own - block.unknowns.begin());
     if (block.own == 0) continue;
     Complete(&block);
-    Overlap(p, nodes[n].disc, &block);
+    Overlap(p, &block);
     blocks_.push_back(std::move(block));
   }
 }
@@ -150,14 +150,13 @@ void Preconditioner::AddUnknowns(const EquationParts& p, int leaf, Block* block)
 }
 
 /// The leaves nearest to the cluster, as many as the block may hold.
-void Preconditioner::Overlap(const EquationParts& p, const Disc& around, Block* block) const {
+void Preconditioner::Overlap(const EquationParts& p, Block* block) const {
   const auto& nodes = p.tree.Nodes();
   std::vector<std::pair<double, int>> around_it;
   for (int leaf : block->leaves)
     for (int other : nodes[leaf].near) {
       const Disc &a = nodes[leaf].disc, &b = nodes[other].disc;
-      around_it.emplace_back(std::abs(a.centre - b.centre) - b.radius - a.radius + 1e-6 * around.radius,
-                             other);
+      around_it.emplace_back(std::abs(a.centre - b.centre) - b.radius - a.radius, other);
     }
   std::sort(around_it.begin(), around_it.end());
   const std::size_t most = kBlockUnknowns + kOverlap;
@@ -331,7 +330,7 @@ void Preconditioner::Apply(const std::vector<double>& from, std::vector<double>*
   std::vector<double> coarse(coarse_, 0.0);
   for (std::size_t i = 0; i < from.size(); ++i)
     if (coarse_of_unknown_[i] >= 0) coarse[coarse_of_unknown_[i]] += from[i] / scale_[i];
-  factors_.Solve(coarse.data());
+  factors_.Solve(&coarse);  // nothing where the coarse system is singular: blocks alone are slower, not wrong
   for (std::size_t i = 0; i < from.size(); ++i)
     if (coarse_of_unknown_[i] >= 0) (*to)[i] += coarse[coarse_of_unknown_[i]];
 }

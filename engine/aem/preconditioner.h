@@ -59,7 +59,7 @@ class Preconditioner {
   bool Within(int unknown, const Block& block) const;
   void Invert(const EquationParts& p, Block* block);
   std::vector<double> BlockMatrix(const EquationParts& p, const Block& block) const;
-  void Overlap(const EquationParts& p, const Disc& around, Block* block) const;
+  void Overlap(const EquationParts& p, Block* block) const;
   void LocalField(const EquationParts& p, const std::vector<int>& leaves, std::vector<double>* field) const;
   void ScaleReference(const EquationParts& p);
 

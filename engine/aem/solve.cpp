@@ -67,11 +67,8 @@ bool Settled(const std::vector<double>& before, const std::vector<double>& after
   return change <= 1e-8 * largest;
 }
 
-}  // namespace
-
-namespace {
-
-/// Unknowns up to which the equations can be held whole: at 12,000 with 24,000 control points some 4 GiB.
+/// Memory that the equations may take when they are held whole: at 12,000 unknowns with 24,000 control points
+/// some 4 GiB.
 constexpr double kDenseBytes = 5.0e9;
 
 bool FitsDense(const System& s) {
@@ -88,6 +85,7 @@ class LinearSolver {
     influences_->Values(x, field, strength);
   }
   int Steps() const { return influences_->Steps(); }
+  bool Factorised() const { return !hierarchical_; }
   double Solve(const std::vector<Linearised>& linear, double tolerance, const GoOn& go_on,
                std::vector<double>* x) {
     const double residual = influences_->Solve(linear, tolerance, go_on, x);
@@ -108,12 +106,19 @@ class LinearSolver {
   std::unique_ptr<Influences> influences_;
 };
 
-}  // namespace
-
-namespace {
-
 /// One call of Iterate: steps of linearising and solving, and rounds of raising orders before the first.
 class Iteration {
+  static constexpr const char* kSingular =
+      "The system of equations has no single solution: look for elements that state two conditions at one "
+      "place, "
+      "or for a region without any given head.";
+  static constexpr const char* kTooHard =
+      "The equations could not be solved: the iteration of the linear system does not converge, and there "
+      "are too "
+      "many unknowns to factorise it.  Look for elements that state two conditions at one place, for a "
+      "region "
+      "without any given head and for conductivities that differ by many orders of magnitude, or leave out "
+      "vertices that do not matter.";
   static constexpr double kRough = 1e-7, kFine = 1e-10;
 
  public:
@@ -121,19 +126,18 @@ class Iteration {
       : s_(*system), asked_(asked), progress_(progress) {}
 
   IterationReport Run() {
-    constexpr int kRounds = 5;
+    constexpr int kRounds = 6;
     // Orders are chosen on what a rough solution shows.
     const bool began = s_.iterations_done == 0;
-    bool raising = began;
-    tolerance_ = raising ? kRough : kFine;
+    if (began) tolerance_ = kRough;
     bool good = Begin() && Step();
-    for (int round = 1; good && raising; ++round) {
-      if (round <= kRounds && !nothing_new_ && Raise()) {
-        good = Begin() && Step();
-        continue;
-      }
-      raising = false;
-      tolerance_ = kFine;
+    while (good && began && round_ < kRounds && !nothing_new_ && Raise()) {
+      ++round_;
+      good = Begin() && Step();
+    }
+    tolerance_ = kFine;
+    if (good && began && !solver_->Factorised()) {
+      ++round_;
       s_.iterations_done = report_.iterations = 0;
       good = Step();
     }
@@ -149,9 +153,11 @@ class Iteration {
   }
 
  private:
-  bool Report(double fraction, const char* what) {
-    const bool go_on =
-        !progress_ || progress_({report_.iterations + 1, asked_, fraction, report_.change, what});
+  /// `done`: iterations that are whole.  The first is solved in rounds, whose number nobody knows before:
+  /// each is given half of what is left.
+  bool Report(int done, double fraction, const char* what) {
+    if (done == 0) fraction = 1.0 - std::pow(0.5, round_ - 1) * (1.0 - 0.5 * fraction);
+    const bool go_on = !progress_ || progress_({done + 1, asked_, fraction, report_.change, what});
     report_.cancelled = !go_on;
     return go_on;
   }
@@ -165,7 +171,8 @@ class Iteration {
     depends_ = std::any_of(s_.controls.begin(), s_.controls.end(),
                            [&](const Control& c) { return DependsOnHead(s_, c); });
     solver_ = std::make_unique<LinearSolver>(s_);
-    if (!solver_->Assemble([&](double part) { return Report(0.5 * part, "assembling"); })) return false;
+    if (!solver_->Assemble([&](double part) { return Report(report_.iterations, 0.5 * part, "assembling"); }))
+      return false;
     solver_->Values(s_.x, &values_, &strengths_);
     if (s_.iterations_done == 0) StartValues(s_, &values_, &strengths_);
     return true;
@@ -177,17 +184,15 @@ class Iteration {
     linear_.clear();
     for (std::size_t q = 0; q < s_.controls.size(); ++q)
       linear_.push_back(Linearise(s_, s_.controls[q], values_[q], strengths_[q]));
-    if (!Report(0.5, "solving")) return false;
+    if (!Report(report_.iterations, 0.5, "solving")) return false;
     std::vector<double> next = s_.x, values, strengths;
     report_.residual = solver_->Solve(
-        linear_, tolerance_, [&](double part) { return Report(0.5 + 0.5 * part, "solving"); }, &next);
+        linear_, tolerance_,
+        [&](double part) { return Report(report_.iterations, 0.5 + 0.5 * part, "solving"); }, &next);
     report_.linear_steps += solver_->Steps();
     if (report_.residual == kCancelled) return false;
     if (!(report_.residual < std::max(1e-6, 2.0 * tolerance_))) {
-      Tell(Severity::kFatal,
-           "The system of equations has no single solution: look for elements that state two conditions at "
-           "one "
-           "place, or for a region without any given head.");
+      Tell(Severity::kFatal, solver_->Factorised() ? kSingular : kTooHard);
       return false;
     }
     solver_->Values(next, &values, &strengths);
@@ -207,7 +212,7 @@ class Iteration {
     const bool still =
         change.largest <= change.Tolerance() && switched == 0 && Settled(carried_before, s_.carried);
     report_.converged = !depends_ || (still && report_.iterations >= std::min(asked_, 2));
-    return Report(1.0, "iteration done");
+    return Report(report_.iterations - 1, 1.0, tolerance_ == kRough ? "choosing orders" : "iteration done");
   }
 
   /// Whether orders were raised and all begins anew.
@@ -235,6 +240,7 @@ class Iteration {
   IterationReport report_;
   bool depends_ = false;
   bool nothing_new_ = false;  ///< raising orders has come to its end
+  int round_ = 1;             ///< of raising orders
   double tolerance_ = kFine;  ///< of iterative linear solutions
   std::unique_ptr<LinearSolver> solver_;
   std::vector<Linearised> linear_;

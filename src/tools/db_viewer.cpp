@@ -28,14 +28,8 @@ constexpr std::array kControls{
     ControlSpec{.name = "grid", .kind = ControlKind::kTable, .caption = "Table"},
     ControlSpec{.name = "OPTIONS", .kind = ControlKind::kCheck, .caption = "&Allow Modifications"},
     ControlSpec{.name = "SQL", .kind = ControlKind::kButton, .caption = "S&QL..."},
-    ControlSpec{.name = "Copy",
-                .kind = ControlKind::kButton,
-                .caption = "&Copy",
-                .tip = "The selected rows, or all of them, to the clipboard"},
-    ControlSpec{.name = "Export",
-                .kind = ControlKind::kButton,
-                .caption = "&Save As CSV...",
-                .tip = "The table in its present order, with all digits"},
+    kCopyButton,
+    kExportButton,
     ControlSpec{.name = "HELP_CMDS", .kind = ControlKind::kButton, .caption = "&Help"},
     ControlSpec{
         .name = "EXIT", .kind = ControlKind::kButton, .caption = "E&xit", .role = ButtonRole::kReject}};

@@ -15,15 +15,7 @@ namespace {
 
 constexpr std::array kControls{
     ControlSpec{.name = "cboTable", .kind = ControlKind::kCombo, .caption = "&Results of"},
-    ControlSpec{.name = "grid", .kind = ControlKind::kTable},
-    ControlSpec{.name = "Copy",
-                .kind = ControlKind::kButton,
-                .caption = "&Copy",
-                .tip = "The selected rows, or all of them, to the clipboard"},
-    ControlSpec{.name = "Export",
-                .kind = ControlKind::kButton,
-                .caption = "&Save As CSV...",
-                .tip = "The table in its present order, with all digits"},
+    ControlSpec{.name = "grid", .kind = ControlKind::kTable}, kCopyButton, kExportButton,
     ControlSpec{
         .name = "Close", .kind = ControlKind::kButton, .caption = "Close", .role = ButtonRole::kReject}};
 

@@ -4,7 +4,19 @@
 #include <string>
 #include <string_view>
 
+#include "core/form.h"
+
 namespace ormel {
+
+/// The buttons of every form that shows a table.
+inline constexpr ControlSpec kCopyButton{.name = "Copy",
+                                         .kind = ControlKind::kButton,
+                                         .caption = "&Copy",
+                                         .tip = "The selected rows, or all of them, to the clipboard"};
+inline constexpr ControlSpec kExportButton{.name = "Export",
+                                           .kind = ControlKind::kButton,
+                                           .caption = "&Save As CSV...",
+                                           .tip = "The table in its present order, with all digits"};
 
 struct Ormel;
 class Table;
