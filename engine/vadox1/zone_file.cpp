@@ -10,7 +10,7 @@ namespace {
 void AppendRing(std::string& text, const std::vector<aem::Complex>& ring) {
   fmt::format_to(std::back_inserter(text), "RING {}\r\n", ring.size());
   for (const aem::Complex& at : ring)
-    fmt::format_to(std::back_inserter(text), "{:.12g} {:.12g}\r\n", at.real(), at.imag());
+    fmt::format_to(std::back_inserter(text), "{:.15g} {:.15g}\r\n", at.real(), at.imag());
 }
 
 void AppendZone(std::string& text, const zones::Zone& zone) {

@@ -14,7 +14,8 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 /// Lengths in parts of the zone's width (twice the area over the perimeter).
-constexpr double kGrid = 1e-9;     ///< of coordinates
+constexpr double kGrid = 1e-9;     ///< of coordinates while shapes are united
+constexpr double kWritten = 1e-6;  ///< of the coordinates that are handed out
 constexpr double kClosing = 1e-5;  ///< gaps narrower than twice this are closed
 /// Lengths in parts of the width times the tolerance: by which a drawn line is off its curve, and below which
 /// a vertex says nothing.
@@ -89,7 +90,17 @@ class Drawing {
   }
 
   Shape Simplify(const Shape& shape, double distance) const {
-    return shape ? Own(GEOSTopologyPreserveSimplify_r(geos_.get(), shape.get(), distance)) : Own(nullptr);
+    if (!shape) return Own(nullptr);
+    // The library keeps rings from crossing, but for where a ring begins.
+    Shape simple = Own(GEOSTopologyPreserveSimplify_r(geos_.get(), shape.get(), distance));
+    if (simple && GEOSisValid_r(geos_.get(), simple.get()) == 1) return simple;
+    return Own(GEOSGeom_clone_r(geos_.get(), shape.get()));
+  }
+
+  /// On a grid of decimal digits, so that what is written as text is what was checked.
+  Shape Round(const Shape& shape, double grid) const {
+    const double decimal = std::pow(10.0, std::floor(std::log10(grid)));
+    return shape ? Own(GEOSGeom_setPrecision_r(geos_.get(), shape.get(), decimal, 0)) : Own(nullptr);
   }
 
   double Area(const GEOSGeometry* shape) const {
@@ -307,7 +318,7 @@ Rings RingsOf(const Fan& fan, const Source& source, double time, double toleranc
   Shape all = drawing.Union(std::move(shapes), kGrid * width);
   all = drawing.Buffer(all, kClosing * width);
   all = drawing.Buffer(all, -kClosing * width);
-  all = drawing.Simplify(all, kSimplify * tolerance * width);
+  all = drawing.Round(drawing.Simplify(all, kSimplify * tolerance * width), kWritten * width);
   const GEOSGeometry* main = nullptr;
   for (const GEOSGeometry* polygon : drawing.Polygons(all)) {
     if (drawing.Holds(polygon, source.at)) {

@@ -60,8 +60,8 @@ Ground::Ground(const std::vector<Ring>& rings) : shape_(new Shape) {
   for (std::size_t i = 1; i < rings.size(); ++i)
     if (GEOSGeometry* hole = shape_->Line(rings[i])) holes.push_back(hole);
   if (outline == nullptr) return;
-  shape_->geometry = GEOSGeom_createPolygon_r(shape_->context, outline, holes.data(),
-                                              static_cast<unsigned>(holes.size()));
+  shape_->geometry =
+      GEOSGeom_createPolygon_r(shape_->context, outline, holes.data(), static_cast<unsigned>(holes.size()));
 }
 
 Ground::~Ground() {
@@ -75,6 +75,14 @@ Ground& Ground::operator=(Ground&& other) noexcept {
 
 bool Ground::Simple() const {
   return shape_->geometry != nullptr && GEOSisValid_r(shape_->context, shape_->geometry) == 1;
+}
+
+std::string Ground::WhyNotSimple() const {
+  if (shape_->geometry == nullptr) return "no ring";
+  char* words = GEOSisValidReason_r(shape_->context, shape_->geometry);
+  std::string why = words != nullptr ? words : "";
+  GEOSFree_r(shape_->context, words);
+  return why;
 }
 
 bool Ground::Holds(ModelPoint point) const {

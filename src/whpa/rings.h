@@ -1,6 +1,7 @@
 // What can be asked of the rings of a capture zone as geometry.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "core/types.h"
@@ -25,6 +26,8 @@ class Ground {
 
   /// No ring crosses or touches itself or another one.
   bool Simple() const;
+  /// Where and how it is not, in the library's words; for messages.
+  std::string WhyNotSimple() const;
   bool Holds(ModelPoint point) const;
   double Area() const;
   double AreaOutside(const Ground& other) const;

@@ -24,10 +24,10 @@ bool Consistent(const WellOutlines& well, const ZoneOutline& zone) {
 std::string FaultOf(const WellOutlines& well, const ZoneOutline& zone, const Ground& ground) {
   if (zone.rings.empty() || zone.rings.front().size() < 4) return "it has no outline.";
   if (!ground.Simple())
-    return "its outline crosses itself.  Outline it again with a smaller tolerance.";
+    return "its outline crosses itself (" + ground.WhyNotSimple() +
+           ").  Outline it again with a smaller tolerance.";
   if (!(RingArea(zone.rings.front()) > 0.0)) return "its outline runs the wrong way round.";
-  if (!ground.Holds(well.at))
-    return "its outline does not hold the well.  Look at the pathlines around it.";
+  if (!ground.Holds(well.at)) return "its outline does not hold the well.  Look at the pathlines around it.";
   if (!Consistent(well, zone) || std::fabs(ground.Area() - zone.area) > 1e-4 * zone.area)
     return "its numbers do not agree with one another.  Outline it again.";
   if (!(std::fabs(zone.balance) <= kZoneError))
@@ -74,7 +74,8 @@ class Checker {
       const double outside = grounds_[w][earlier].AreaOutside(grounds_[w][z]);
       const double part = outside / grounds_[w][earlier].Area();
       if (!(part <= kZoneError))
-        return Percent(part) + " of the zone of a shorter time lies outside of it.  Outline it again with a smaller "
+        return Percent(part) +
+               " of the zone of a shorter time lies outside of it.  Outline it again with a smaller "
                "tolerance.";
     }
     return {};
