@@ -12,6 +12,7 @@
 #include "qtdevice/write_picture.h"
 #include "shell/open_steps.h"
 #include "shell/solve_stamp.h"
+#include "store/database.h"
 #include "text/numbers.h"
 #include "text/strings.h"
 #include "view/map_output.h"
@@ -138,6 +139,10 @@ int Render(const CommonOptions& common, RenderOptions given) {
     throw UserError("there are no valid results to draw: " + reason + "; run: ormelcmd solve \"" +
                     given.path + "\", or draw without them by --no-results");
   SwitchLayers(ormel, given, !given.no_results);
+  if (ormel.layers.On(
+          Layer::kResultsOverlay))  // without the window's dialog: what each line-sink takes or gives
+    session.view().state().overlay = {
+        "Strength", ormel.db().Scalar("select max(abs(Discharge)) from LSResults").AsDouble()};
 
   // No window is shown: drawing needs no display unless the user asks for a platform.
   if (std::getenv("QT_QPA_PLATFORM") == nullptr) setenv("QT_QPA_PLATFORM", "offscreen", 1);
