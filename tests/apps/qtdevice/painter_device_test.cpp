@@ -294,7 +294,7 @@ TEST(PainterDevice, AreasLetShineThroughAndHalosCoverLines) {
       for (int x = 0; x < 120; ++x) ink += 255 - qRed(labelled.pixel(x, y));
     return ink;
   };
-  EXPECT_LT(ink_of_line(true), ink_of_line(false) * 0.95);
+  EXPECT_LT(ink_of_line(true), ink_of_line(false) * 95 / 100);
 }
 
 TEST(PainterDevice, AKeptPictureComesBackPixelForPixel) {
