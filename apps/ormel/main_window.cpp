@@ -14,6 +14,7 @@
 #include <cmath>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "core/processes.h"
 #include "core/status.h"
@@ -89,7 +90,7 @@ bool MainWindow::Busy() const {
 }
 
 MainWindow::Shown MainWindow::Present() const {
-  return {ormel_.menus.revision(), ormel_.project.ProjectOpen, ormel_.solution.ValidSolution};
+  return {ormel_.menus.revision(), ormel_.layers, ormel_.project.ProjectOpen, ormel_.solution.ValidSolution};
 }
 
 void MainWindow::Refresh() {
@@ -128,7 +129,7 @@ std::optional<Placement> MainWindow::PresentPlacement() const {
   placement.Left = place.x() * pixel;
   placement.Width = place.width() * pixel;
   placement.Height = place.height() * pixel;
-  placement.Toolbar = ormel_.menus.Checked("layermenu", kLayerToolbar);
+  placement.Toolbar = ormel_.layers.On(Layer::kToolbar);
   return placement;
 }
 

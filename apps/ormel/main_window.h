@@ -57,7 +57,7 @@ class MainWindow : public QMainWindow, public WindowCommands {
   void ShowAll();
   void OpenDropped(const QString& path);
 
-  using Shown = std::tuple<long, bool, bool>;
+  using Shown = std::tuple<long, LayerSwitches, bool, bool>;
   Shown Present() const;
 
   Ormel& ormel_;

@@ -53,7 +53,7 @@ void MenuActions::Show(const Entry& entry) {
   if (entry.line != nullptr) entry.line->setVisible(!caption.isEmpty());
   action.setEnabled(ItemEnabled(ormel_, item));
   action.setToolTip(ToQString(ItemTip(ormel_, item)));
-  if (action.isCheckable()) action.setChecked(ormel_.menus.Checked(item.control, item.index));
+  if (action.isCheckable()) action.setChecked(ItemChecked(ormel_, item));
 }
 
 void MenuActions::Refresh() {

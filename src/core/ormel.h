@@ -11,6 +11,7 @@
 #include <string>
 
 #include "core/gui_options.h"
+#include "core/layer_switches.h"
 #include "core/map_window.h"
 #include "core/menu_state.h"
 #include "core/mouse_state.h"
@@ -58,6 +59,7 @@ struct Ormel {
   SolutionState solution;
   GuiOptions gui;
   MenuState menus;
+  LayerSwitches layers;
   CommandState command;
   Ports ports;
 

@@ -1,6 +1,7 @@
 #include "model/observations.h"
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
@@ -222,7 +223,7 @@ void ModelAddText(Ormel& ormel) {
       row.ScalerX = ormel.window.SolveWindow.Width();
       StoreTextLabel(ormel, row, LastClick(ormel));
       if (row.type == LabelType::kHydrography) {
-        TurnOnLayer(ormel, kLayerHydrographyLabels);
+        TurnOnLayer(ormel, Layer::kHydrographyLabels);
         ormel.view().ZoomActions(Zoom::kRedrawInPlace);
       } else {
         ormel.view().DrawElement(Element::kTextLabel, -1, kSinglePoint, DrawMode::kNormal);
@@ -251,8 +252,8 @@ void ModelAddFluxInspect(Ormel& ormel) {
     if (!AskName(ormel, "Flux Inspection Line Properties", label)) return;
     BeginDigitizing(ormel, Element::kFluxLine, "Add Flux");
     DigitizePolygon(ormel, StoreFluxLine(ormel, label, {}));
-    TurnOnLayer(ormel, kLayerElements);
-    TurnOnLayer(ormel, kLayerTestPoints);
+    TurnOnLayer(ormel, Layer::kElements);
+    TurnOnLayer(ormel, Layer::kTestPoints);
   });
 }
 
@@ -276,8 +277,8 @@ void ModelAddCapzone(Ormel& ormel) {
     if (!AskName(ormel, "Capzone Properties", label)) return;
     BeginDigitizing(ormel, Element::kCapzone, "Add Capture Zone");
     DigitizePolygon(ormel, StoreCapzone(ormel, label, {}));
-    TurnOnLayer(ormel, kLayerElements);
-    TurnOnLayer(ormel, kLayerTestPoints);
+    TurnOnLayer(ormel, Layer::kElements);
+    TurnOnLayer(ormel, Layer::kTestPoints);
   });
 }
 

@@ -1,42 +1,18 @@
 #include "model/validity.h"
 
-#include <array>
 #include <cmath>
-#include <string_view>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
+#include "core/result_items.h"
 #include "core/solver_port.h"
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "store/database.h"
 
 namespace ormel {
-namespace {
-
-struct MenuItem {
-  std::string_view control;
-  int index;
-};
-
-/// What a user can do only with results.
-constexpr std::array kNeedResults{MenuItem{"MODELRUNFILES", 0},        MenuItem{"RESULTS_TABLE", 0},
-                                  MenuItem{"CALIBRATION_STATS", 0},    MenuItem{"MODEL_CMDS", 3},
-                                  MenuItem{"SolverIntegrityCheck", 0}, MenuItem{"SolverIntegrityCheck", 1}};
-
-}  // namespace
-
-void TurnOnLayer(Ormel& ormel, LayerItem layer) {
-  ormel.menus.Enable("layermenu", layer, true);
-  ormel.menus.Check("layermenu", layer, true);
-}
-
-void TurnOffLayer(Ormel& ormel, LayerItem layer) {
-  ormel.menus.Enable("layermenu", layer, false);
-  ormel.menus.Check("layermenu", layer, false);
-}
-
 void InvalidateSolution(Ormel& ormel, bool ask, bool redraw) {
   const Named named(ormel, "InvalidateSolution");
   if (!ormel.solution.ValidSolution) return;
@@ -47,12 +23,12 @@ void InvalidateSolution(Ormel& ormel, bool ask, bool redraw) {
                        Icon::kQuestion))
     return;
 
-  TurnOffLayer(ormel, kLayerContours);
-  TurnOffLayer(ormel, kLayerPathlines);
-  if (ormel.db().RowCount("TestPoints") == 0) TurnOffLayer(ormel, kLayerTestPoints);
-  ormel.menus.Check("layermenu", kLayerResultsOverlay, false);
-  ormel.menus.Check("layermenu", kLayerWhpas, false);
-  for (const MenuItem& item : kNeedResults) ormel.menus.Enable(item.control, item.index, false);
+  TurnOffLayer(ormel, Layer::kContours);
+  TurnOffLayer(ormel, Layer::kPathlines);
+  if (ormel.db().RowCount("TestPoints") == 0) TurnOffLayer(ormel, Layer::kTestPoints);
+  ormel.layers.Switch(Layer::kResultsOverlay, false);
+  ormel.layers.Switch(Layer::kCapzones, false);
+  EnableResultItems(ormel, false);
   ormel.solution.ValidSolution = false;
   ormel.solution.results_drawn = false;
   ormel.solution.traced_lines.clear();
@@ -72,7 +48,7 @@ void InvalidateContours(Ormel& ormel) {
     CommitSoFar(ormel);
     ormel.solver().RunContour();
   }
-  ormel.menus.Check("layermenu", kLayerContours, recompute);
+  ormel.layers.Switch(Layer::kContours, recompute);
   ormel.view().ZoomActions(Zoom::kRedrawInPlace);
 }
 

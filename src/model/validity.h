@@ -4,7 +4,6 @@
 namespace ormel {
 
 struct Ormel;
-enum LayerItem : int;
 
 /// The model has changed.  Does nothing without a valid solution.  With `ask` the user may keep the solution:
 /// then nothing changes at all.  Otherwise contours and pathlines leave the view, items that need results are
@@ -16,9 +15,5 @@ void InvalidateContours(Ormel& ormel);
 
 /// 0.004 of the diagonal of the present window [map units].
 double ComputeDefaultStep(const Ormel& ormel);
-
-/// Items of `layermenu`: enabled and checked, or disabled and not checked.
-void TurnOnLayer(Ormel& ormel, LayerItem layer);
-void TurnOffLayer(Ormel& ormel, LayerItem layer);
 
 }  // namespace ormel

@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "store/bulk.h"
 #include "store/database.h"
@@ -121,7 +122,7 @@ Vid ElemFindVertex(Ormel& ormel, MapPoint at) {
   if (found != kNothingFound) ormel.project.bound.Vertices->FindKey("VID", found);
 
   Recordset& labels = *ormel.project.bound.TextLabels;
-  const bool hydrography = ormel.menus.Checked("layermenu", kLayerHydrographyLabels);
+  const bool hydrography = ormel.layers.On(Layer::kHydrographyLabels);
   Bookmark nearest_label;
   labels.Requery();
   for (; labels.HasRow(); labels.MoveNext()) {

@@ -1,6 +1,7 @@
 #include "model/wells.h"
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
@@ -119,7 +120,7 @@ void ElemAddWell(Ormel& ormel) {
       const MapPoint at = ElemCheckVertices(ormel, form.At());
       const Vid vid = StoreWell(ormel, row, at);
       ormel.view().DrawElement(Element::kWell, vid, kSinglePoint, DrawMode::kNormal);
-      TurnOnLayer(ormel, kLayerElements);
+      TurnOnLayer(ormel, Layer::kElements);
     }
     ormel.view().Refresh();
     LeaveMouseMode(ormel);  // before a redraw, which may have something to say in the panels

@@ -5,9 +5,11 @@
 
 #include "core/command.h"
 #include "core/directory_memory.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/project.h"
+#include "core/result_items.h"
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/delete.h"
@@ -80,7 +82,7 @@ void MakeProject(Ormel& ormel, const std::string& path, const NewDatabaseWizard&
 void ShowStoredWhpas(Ormel& ormel) {
   ReadWhpaState(ormel);
   if (ormel.db().RowCount("WHPAs") == 0) return;
-  ormel.menus.Check("ShowWHPAs", true);
+  ormel.layers.Switch(Layer::kWhpas, true);
   ormel.menus.Enable("WHPA", true);
 }
 
@@ -93,9 +95,7 @@ void ResetSolution(Ormel& ormel) {
   ormel.solution.results_drawn = false;
   ormel.solution.traced_lines.clear();
   ormel.solution.SolutionTime = fresh.SolutionTime;
-  for (const char* control : {"RESULTS_TABLE", "MODELRUNFILES", "CALIBRATION_STATS"})
-    ormel.menus.Enable(control, false);
-  ormel.menus.Enable("MODEL_CMDS", 3, false);
+  EnableResultItems(ormel, false);
 }
 
 /// Everything behind the tests and the connection.
@@ -159,8 +159,8 @@ void FileOpenProject(Ormel& ormel, const std::string& path, bool isNew) {
   chosen = FullPath(ormel, chosen);
   if (ormel.project.ProjectOpen) FileCloseProject(ormel);
   WriteDefaultDirectory(ormel, kOpenProjectPathKey, FolderOf(chosen));
-  ormel.menus.Check("ShowWHPAs", false);
-  ormel.menus.Check("Haze", false);
+  ormel.layers.Switch(Layer::kWhpas, false);
+  ormel.layers.Switch(Layer::kHaze, false);
   EnableMouse(ormel);
   if (!TestProjectFile(ormel, chosen)) return;
   DisableMouse(ormel);
@@ -251,17 +251,17 @@ void FileCloseProject(Ormel& ormel) {
   MenuState& menus = ormel.menus;
   ormel.view().ElemTurnOffSelection();
   CloseAll(ormel);
-  for (int index = 0; index < 3; ++index) menus.Check("PATHLINES", index, false);
+  ormel.layers.Switch(Layer::kPathlines, false);
   ormel.view().TurnOffMenus();
   ormel.view().SetUpToolbar();
   menus.Enable("FILEMENU", true);
   menus.Enable("HELPMENU", true);
-  for (int index = 0; index < 3; ++index) menus.Check("EDITORGRID", index, false);
+  ormel.layers.Switch(Layer::kEditorGrid, false);
+  menus.Check("EDITORGRID", kGridSnap, false);
   EnableProjectCommands(ormel, false);
-  for (int index = 0; index < 2; ++index) {
-    menus.Check("SolverIntegrityCheck", index, false);
-    menus.Check("ShowVertices", index, false);
-  }
+  for (int index = 0; index < 2; ++index) menus.Check("SolverIntegrityCheck", index, false);
+  for (const Layer layer : {Layer::kLinesinkVertices, Layer::kDomainVertices})
+    ormel.layers.Switch(layer, false);
   ormel.project.folder.clear();  // the program's folder from now on
 }
 

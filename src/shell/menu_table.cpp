@@ -2,6 +2,7 @@
 // command.
 #include <array>
 
+#include "core/layers.h"
 #include "core/menu_state.h"
 #include "shell/commands.h"
 #include "shell/menus.h"
@@ -16,6 +17,7 @@ constexpr unsigned kProject = kNeedsProject;
 constexpr unsigned kCheck = kCheckable | kNeedsProject;
 constexpr unsigned kResults = kNeedsSolution | kNeedsProject;
 constexpr unsigned kLine = kSeparator;
+constexpr std::string_view kOfLayer{};  ///< the caption stands in the table of layers
 
 constexpr std::array kItems = std::to_array<MenuItem>({
     {"FILEMENU", 0, "&Project"},
@@ -58,49 +60,48 @@ constexpr std::array kItems = std::to_array<MenuItem>({
      c::CopyImage},
 
     {"VIEWMENU", 0, "&View"},
-    {"layermenu", kLayerElements, "Elements", "VIEWMENU", 0, kCheck, "", c::Layer},
-    {"layermenu", kLayerContours, "Contours", "VIEWMENU", 0, kCheck, "", c::Layer},
-    {"layermenu", kLayerPathlines, "Pathlines", "VIEWMENU", 0, kProject},
+    {"layermenu", kLayerElements, kOfLayer, "VIEWMENU", 0, kCheck, "", c::Layer},
+    {"layermenu", kLayerContours, kOfLayer, "VIEWMENU", 0, kCheck, "", c::Layer},
+    {"layermenu", kLayerPathlines, kOfLayer, "VIEWMENU", 0, kProject},
     {"PATHLINES", 0, "Show &Paths", "layermenu", kLayerPathlines, kCheck, "", c::Pathlines},
     {"PATHLINES", 1, "Time-of-Travel Tics", "layermenu", kLayerPathlines, kProject},
-    {"TMARKS", kTimeMarksShow, "Show Tic Marks", "PATHLINES", 1, kCheck, "", c::TimeMarks},
+    {"TMARKS", kTimeMarksShow, kOfLayer, "PATHLINES", 1, kCheck, "", c::TimeMarks},
     {"TMARKS", kTimeMarks1Year, "Every &1 Year", "PATHLINES", 1, kCheck | kLine, "", c::TimeMarks},
     {"TMARKS", kTimeMarks2Years, "Every &2 Years", "PATHLINES", 1, kCheck, "", c::TimeMarks},
     {"TMARKS", kTimeMarks5Years, "Every &5 Years", "PATHLINES", 1, kCheck, "", c::TimeMarks},
     {"TMARKS", kTimeMarksCustom, "&Custom...", "PATHLINES", 1, kCheck, "", c::TimeMarks},
     {"PATHLINES", 2, "Pathline &Elevation Tics", "layermenu", kLayerPathlines, kProject},
-    {"ZMARKS", kElevationMarksShow, "Show Tic Marks", "PATHLINES", 2, kCheck, "", c::ElevationMarks},
+    {"ZMARKS", kElevationMarksShow, kOfLayer, "PATHLINES", 2, kCheck, "", c::ElevationMarks},
     {"ZMARKS", kElevationMarksEnter, "Enter Spacing...", "PATHLINES", 2, kProject, "", c::ElevationMarks},
     {"CLEARTRACES", 0, "&Clear Traced Lines", "VIEWMENU", 0, kResults, "", c::ClearTraces},
-    {"layermenu", kLayerTestPoints, "Test Points", "VIEWMENU", 0, kProject},
+    {"layermenu", kLayerTestPoints, kOfLayer, "VIEWMENU", 0, kProject},
     {"TESTDISPLAY", kTestShow, "&Show Test Points", "layermenu", kLayerTestPoints, kCheck, "",
      c::TestDisplay},
-    {"TESTDISPLAY", kTestText, "&Text", "layermenu", kLayerTestPoints, kCheck, "", c::TestDisplay},
-    {"TESTDISPLAY", kTestScaledSymbols, "Scaled S&ymbols", "layermenu", kLayerTestPoints, kCheck, "",
-     c::TestDisplay},
-    {"TPSCALING", kTestScale5, "+/- &5", "layermenu", kLayerTestPoints, kCheck | kLine, "", c::TestScaling},
-    {"TPSCALING", kTestScale10, "+/- 10", "layermenu", kLayerTestPoints, kCheck, "", c::TestScaling},
-    {"TPSCALING", kTestScale20, "+/- 20", "layermenu", kLayerTestPoints, kCheck, "", c::TestScaling},
-    {"layermenu", kLayerResultsOverlay, "Results Overlay...", "VIEWMENU", 0, kResults, "", c::Layer},
-    {"layermenu", kLayerWhpas, "Wellhead Protection Areas", "VIEWMENU", 0, kCheck, "", c::Layer},
-    {"layermenu", kLayerHydrographyLabels, "Show Hydrography Labels", "VIEWMENU", 0, kCheck, "", c::Layer},
-    {"layermenu", kLayerHypsographyLabels, "Show Hypsography Labels", "VIEWMENU", 0, kCheck, "", c::Layer},
+    {"TESTDISPLAY", kTestText, kOfLayer, "layermenu", kLayerTestPoints, kCheck, "", c::TestDisplay},
+    {"TESTDISPLAY", kTestScaledSymbols, kOfLayer, "layermenu", kLayerTestPoints, kCheck, "", c::TestDisplay},
+    {"TPSCALING", kTestScale5, kOfLayer, "layermenu", kLayerTestPoints, kCheck | kLine, "", c::TestScaling},
+    {"TPSCALING", kTestScale10, kOfLayer, "layermenu", kLayerTestPoints, kCheck, "", c::TestScaling},
+    {"TPSCALING", kTestScale20, kOfLayer, "layermenu", kLayerTestPoints, kCheck, "", c::TestScaling},
+    {"layermenu", kLayerResultsOverlay, kOfLayer, "VIEWMENU", 0, kResults, "", c::Layer},
+    {"layermenu", kLayerWhpas, kOfLayer, "VIEWMENU", 0, kCheck, "", c::Layer},
+    {"layermenu", kLayerHydrographyLabels, kOfLayer, "VIEWMENU", 0, kCheck, "", c::Layer},
+    {"layermenu", kLayerHypsographyLabels, kOfLayer, "VIEWMENU", 0, kCheck, "", c::Layer},
     {"layermenu", kLayerShowVertices, "Show Vertices", "VIEWMENU", 0, kProject},
-    {"ShowVertices", kLinesinkVertices, "Linesink Vertices", "layermenu", kLayerShowVertices, kCheck, "",
+    {"ShowVertices", kLinesinkVertices, kOfLayer, "layermenu", kLayerShowVertices, kCheck, "",
      c::ShowVertices},
-    {"ShowVertices", kInhomogeneityVertices, "Inhomogeneity Vertices", "layermenu", kLayerShowVertices,
-     kCheck, "", c::ShowVertices},
-    {"ShowWHPAs", 0, "Show Simple WHPAs", "VIEWMENU", 0, kCheck, "", c::SimpleWhpas},
-    {"ShowWellLabels", 0, "Show Well Labels", "VIEWMENU", 0, kCheck, "", c::WellLabels},
-    {"layermenu", kLayerToolbar, "Toolbar", "VIEWMENU", 0, kCheckable | kLine, "", c::Layer},
+    {"ShowVertices", kInhomogeneityVertices, kOfLayer, "layermenu", kLayerShowVertices, kCheck, "",
+     c::ShowVertices},
+    {"ShowWHPAs", 0, kOfLayer, "VIEWMENU", 0, kCheck, "", c::SimpleWhpas},
+    {"ShowWellLabels", 0, kOfLayer, "VIEWMENU", 0, kCheck, "", c::WellLabels},
+    {"layermenu", kLayerToolbar, kOfLayer, "VIEWMENU", 0, kCheckable | kLine, "", c::Layer},
     {"layermenu", kLayerRefresh, "Refresh", "VIEWMENU", 0, kProject, "Ctrl+L", c::Layer},
-    {"layermenu", kLayerManualRedraw, "Manual Redraw", "VIEWMENU", 0, kCheck, "", c::Layer},
+    {"layermenu", kLayerManualRedraw, kOfLayer, "VIEWMENU", 0, kCheck, "", c::Layer},
     {"layermenu", kLayerBaseMap, "Base Map...", "VIEWMENU", 0, kProject | kLine},
     {"ViewGraphicsMenu", 0, "Vector Graphics", "VIEWMENU", 0, kProject},
     {"ViewGraphicsMenu", 1, "Raster Graphics", "VIEWMENU", 0, kProject},
     {"SelectBBMGroup", 0, "Select BBM Group", "VIEWMENU", 0, kProject},
-    {"Haze", 0, "Haze Background", "VIEWMENU", 0, kCheck, "", c::Haze},
-    {"EDITORGRID", kGridShow, "Show Editor Grid", "VIEWMENU", 0, kCheck | kLine, "", EDITORGRID},
+    {"Haze", 0, kOfLayer, "VIEWMENU", 0, kCheck, "", c::Haze},
+    {"EDITORGRID", kGridShow, kOfLayer, "VIEWMENU", 0, kCheck | kLine, "", EDITORGRID},
     {"EDITORGRID", kGridSnap, "Snap to Grid", "VIEWMENU", 0, kCheck, "", EDITORGRID},
     {"EDITORGRID", kGridSettings, "Editor Grid Settings...", "VIEWMENU", 0, kProject, "", EDITORGRID},
 

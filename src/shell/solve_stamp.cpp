@@ -7,7 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "core/layers.h"
 #include "core/ormel.h"
+#include "core/result_items.h"
 #include "model/validity.h"
 #include "solver/outside_programs.h"
 #include "store/bulk.h"
@@ -143,14 +145,6 @@ std::string Judge(Ormel& ormel, const std::vector<std::string>& stamp) {
   return {};
 }
 
-void SetLayer(Ormel& ormel, LayerItem layer, bool on) {
-  if (on) {
-    TurnOnLayer(ormel, layer);
-  } else {
-    TurnOffLayer(ormel, layer);
-  }
-}
-
 }  // namespace
 
 std::uint64_t ModelFingerprint(Ormel& ormel) {
@@ -191,12 +185,10 @@ std::string RestoreSolve(Ormel& ormel) {
   solution.ValidSolution = true;
   solution.GridValid = solution.ContoursValid = wanted.contours;
   solution.PathlinesValid = wanted.paths;
-  SetLayer(ormel, kLayerContours, wanted.contours);
-  SetLayer(ormel, kLayerPathlines, wanted.paths);
-  SetLayer(ormel, kLayerTestPoints, ormel.db().RowCount("TestPoints") > 0);
-  for (const char* item : {"RESULTS_TABLE", "MODELRUNFILES", "CALIBRATION_STATS"})
-    ormel.menus.Enable(item, true);
-  ormel.menus.Enable("MODEL_CMDS", 3, true);
+  SetLayer(ormel, Layer::kContours, wanted.contours);
+  SetLayer(ormel, Layer::kPathlines, wanted.paths);
+  SetLayer(ormel, Layer::kTestPoints, ormel.db().RowCount("TestPoints") > 0);
+  EnableResultItems(ormel, true);
   return {};
 }
 

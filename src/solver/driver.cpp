@@ -7,8 +7,10 @@
 #include <string>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
+#include "core/result_items.h"
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/model_settings.h"
@@ -249,32 +251,21 @@ class SolveRun {
   }
 
   void Contours() {
-    for (const char* item : {"RESULTS_TABLE", "MODELRUNFILES", "CALIBRATION_STATS"})
-      ormel_.menus.Enable(item, true);
+    EnableResultItems(ormel_, true);
     // Without a grid of this solution there is nothing to contour: an older one would give wrong lines.
     if (ormel_.solution.ContoursValid || !ormel_.solution.GridValid) return;
     DeleteTolerantly(StemFile(ormel_, ".CTR"));
     ormel_.solution.ContoursValid = RunContourProgram(ormel_, ormel_.project.OrmelBaseName);
   }
 
-  void SetLayer(LayerItem layer, bool on) {
-    if (on)
-      TurnOnLayer(ormel_, layer);
-    else
-      TurnOffLayer(ormel_, layer);
-  }
-
   void ShowResults() {
-    SetLayer(kLayerContours, model_.CONTOURShow != 0);
-    SetLayer(kLayerPathlines, model_.TRACECompute != 0);
-    SetLayer(kLayerTestPoints, ormel_.db().RowCount("TestPoints") > 0);
+    SetLayer(ormel_, Layer::kContours, model_.CONTOURShow != 0);
+    SetLayer(ormel_, Layer::kPathlines, model_.TRACECompute != 0);
+    SetLayer(ormel_, Layer::kTestPoints, ormel_.db().RowCount("TestPoints") > 0);
     ormel_.solution.ValidSolution = true;
-    ormel_.menus.Enable("SolverIntegrityCheck", 0, true);
-    ormel_.menus.Enable("SolverIntegrityCheck", 1, true);
     ModelLoadVadoxResults(ormel_);
     if (!request_.KeepSolution) Note(ormel_, "CURRENT");
     ormel_.view().ZoomActions(request_.ZoomAfter ? Zoom::kRedraw : Zoom::kRedrawInPlace);
-    ormel_.menus.Enable("MODEL_CMDS", 3, true);
     OfferLogs();
   }
 

@@ -8,6 +8,7 @@
 
 #include "core/command.h"
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
@@ -17,6 +18,7 @@
 #include "text/files.h"
 #include "text/numbers.h"
 #include "view/result_files.h"
+#include "view/styles.h"
 #include "view/vg_gdi.h"
 
 namespace ormel {
@@ -50,7 +52,7 @@ class ColouredWells {
       if (std::hypot(it->at.x - start.x, it->at.y - start.y) < it->reach &&
           (!found || found->order < it->order))
         found = &*it;
-    return found ? found->color : kPathlineColor;
+    return found ? found->color : StyleOf(StyleId::kPathline).color;
   }
 
  private:
@@ -68,12 +70,13 @@ void DrawPaths(const MapCanvas& canvas, const PathSet& set, const ColouredWells&
   for (const PathSet::Path& path : set.paths) {
     const std::span<const MapPoint> points(set.points.data() + path.first, path.count);
     if (points.empty()) continue;
-    canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, 1.0, wells.ColorAt(points.front()));
+    canvas.vg.vgGDIFineLine(points, StyleOf(StyleId::kPathline).width, wells.ColorAt(points.front()));
   }
 }
 
-void DrawTics(const MapCanvas& canvas, const std::vector<Tic>& tics, VgSymbol symbol) {
-  for (const Tic& tic : tics) canvas.vg.vgGDISymbol(tic.at, symbol, QBColor(0), QBColor(0));
+void DrawTics(const MapCanvas& canvas, const std::vector<Tic>& tics, StyleId id) {
+  const Style& style = StyleOf(id);
+  for (const Tic& tic : tics) canvas.vg.vgGDISymbol(tic.at, style.symbol, style.color, style.color);
   if (tics.size() >= kMostTics)
     Note(canvas.ormel, "Too many tic marks: only " + std::to_string(kMostTics) + " are drawn");
 }
@@ -113,16 +116,16 @@ void DrawModelPaths(const MapCanvas& canvas, ResultFiles& files, TicFiles& writt
   if (!ormel.solution.ValidSolution) return;
   const auto set = files.Paths(ormel, ResultFileName(ormel, ormel.project.OrmelBaseName, ".PTH"));
   if (!set) return;
-  if (ormel.menus.Checked("layermenu", kLayerPathlines)) DrawPaths(canvas, *set, wells);
+  if (ormel.layers.On(Layer::kPathlines)) DrawPaths(canvas, *set, wells);
 
   const MapRect window = canvas.vg.World();
   std::vector<Tic> times, elevations;
-  if (ormel.menus.Checked("TMARKS", kTimeMarksShow))
+  if (ormel.layers.On(Layer::kTimeTics))
     times = TimeTics(*set, ormel.solution.TimeTicSpacing, window, kMostTics);
-  if (ormel.menus.Checked("ZMARKS", kElevationMarksShow))
+  if (ormel.layers.On(Layer::kElevationTics))
     elevations = ElevationTics(*set, ormel.solution.ElevationTicSpacing, window, kMostTics);
-  DrawTics(canvas, times, VgSymbol::kDot);
-  DrawTics(canvas, elevations, VgSymbol::kUprightCross);
+  DrawTics(canvas, times, StyleId::kTimeTic);
+  DrawTics(canvas, elevations, StyleId::kElevationTic);
 
   const bool moved = written.folder != ormel.project.OrmelBasePath;
   WriteTicFile(ormel, "TICMARKST.TIC", TicText(times, false), written.time_text, moved);
@@ -144,13 +147,12 @@ std::optional<double> AskSpacing(Ormel& ormel, const InputBox& box) {
 void ModelDrawPathlines(const MapCanvas& canvas, ResultFiles& files, TicFiles& tics) {
   Ormel& ormel = canvas.ormel;
   const Named named(ormel, "ModelDrawPathlines");
-  const bool lines = ormel.menus.Checked("layermenu", kLayerPathlines);
-  const bool any = lines || ormel.menus.Checked("TMARKS", kTimeMarksShow) ||
-                   ormel.menus.Checked("ZMARKS", kElevationMarksShow);
+  const bool lines = ormel.layers.On(Layer::kPathlines);
+  const bool any = lines || ormel.layers.On(Layer::kTimeTics) || ormel.layers.On(Layer::kElevationTics);
   if (!any) return;
   const ColouredWells wells(ormel);
   DrawModelPaths(canvas, files, tics, wells);
-  if (!ormel.menus.Checked("ShowWHPAs")) return;
+  if (!ormel.layers.On(Layer::kWhpas)) return;
   for (const std::string& stem : WhpaStems(ormel)) {
     const auto set = files.Paths(ormel, ResultFileName(ormel, stem, ".PTH"));
     if (set) DrawPaths(canvas, *set, wells);
@@ -159,9 +161,8 @@ void ModelDrawPathlines(const MapCanvas& canvas, ResultFiles& files, TicFiles& t
 
 void PATHLINES(Ormel& ormel) {
   RunCommand(ormel, "PATHLINES", [&] {
-    const bool on = !ormel.menus.Checked("layermenu", kLayerPathlines);
-    ormel.menus.Check("layermenu", kLayerPathlines, on);
-    ormel.menus.Check("PATHLINES", 0, on);
+    const bool on = !ormel.layers.On(Layer::kPathlines);
+    ormel.layers.Switch(Layer::kPathlines, on);
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   });
 }
@@ -171,7 +172,7 @@ void TMARKS(Ormel& ormel, int index) {
     constexpr double kDays[] = {0.0, 365.0, 730.0, 1825.0};
     bool show = true;
     if (index == kTimeMarksShow) {
-      show = !ormel.menus.Checked("TMARKS", kTimeMarksShow);
+      show = !ormel.layers.On(Layer::kTimeTics);
     } else if (index == kTimeMarksCustom) {
       const auto days =
           AskSpacing(ormel, {"Time Mark Spacing", "Enter the spacing for the time tic-marks [days]:", "365"});
@@ -181,7 +182,7 @@ void TMARKS(Ormel& ormel, int index) {
       ormel.solution.TimeTicSpacing = kDays[index];
     }
     if (show && !(ormel.solution.TimeTicSpacing > 0.0)) ormel.solution.TimeTicSpacing = kDays[1];
-    ormel.menus.Check("TMARKS", kTimeMarksShow, show);
+    ormel.layers.Switch(Layer::kTimeTics, show);
     for (int item = kTimeMarks1Year; item <= kTimeMarksCustom; ++item)
       if (index != kTimeMarksShow) ormel.menus.Check("TMARKS", item, item == index);
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
@@ -192,16 +193,16 @@ void ZMARKS(Ormel& ormel, bool ask) {
   RunCommand(ormel, "ZMARKS", [&] {
     double& spacing = ormel.solution.ElevationTicSpacing;
     bool show = true;
-    if (ask || (!(spacing > 0.0) && !ormel.menus.Checked("ZMARKS", kElevationMarksShow))) {
+    if (ask || (!(spacing > 0.0) && !ormel.layers.On(Layer::kElevationTics))) {
       const auto entered = ormel.ui().Ask(
           InputBox{"Elevation Tics", "Enter spacing for elevation tic marks: ", NumberText(spacing)});
       if (!entered || entered->empty()) return;
       spacing = Val(*entered);
       show = spacing > 0.0;
     } else {
-      show = !ormel.menus.Checked("ZMARKS", kElevationMarksShow);
+      show = !ormel.layers.On(Layer::kElevationTics);
     }
-    ormel.menus.Check("ZMARKS", kElevationMarksShow, show);
+    ormel.layers.Switch(Layer::kElevationTics, show);
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   });
 }

@@ -36,8 +36,6 @@ struct TicFiles {
 /// path that begins within 2.1 radii of a well with a colour of its own has that colour.
 void ModelDrawPathlines(const MapCanvas& canvas, ResultFiles& files, TicFiles& tics);
 
-/// The system's colour of pathlines.
-inline constexpr Color kPathlineColor = QBColor(4);
 /// Marks of one kind on one picture; more could not be told apart.
 inline constexpr std::size_t kMostTics = 200'000;
 

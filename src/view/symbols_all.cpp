@@ -1,42 +1,18 @@
 #include <array>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "store/recordset.h"
+#include "view/capture_zones.h"
+#include "view/styles.h"
 #include "view/symbols.h"
 #include "view/vg_gdi.h"
-#include "view/whpa_drawing.h"
 
 namespace ormel {
 namespace {
-
-/// A kind of element in the order of drawing.
-struct ElementLayer {
-  const char* name;
-  bool with_elements;  ///< drawn only while "Elements" is on
-  void (*draw)(const MapCanvas&);
-};
-
-void DrawFlow(const MapCanvas& canvas) {
-  ElemDrawUniformFlow(canvas, DrawMode::kNormal);
-}
-
-constexpr std::array kElementLayers{
-    ElementLayer{"Uniform Flow", false, DrawFlow},
-    ElementLayer{"Wells", true, ElemDrawAllWells},
-    ElementLayer{"Linesinks", true, ElemDrawAllLinesinks},
-    ElementLayer{"Barriers", true, ElemDrawAllNoFlow},
-    ElementLayer{"Inhomogeneities", true, ElemDrawAllInhos},
-    ElementLayer{"Stream Boundaries", true, ElemDrawAllStreamBoundarys},
-    ElementLayer{"WHPAs", true, ElemDrawAllWHPAs},
-    ElementLayer{"Test Points", false, ModelDrawAllTestPoints},
-    ElementLayer{"Particles", false, ModelDrawAllParticles},
-    ElementLayer{"Flux Lines", false, ModelDrawAllFluxInspect},
-    ElementLayer{"Capture Zones", false, ModelDrawAllCapzones},
-    ElementLayer{"Text", false, ModelDrawAllText},
-};
 
 /// A point element: what one query by the vertex gives.
 bool PlaceOf(Ormel& ormel, Vid vid, MapPoint& at) {
@@ -113,7 +89,9 @@ void DrawLabelOf(const MapCanvas& canvas, Vid, Pid, DrawMode mode) {
        .size = labels->Get<int>("FontSize"),
        .bold = labels->Get<bool>("FontBold"),
        .italic = labels->Get<bool>("FontItalic"),
-       .color = ColorOfMode(mode, labels->Get<int>("LabelType") == 0 ? QBColor(0) : QBColor(13))});
+       .color = ColorOfMode(
+           mode,
+           StyleOf(labels->Get<int>("LabelType") == 0 ? StyleId::kTextLabel : StyleId::kMapLabel).color)});
 }
 
 struct SingleElement {
@@ -136,15 +114,6 @@ constexpr std::array kSingleElements{
 };
 
 }  // namespace
-
-void ElemDrawAll(const MapCanvas& canvas) {
-  const bool elements = canvas.ormel.menus.Checked("layermenu", kLayerElements);
-  for (const ElementLayer& layer : kElementLayers) {
-    if (layer.with_elements && !elements) continue;
-    canvas.vg.BeginLayer(layer.name);
-    layer.draw(canvas);
-  }
-}
 
 void DrawOneElement(const MapCanvas& canvas, Element element, Vid vid, Pid pid, DrawMode mode) {
   for (const SingleElement& single : kSingleElements) {

@@ -5,6 +5,7 @@
 
 #include "core/command.h"
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/solver_port.h"
@@ -50,7 +51,7 @@ void Redraw(Ormel& ormel) {
 
 /// An area that has just been made is to be seen, whatever the menu's switch said before.
 void ShowStored(Ormel& ormel) {
-  ormel.menus.Check("ShowWHPAs", true);
+  ormel.layers.Switch(Layer::kWhpas, true);
   Redraw(ormel);
 }
 

@@ -6,6 +6,7 @@
 
 #include "core/command.h"
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
@@ -281,7 +282,7 @@ void OutlineCaptureZone(Ormel& ormel) {
     ormel.ui().ShowForm(form);
     if (form.Result != 1) return;
     const int stored = OutlineCaptureZones(ormel, form.Request());
-    if (stored > 0) TurnOnLayer(ormel, kLayerWhpas);
+    if (stored > 0) TurnOnLayer(ormel, Layer::kCapzones);
     Note(ormel, std::to_string(stored) + " capture zones outlined");
     ormel.view().ZoomActions(Zoom::kRedraw);
   });

@@ -8,6 +8,7 @@
 
 #include "core/command.h"
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
@@ -245,11 +246,11 @@ void DeleteOldFiles(const Ormel& ormel, const std::string& stem) {
 
 void ShowAreas(Ormel& ormel) {
   const ModelValues model = ReadModel(ormel);
-  ormel.menus.Check("layermenu", kLayerContours, model.CONTOURShow != 0);
-  ormel.menus.Check("layermenu", kLayerPathlines, model.TRACECompute != 0);
-  if (ormel.db().RowCount("TestPoints") > 0) ormel.menus.Check("layermenu", kLayerTestPoints, true);
+  ormel.layers.Switch(Layer::kContours, model.CONTOURShow != 0);
+  ormel.layers.Switch(Layer::kPathlines, model.TRACECompute != 0);
+  if (ormel.db().RowCount("TestPoints") > 0) ormel.layers.Switch(Layer::kTestPoints, true);
   ormel.menus.Enable("WHPA", 3, true);
-  ormel.menus.Check("ShowWHPAs", true);
+  ormel.layers.Switch(Layer::kWhpas, true);
   ormel.view().ZoomActions(Zoom::kRedraw);
 }
 

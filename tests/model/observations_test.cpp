@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/layers.h"
 #include "form_rows.h"
 #include "model/observation_forms.h"
 #include "model/vertices.h"
@@ -102,7 +103,7 @@ TEST_F(Observations, text_label_keeps_font_place_and_scale) {
   ModelAddText(ormel);  // a second label at the same X
   EXPECT_EQ(test.Text("select FontName from TextLabels where Text='Orge'"), "Times");
   EXPECT_EQ(test.Number("select LabelType from TextLabels where Text='Orge'"), 1.0);
-  EXPECT_TRUE(ormel.menus.Checked("layermenu", kLayerHydrographyLabels));
+  EXPECT_TRUE(ormel.layers.On(Layer::kHydrographyLabels));
   EXPECT_EQ(test.view.zooms.size(), 1U);
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "core/layers.h"
 #include "model/linesinks.h"
 #include "model/observations.h"
 #include "one_commit.h"
@@ -86,7 +87,7 @@ TEST_F(Vertices, find_labels_only_where_they_show) {
   ormel.selection.radius_squared = 100.0;
   EXPECT_EQ(ElemFindVertex(ormel, {3, 0}), kLabelFound);
   EXPECT_EQ(CurrentTextLabel(ormel).Text, "town");
-  ormel.menus.Check("layermenu", kLayerHydrographyLabels, true);
+  ormel.layers.Switch(Layer::kHydrographyLabels, true);
   EXPECT_EQ(ElemFindVertex(ormel, {3, 0}), kLabelFound);
   EXPECT_EQ(CurrentTextLabel(ormel).Text, "river");
   EXPECT_EQ(ElemFindVertex(ormel, {5, 0}), vertex);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "form_rows.h"
 #include "model/digitize.h"
 #include "model/inhomogeneities.h"
@@ -216,7 +217,7 @@ TEST_F(Wells, add_stores_row_and_vertex_and_ends_the_mode) {
   EXPECT_EQ(test.Number("select PathlineColor from Wells"), -99.0) << "a colour is stored by an edit only";
   EXPECT_EQ(test.Number("select X from Vertices,Wells where Vertices.VID=Wells.VID"), 12.5);
   EXPECT_EQ(test.Number("select Seq from Vertices"), 0.0);
-  EXPECT_TRUE(ormel.menus.Checked("layermenu", kLayerElements));
+  EXPECT_TRUE(ormel.layers.On(Layer::kElements));
   EXPECT_TRUE(test.view.menus_on);
   EXPECT_EQ(ormel.mouse.MouseMode, MouseMode::kSelect);
   EXPECT_EQ(ormel.activity, "Select");

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "core/layers.h"
 #include "model/model_settings.h"
 #include "solver/fixture_project.h"
 #include "text/files.h"
@@ -76,7 +77,7 @@ TEST(Driver, NewRunSolvesContoursLoadsAndShows) {
   EXPECT_EQ(p.ui.wait_depth, 0);
   EXPECT_EQ(p.ui.progress, std::vector<double>{0.5});
   EXPECT_EQ(p.view.zooms, std::vector<Zoom>{Zoom::kRedraw});
-  EXPECT_TRUE(p.ormel.menus.Checked("layermenu", kLayerContours));
+  EXPECT_TRUE(p.ormel.layers.On(Layer::kContours));
   EXPECT_TRUE(p.ormel.menus.Enabled("RESULTS_TABLE"));
   // The error log says nothing but its first line.
   EXPECT_EQ(p.ui.viewed_files, std::vector<std::string>{p.dir / "message.log"});
@@ -145,7 +146,7 @@ void ExpectAsBefore(SolverProject& p) {
   const SolutionState& s = p.ormel.solution;
   EXPECT_TRUE(s.ValidSolution && s.GridValid && s.ContoursValid && s.PathlinesValid);
   EXPECT_TRUE(p.ormel.menus.Enabled("RESULTS_TABLE"));
-  EXPECT_TRUE(p.ormel.menus.Checked("layermenu", kLayerContours));
+  EXPECT_TRUE(p.ormel.layers.On(Layer::kContours));
   for (const char* file : {"town.SOL", "town.GRD", "town.PTH", "town.XTR", "town.CTR", "message.log"}) {
     ASSERT_TRUE(FileExists(p.dir / file)) << file;
     EXPECT_NE(ReadAll(p.dir / file), "half") << file;
@@ -296,7 +297,7 @@ TEST(Driver, WhatIsSwitchedOffLeavesNoFileOfAnotherSolution) {
   for (const char* file : {"town.GRD", "town.CTR", "town.PTH"})
     EXPECT_FALSE(FileExists(p.dir / file)) << file;
   EXPECT_EQ(p.processes.requests.size(), 2U) << "without a grid there is nothing to contour";
-  EXPECT_FALSE(p.ormel.menus.Checked("layermenu", kLayerContours));
+  EXPECT_FALSE(p.ormel.layers.On(Layer::kContours));
   EXPECT_TRUE(p.ormel.solution.ValidSolution);
 }
 

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "core/layers.h"
 #include "view/contours.h"
 #include "view/map_fixture.h"
 #include "view/pathlines.h"
@@ -36,8 +37,8 @@ std::string PathPointLine(double x, double y, double z, double t) {
 struct ResultProject : MapProject {
   ResultProject() {
     ormel.solution = {.ValidSolution = true, .PathlinesValid = true, .ContoursValid = true};
-    ormel.menus.Check("layermenu", kLayerContours, true);
-    ormel.menus.Check("layermenu", kLayerPathlines, true);
+    ormel.layers.Switch(Layer::kContours, true);
+    ormel.layers.Switch(Layer::kPathlines, true);
     ormel.db().Execute("update Model set CONTOURShow=1");
   }
   void Contours(const std::string& text) { WriteAll(dir / "town.CTR", text); }
@@ -95,7 +96,9 @@ TEST(Contours, HaveOneLabelAtTheFirstMidpointInsideTheBox) {
     std::string text = "LEVEL " + std::to_string(c.level) + "\r\n";
     for (const MapPoint& p : c.points) text += ContourPoint(p.x, p.y);
     t.Contours(text);
-    EXPECT_EQ(t.Drawn("Contours"), c.drawn) << c.what;
+    Strings drawn = t.Drawn("Contour Labels");
+    for (const std::string& line : t.surface.picture.Layer("Contours")) drawn.push_back(line);
+    EXPECT_EQ(drawn, c.drawn) << c.what;
   }
 }
 
@@ -106,11 +109,11 @@ TEST(Contours, AreDrawnOnlyWhenTheyBelongToTheSolution) {
   for (const int again : {1, 2})  // two wells of one area: its contours are drawn once
     t.ormel.db().Execute(
         "insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,WHPAText) values (?,0,0,0,'zone')", {again});
+  EXPECT_EQ(t.Drawn("Contours").size(), 1U);
+  t.ormel.layers.Switch(Layer::kWhpas, true);
   EXPECT_EQ(t.Drawn("Contours").size(), 2U);
-  t.ormel.menus.Check("ShowWHPAs", true);
-  EXPECT_EQ(t.Drawn("Contours").size(), 4U);
   EXPECT_THAT(t.Drawn("Contours"), Contains("line 12 200,100 218,100"));
-  t.ormel.menus.Check("ShowWHPAs", false);
+  t.ormel.layers.Switch(Layer::kWhpas, false);
   t.ormel.solution.ContoursValid = false;
   EXPECT_THAT(t.Drawn("Contours"), IsEmpty());
   t.ormel.solution.ContoursValid = true;

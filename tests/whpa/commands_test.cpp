@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "core/layers.h"
 #include "model/wells.h"
 #include "support/test_project.h"
 #include "whpa/delineation.h"
@@ -250,11 +251,11 @@ TEST(Whpa, ABoundaryGivenUpAfterItsFirstClickLeavesNoHalfOfIt) {
 
   // The same kind again keeps the name of its files, and what is stored is shown and can be deleted.
   program.clock.now.month += 1;
-  program.ormel.menus.Check("ShowWHPAs", false);
+  program.ormel.layers.Switch(Layer::kWhpas, false);
   ScriptPathlines(program, DrawWithoutBoundary);
   WHPA(program.ormel, 1);
   EXPECT_EQ(program.Text("select WHPAText from WHPAs"), stem);
-  EXPECT_TRUE(program.ormel.menus.Checked("ShowWHPAs"));
+  EXPECT_TRUE(program.ormel.layers.On(Layer::kWhpas));
   EXPECT_TRUE(program.ormel.menus.Enabled("DeleteWHPA", 2));
   EXPECT_FALSE(program.ormel.menus.Enabled("DeleteWHPA", 3));
 }

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "core/layers.h"
 #include "model/model_values.h"
 #include "model/wells.h"
 #include "support/test_project.h"
@@ -118,7 +119,7 @@ TEST_F(WhpaRunTest, ShowsTheAreasAfterARun) {
     return result;
   };
   ModelRunWHPAs(program.ormel);
-  EXPECT_TRUE(program.ormel.menus.Checked("ShowWHPAs"));
+  EXPECT_TRUE(program.ormel.layers.On(Layer::kWhpas));
   EXPECT_TRUE(program.ui.viewed_files.empty());
   EXPECT_EQ(program.ui.boxes.size(), 0U) << program.ui.LastText();
 }
