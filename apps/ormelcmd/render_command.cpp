@@ -7,10 +7,11 @@
 #include <memory>
 
 #include "core/menu_state.h"
+#include "core/status.h"
 #include "ormelcmd/options.h"
 #include "qtdevice/write_picture.h"
 #include "shell/open_steps.h"
-#include "shell/solve_stamp.h"
+#include "solver/solve_stamp.h"
 #include "text/strings.h"
 #include "view/map_output.h"
 #include "view/map_view_impl.h"
@@ -122,6 +123,7 @@ int Render(const CommonOptions& common, RenderOptions given) {
   if (!reason.empty())
     throw UserError("there are no valid results to draw: " + reason + "; run: ormelcmd solve \"" +
                     given.path + "\", or draw without them by --no-results");
+  if (const std::string notice = OlderModelNotice(ormel); !notice.empty()) session.ui().Say(notice);
   SwitchLayers(ormel, given, !given.no_results);
 
   // No window is shown: drawing needs no display unless the user asks for a platform.

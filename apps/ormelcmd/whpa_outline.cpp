@@ -6,7 +6,7 @@
 #include "core/command.h"
 #include "ormelcmd/table.h"
 #include "ormelcmd/whpa.h"
-#include "shell/solve_stamp.h"
+#include "solver/solve_stamp.h"
 #include "store/database.h"
 #include "text/strings.h"
 #include "whpa/outline_command.h"

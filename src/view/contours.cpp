@@ -5,9 +5,9 @@
 
 #include "core/command.h"
 #include "core/ormel.h"
+#include "solver/result_files.h"
 #include "store/database.h"
 #include "text/masks.h"
-#include "view/result_files.h"
 #include "view/vg_gdi.h"
 
 namespace ormel {

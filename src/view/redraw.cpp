@@ -7,7 +7,9 @@
 
 #include "core/command.h"
 #include "core/ormel.h"
+#include "solver/result_files.h"
 #include "view/contours.h"
+#include "view/pathlines.h"
 #include "view/symbols.h"
 #include "view/traced_lines.h"
 #include "view/vg_gdi.h"
@@ -40,15 +42,15 @@ void DrawElements(const MapCanvas& canvas, ViewState&) {
 bool ContoursWanted(const Ormel& ormel, const ViewState&) {
   return ormel.menus.Checked("layermenu", kLayerContours);
 }
-void DrawContours(const MapCanvas& canvas, ViewState& state) {
-  ModelDrawContours(canvas, state.files);
+void DrawContours(const MapCanvas& canvas, ViewState&) {
+  ModelDrawContours(canvas, ResultFilesOf(canvas.ormel));
 }
 
 bool PathlinesWanted(const Ormel& ormel, const ViewState&) {
   return ormel.menus.Checked("layermenu", kLayerPathlines);
 }
-void DrawPathlines(const MapCanvas& canvas, ViewState& state) {
-  ModelDrawPathlines(canvas, state.files, state.tics);
+void DrawPathlines(const MapCanvas& canvas, ViewState&) {
+  ModelDrawPathlines(canvas, ResultFilesOf(canvas.ormel));
 }
 
 bool TracedLinesWanted(const Ormel& ormel, const ViewState&) {

@@ -2,8 +2,8 @@
 
 #include "core/command.h"
 #include "core/ormel.h"
-#include "view/pathlines.h"
-#include "view/result_files.h"
+#include "solver/pathline_tics.h"
+#include "solver/result_files.h"
 #include "view/vg_gdi.h"
 
 namespace ormel {
@@ -20,9 +20,9 @@ void DrawMarks(const MapCanvas& canvas, const PathSet& set) {
     for (const Tic& tic : tics) canvas.vg.vgGDISymbol(tic.at, symbol, QBColor(0), QBColor(0));
   };
   if (ormel.menus.Checked("TMARKS", kTimeMarksShow))
-    draw(TimeTics(set, ormel.solution.TimeTicSpacing, window, kMostTics), VgSymbol::kDot);
+    draw(TimeTics(set, ormel.solution.TimeTicSpacing, &window, kMostTics), VgSymbol::kDot);
   if (ormel.menus.Checked("ZMARKS", kElevationMarksShow))
-    draw(ElevationTics(set, ormel.solution.ElevationTicSpacing, window, kMostTics), VgSymbol::kUprightCross);
+    draw(ElevationTics(set, ormel.solution.ElevationTicSpacing, &window, kMostTics), VgSymbol::kUprightCross);
 }
 
 }  // namespace
