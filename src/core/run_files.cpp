@@ -44,8 +44,7 @@ void DeleteTolerantly(const std::string& path) {
 }
 
 std::string FreeStem(const std::string& folder, std::string_view wanted) {
-  std::string base(wanted);
-  std::ranges::replace(base, '.', '_');
+  const std::string base(wanted);
   std::string stem = base;
   const auto taken = [&] {
     return FileExists(JoinPath(folder, stem + ".RUN")) ||
@@ -59,8 +58,7 @@ std::string FreeStem(const std::string& folder, std::string_view wanted) {
 
 void RemoveRunFiles(const Ormel& ormel, std::string_view stem) {
   if (stem.empty() || stem == "NONE") return;
-  for (const char* extension : kExtensions)
-    DeleteTolerantly(ModelFile(ormel, std::string(stem) + extension));
+  for (const char* extension : kExtensions) DeleteTolerantly(ModelFile(ormel, std::string(stem) + extension));
 }
 
 }  // namespace ormel

@@ -16,8 +16,7 @@ std::string StemFile(const Ormel& ormel, std::string_view extension);
 /// Deletes the file when it is there; a failure is no error.
 void DeleteTolerantly(const std::string& path);
 
-/// `wanted` as a stem of which no run's files lie in the folder, with a number behind it where they do.  Points
-/// become underscores: the solver would take what follows one for an extension.
+/// `wanted` as a stem of which no run's files lie in the folder, with a number behind it where they do.
 std::string FreeStem(const std::string& folder, std::string_view wanted);
 
 /// Deletes the files of the run of that stem; nothing for an empty stem and for "NONE", which names none.  A

@@ -224,17 +224,17 @@ TEST(Driver, AStemThatIsAnothersIsNotOverwritten) {
   EXPECT_TRUE(p.processes.requests.empty());
   EXPECT_NE(p.ui.LastText().find("town.orm"), std::string::npos) << p.ui.LastText();
   p.solve = [&](const ProcessRequest& request) {
-    EXPECT_EQ(request.arguments.back(), "town_2025");
-    WriteAll(p.dir / "town_2025.SOL", "its own");
-    WriteAll(p.dir / "town_2025.XTR", FullExtraction(p.ormel));
-    WriteAll(p.dir / "town_2025.GRD", "its own");
-    WriteAll(p.dir / "town_2025.CTR", "LEVEL 10\r\n");
-    WriteAll(p.dir / "town_2025.PTH", "* \r\n");
+    EXPECT_EQ(request.arguments.back(), "town.2025");
+    WriteAll(p.dir / "town.2025.SOL", "its own");
+    WriteAll(p.dir / "town.2025.XTR", FullExtraction(p.ormel));
+    WriteAll(p.dir / "town.2025.GRD", "its own");
+    WriteAll(p.dir / "town.2025.CTR", "LEVEL 10\r\n");
+    WriteAll(p.dir / "town.2025.PTH", "* \r\n");
     return Ended();
   };
   ModelRunVadox(p.ormel, {});
   EXPECT_TRUE(p.ormel.solution.ValidSolution);
-  EXPECT_EQ(p.Text("select OrmelBaseName from Project"), "town_2025");
+  EXPECT_EQ(p.Text("select OrmelBaseName from Project"), "town.2025");
   EXPECT_EQ(ReadAll(p.dir / "town.RUN"), stamp);
   EXPECT_EQ(ReadAll(p.dir / "town.SOL"), "new");
 }
