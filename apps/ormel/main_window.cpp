@@ -147,7 +147,17 @@ void MainWindow::AskWhileBusy() {
   if (!ui_.Waiting() || close_after_wait_) return;
   const Box box{kProgramTitle, "A run is still going on.\nStop it and close Ormel?", Buttons::kYesNo,
                 Icon::kQuestion};
-  if (ui_.Ask(box) != Answer::kYes) return;
+  if (ui_.Ask(box) == Answer::kYes) StopAndClose();
+}
+
+void MainWindow::EndByRequest() {
+  if (!ui_.Waiting())
+    close();
+  else if (!close_after_wait_)
+    StopAndClose();
+}
+
+void MainWindow::StopAndClose() {
   close_after_wait_ = true;
   ui_.RequestCancel();
   // The command first comes to its end, in the loop that this event interrupts.

@@ -51,9 +51,13 @@ class MainWindow : public QMainWindow, public WindowCommands {
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
 
+  /// The system asks the program to end: a run is cancelled first, without a question.
+  void EndByRequest();
+
  private:
   bool Busy() const;
   void AskWhileBusy();
+  void StopAndClose();
   void ShowAll();
   void OpenDropped(const QString& path);
 

@@ -8,10 +8,11 @@
 #include <memory>
 
 #include "core/layers.h"
+#include "core/status.h"
 #include "ormelcmd/options.h"
 #include "qtdevice/write_picture.h"
 #include "shell/open_steps.h"
-#include "shell/solve_stamp.h"
+#include "solver/solve_stamp.h"
 #include "store/database.h"
 #include "text/numbers.h"
 #include "text/strings.h"
@@ -138,6 +139,7 @@ int Render(const CommonOptions& common, RenderOptions given) {
   if (!reason.empty())
     throw UserError("there are no valid results to draw: " + reason + "; run: ormelcmd solve \"" +
                     given.path + "\", or draw without them by --no-results");
+  if (const std::string notice = OlderModelNotice(ormel); !notice.empty()) session.ui().Say(notice);
   SwitchLayers(ormel, given, !given.no_results);
   if (ormel.layers.On(
           Layer::kResultsOverlay))  // without the window's dialog: what each line-sink takes or gives

@@ -4,10 +4,11 @@
 #include <memory>
 
 #include "core/command.h"
+#include "core/status.h"
 #include "core/table.h"
 #include "ormelcmd/table.h"
 #include "ormelcmd/whpa.h"
-#include "shell/solve_stamp.h"
+#include "solver/solve_stamp.h"
 #include "store/database.h"
 #include "text/strings.h"
 #include "tools/zone_table.h"
@@ -45,6 +46,7 @@ int Outline(const CommonOptions& common, const OutlineOptions& given) {
   if (const std::string reason = RestoreSolve(ormel); !reason.empty())
     throw UserError("capture zones need a solved model: " + reason + "; run: ormelcmd solve \"" + given.path +
                     "\"");
+  if (const std::string notice = OlderModelNotice(ormel); !notice.empty()) session.ui().Say(notice);
   OutlineRequest request;
   request.wells = Chosen(CaptureWells(ormel), given.wells, "pumping well");
   request.years = given.years;

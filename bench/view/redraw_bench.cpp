@@ -4,9 +4,9 @@
 #include <benchmark/benchmark.h>
 
 #include "bench_device.h"
+#include "solver/result_files.h"
 #include "town.h"
 #include "view/mouse.h"
-#include "view/result_files.h"
 
 namespace ormel {
 namespace {

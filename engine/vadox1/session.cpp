@@ -203,7 +203,8 @@ void Session::Do(const ExtractCommand& command) {
   if (command.file.empty())
     throw Fatal("\"extract\" names no file. Write \"file\" and a name into its block.");
   std::vector<aem::Finding> findings;
-  files::WriteWholeFile(command.file, ExtractionText(solution, command, findings));
+  const std::string origin = fmt::format("* Origin {:.15g} {:.15g}\r\n", deck_.origin.x, deck_.origin.y);
+  files::WriteWholeFile(command.file, origin + ExtractionText(solution, command, findings));
   for (const aem::Finding& finding : findings) logs_.Report(finding, true);
 }
 

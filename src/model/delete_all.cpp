@@ -6,6 +6,7 @@
 #include "core/command.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
+#include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/delete.h"
@@ -131,11 +132,7 @@ void DeleteArea(Ormel& ormel, const WhpaRow& row) {
   if (row.type != 1) DeleteImage(ormel, row.well);
   for (const Vid vid : {row.vid1, row.vid2})
     if (vid > 0) DeleteVertex(ormel, vid);
-  if (!row.ran || row.stem.empty() || row.stem == "NONE") return;
-  for (const char* extension : {".DAT", ".SOL", ".XTR", ".PTH", ".CTR", ".GRD"}) {
-    std::error_code ignored;  // not all of them exist
-    std::filesystem::remove(JoinPath(ormel.project.folder, row.stem + extension), ignored);
-  }
+  if (row.ran) RemoveRunFiles(ormel, row.stem);
 }
 
 }  // namespace

@@ -1,15 +1,16 @@
 #include "model/move.h"
 
 #include <array>
-#include <filesystem>
 #include <string_view>
 
 #include "core/command.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
+#include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/digitize.h"
+#include "model/image_wells.h"
 #include "model/model_values.h"
 #include "model/validity.h"
 #include "model/vertices.h"
@@ -17,7 +18,6 @@
 #include "store/bulk.h"
 #include "store/database.h"
 #include "store/recordset.h"
-#include "text/files.h"
 
 namespace ormel {
 namespace {
@@ -49,15 +49,6 @@ void MoveReference(Ormel& ormel, MapPoint to) {
   model.UNIFLOWRefX = to.x;
   model.UNIFLOWRefY = to.y;
   WriteModel(ormel, model);
-}
-
-/// The run files of a protection area whose boundary has moved show what is no more.
-void DeleteRunFiles(const Ormel& ormel, const std::string& stem) {
-  if (stem.empty() || stem == "NONE") return;
-  for (const char* extension : {".DAT", ".SOL", ".XTR", ".PTH", ".CTR", ".GRD"}) {
-    std::error_code ignored;  // most of them do not exist
-    std::filesystem::remove(JoinPath(ormel.project.folder, stem + extension), ignored);
-  }
 }
 
 struct BoundaryRow {
@@ -96,9 +87,9 @@ void MoveBoundary(Ormel& ormel, Vid vid, MapPoint to) {
       const MapPoint at{well.Double(0), well.Double(1)};
       MirrorWell(ormel, row.well, row.point1, row.point2, at);
     }
-    DeleteRunFiles(ormel, row.stem);
+    RemoveRunFiles(ormel, row.stem);  // they show what is no more
   }
-  DeleteRunFiles(ormel, ormel.project.OrmelBaseName);
+  RemoveRunFiles(ormel, ormel.project.OrmelBaseName);
   InvalidateSolution(ormel, true, true);
 }
 
@@ -106,6 +97,9 @@ void MoveBoundary(Ormel& ormel, Vid vid, MapPoint to) {
 void FollowUp(Ormel& ormel, Element element, Vid vid, MapPoint to) {
   switch (element) {
     case Element::kWell:
+      RemakeImageWells(ormel);
+      InvalidateSolution(ormel, true, true);
+      break;
     case Element::kLinesink:
     case Element::kBarrier:
     case Element::kInhomogeneity:

@@ -20,8 +20,11 @@ void InvalidateSolution(Ormel& ormel, bool ask, bool redraw) {
                        Lines({"This change may make the current solution inconsistent with your",
                               "current element layout.  Do you want to remove the current solution",
                               "and results from view and invalidate the solution?  "}),
-                       Icon::kQuestion))
+                       Icon::kQuestion)) {
+    ormel.solution.OfOlderModel = true;
+    NoteSolution(ormel);
     return;
+  }
 
   TurnOffLayer(ormel, Layer::kContours);
   TurnOffLayer(ormel, Layer::kPathlines);
@@ -30,6 +33,7 @@ void InvalidateSolution(Ormel& ormel, bool ask, bool redraw) {
   ormel.layers.Switch(Layer::kCapzones, false);
   EnableResultItems(ormel, false);
   ormel.solution.ValidSolution = false;
+  ormel.solution.OfOlderModel = false;
   ormel.solution.results_drawn = false;
   ormel.solution.traced_lines.clear();
   if (redraw) ormel.view().ZoomActions(Zoom::kRedrawInPlace);

@@ -28,7 +28,6 @@
 #include "shell/integrity.h"
 #include "shell/lifecycle.h"
 #include "shell/recent_projects.h"
-#include "shell/solve_stamp.h"
 #include "solver/driver.h"
 #include "solver/extents.h"
 #include "solver/inspection.h"
@@ -41,20 +40,6 @@
 #include "whpa/outline_command.h"
 
 namespace ormel::command {
-namespace {
-
-/// Lets other programs, and the next opening, know the solve; not results of another time than the project
-/// starts with.  A folder that takes no file has lost nothing by that.
-void StampSolve(Ormel& ormel) {
-  if (!ormel.solution.ValidSolution || ormel.solution.SolutionTime != 0.0) return;
-  try {
-    WriteSolveStamp(ormel);
-  } catch (const FileError& e) {
-    Inform(ormel, kProgramTitle, e.what(), Icon::kWarning);
-  }
-}
-
-}  // namespace
 
 void File(Ormel& ormel, int index) {
   switch (index) {
@@ -152,11 +137,9 @@ void Model(Ormel& ormel, int index) {
       return ormel.view().SetUpLayers();
     case 2:
       ormel.solver().ModelRunVadox({.AskFirst = true, .ZoomAfter = true, .ViewLogs = true});
-      if (ormel.solution.ValidSolution) Note(ormel, "CURRENT");
-      return StampSolve(ormel);
+      return NoteSolution(ormel);
     case 3:
-      ormel.solver().ModelRunVadox({true, true, true, true, true});
-      return StampSolve(ormel);
+      return ormel.solver().ModelRunVadox({true, true, true, true, true});
     case 4:
       return BeginParticle(ormel);
     case 5:
@@ -170,7 +153,6 @@ void Model(Ormel& ormel, int index) {
 
 void SolutionTime(Ormel& ormel, int /*index*/) {
   ormel::SolutionTime(ormel);
-  StampSolve(ormel);
 }
 
 void ModelSize(Ormel& ormel, int /*index*/) {

@@ -21,7 +21,8 @@
 #include "shell/project_copy.h"
 #include "shell/project_settings.h"
 #include "shell/recent_projects.h"
-#include "shell/solve_stamp.h"
+#include "solver/run.h"
+#include "solver/solve_stamp.h"
 #include "store/database.h"
 #include "store/schema.h"
 #include "store/store_error.h"
@@ -93,6 +94,8 @@ void ResetSolution(Ormel& ormel) {
   ormel.solution.GridValid = false;
   ormel.solution.ContoursValid = false;
   ormel.solution.results_drawn = false;
+  ormel.solution.solved.reset();
+  ormel.solution.OfOlderModel = false;
   ormel.solution.traced_lines.clear();
   ormel.solution.SolutionTime = fresh.SolutionTime;
   EnableResultItems(ormel, false);
@@ -102,6 +105,7 @@ void ResetSolution(Ormel& ormel) {
 void LoadProject(Ormel& ormel, const std::string& path, bool isNew) {
   if (isNew) ShowNewProjectSettings(ormel);
   RepairBasePath(ormel);
+  TakeBackInterruptedRun(ormel);
   Extents maps;
   const bool has_maps = LoadBaseMaps(ormel, maps);
   LoadDataControls(ormel);
@@ -113,7 +117,7 @@ void LoadProject(Ormel& ormel, const std::string& path, bool isNew) {
   ormel.project.ProjectOpen = true;
   EnableProjectCommands(ormel, true);
   ormel.view().TurnOnMenus();
-  const bool solved = ormel.solution.restore_on_open && RestoreSolve(ormel).empty();
+  if (ormel.solution.restore_on_open) RestoreSolve(ormel);
   ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   EnableMouse(ormel);
   for (int index = 0; index < 2; ++index) ormel.menus.Enable("SolverIntegrityCheck", index, true);
@@ -121,7 +125,7 @@ void LoadProject(Ormel& ormel, const std::string& path, bool isNew) {
   ormel.gui.VertexTolerance = DefaultVertexTolerance(ormel);
   ShowTitle(ormel);
   SelectStatus(ormel);
-  Note(ormel, solved ? "CURRENT" : "");
+  NoteSolution(ormel);
   ormel.view().SetUpToolbar();
   DBIntegrity(ormel);
   RememberProject(ormel, path);

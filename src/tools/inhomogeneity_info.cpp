@@ -9,7 +9,7 @@
 #include "core/table.h"
 #include "model/geometry.h"
 #include "model/vertices.h"
-#include "solver/deck_writer.h"
+#include "solver/deck_labels.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/masks.h"

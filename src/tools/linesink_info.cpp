@@ -10,7 +10,7 @@
 #include "core/ormel.h"
 #include "core/table.h"
 #include "model/vertices.h"
-#include "solver/deck_writer.h"
+#include "solver/deck_labels.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/masks.h"

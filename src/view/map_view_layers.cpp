@@ -3,6 +3,7 @@
 #include "core/layers.h"
 #include "core/ormel.h"
 #include "core/user_interface.h"
+#include "solver/result_files.h"
 #include "store/database.h"
 #include "view/map_view_impl.h"
 
@@ -24,7 +25,7 @@ void MapViewImpl::SetUpLayers() {
   const bool fresh = layers_of_ != ormel_.project.DBName;
   layers_of_ = ormel_.project.DBName;
   if (fresh) {
-    state_.files.Clear();
+    ResultFilesOf(ormel_).Clear();
     state_.overlay = {};
   }
   OfferLayers(fresh);

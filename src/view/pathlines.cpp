@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <optional>
 #include <span>
 
@@ -13,11 +12,11 @@
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "solver/pathline_tics.h"
+#include "solver/result_files.h"
 #include "store/bulk.h"
 #include "store/database.h"
-#include "text/files.h"
 #include "text/numbers.h"
-#include "view/result_files.h"
 #include "view/styles.h"
 #include "view/vg_gdi.h"
 
@@ -81,36 +80,7 @@ void DrawTics(const MapCanvas& canvas, const std::vector<Tic>& tics, StyleId id)
     Note(canvas.ormel, "Too many tic marks: only " + std::to_string(kMostTics) + " are drawn");
 }
 
-std::string TicText(const std::vector<Tic>& tics, bool with_multiple) {
-  std::string text;
-  for (const Tic& tic : tics) {
-    std::string line = RawNumber(tic.at.x);
-    PrintZoneTab(line);
-    line += RawNumber(tic.at.y);
-    if (with_multiple) {
-      PrintZoneTab(line);
-      line += RawNumber(static_cast<double>(tic.multiple));
-    }
-    text += line;
-    text += "\r\n";
-  }
-  return text;
-}
-
-/// A scratch file that nobody reads back: written only when its text changes, without waiting for the disk.
-void WriteTicFile(Ormel& ormel, const char* name, const std::string& text, std::string& last, bool again) {
-  const std::string file = JoinPath(ormel.project.OrmelBasePath, name);
-  if (!again && text == last) return;
-  std::ofstream out(file, std::ios::binary | std::ios::trunc);
-  out << text;
-  if (out.flush())
-    last = text;
-  else
-    Note(ormel, "Cannot write " + file);
-}
-
-void DrawModelPaths(const MapCanvas& canvas, ResultFiles& files, TicFiles& written,
-                    const ColouredWells& wells) {
+void DrawModelPaths(const MapCanvas& canvas, ResultFiles& files, const ColouredWells& wells) {
   Ormel& ormel = canvas.ormel;
   // Paths of a model that has changed since would tell a town the wrong water.
   if (!ormel.solution.ValidSolution) return;
@@ -121,16 +91,12 @@ void DrawModelPaths(const MapCanvas& canvas, ResultFiles& files, TicFiles& writt
   const MapRect window = canvas.vg.World();
   std::vector<Tic> times, elevations;
   if (ormel.layers.On(Layer::kTimeTics))
-    times = TimeTics(*set, ormel.solution.TimeTicSpacing, window, kMostTics);
+    times = TimeTics(*set, ormel.solution.TimeTicSpacing, &window, kMostTics);
   if (ormel.layers.On(Layer::kElevationTics))
-    elevations = ElevationTics(*set, ormel.solution.ElevationTicSpacing, window, kMostTics);
+    elevations = ElevationTics(*set, ormel.solution.ElevationTicSpacing, &window, kMostTics);
   DrawTics(canvas, times, StyleId::kTimeTic);
   DrawTics(canvas, elevations, StyleId::kElevationTic);
 
-  const bool moved = written.folder != ormel.project.OrmelBasePath;
-  WriteTicFile(ormel, "TICMARKST.TIC", TicText(times, false), written.time_text, moved);
-  WriteTicFile(ormel, "TICMARKSZ.TIC", TicText(elevations, true), written.elevation_text, moved);
-  written.folder = ormel.project.OrmelBasePath;
   if (!ormel.solution.PathlinesValid) Note(ormel, "Pathlines of an earlier trace");
 }
 
@@ -144,14 +110,14 @@ std::optional<double> AskSpacing(Ormel& ormel, const InputBox& box) {
 
 }  // namespace
 
-void ModelDrawPathlines(const MapCanvas& canvas, ResultFiles& files, TicFiles& tics) {
+void ModelDrawPathlines(const MapCanvas& canvas, ResultFiles& files) {
   Ormel& ormel = canvas.ormel;
   const Named named(ormel, "ModelDrawPathlines");
   const bool lines = ormel.layers.On(Layer::kPathlines);
   const bool any = lines || ormel.layers.On(Layer::kTimeTics) || ormel.layers.On(Layer::kElevationTics);
   if (!any) return;
   const ColouredWells wells(ormel);
-  DrawModelPaths(canvas, files, tics, wells);
+  DrawModelPaths(canvas, files, wells);
   if (!ormel.layers.On(Layer::kWhpas)) return;
   for (const std::string& stem : WhpaStems(ormel)) {
     const auto set = files.Paths(ormel, ResultFileName(ormel, stem, ".PTH"));
@@ -185,6 +151,7 @@ void TMARKS(Ormel& ormel, int index) {
     ormel.layers.Switch(Layer::kTimeTics, show);
     for (int item = kTimeMarks1Year; item <= kTimeMarksCustom; ++item)
       if (index != kTimeMarksShow) ormel.menus.Check("TMARKS", item, item == index);
+    WriteTicFiles(ormel);
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   });
 }
@@ -203,6 +170,7 @@ void ZMARKS(Ormel& ormel, bool ask) {
       show = !ormel.layers.On(Layer::kElevationTics);
     }
     ormel.layers.Switch(Layer::kElevationTics, show);
+    WriteTicFiles(ormel);
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   });
 }

@@ -8,6 +8,7 @@
 #include "core/command.h"
 #include "core/layers.h"
 #include "core/ormel.h"
+#include "solver/result_files.h"
 #include "view/capture_zones.h"
 #include "view/contours.h"
 #include "view/label_placer.h"
@@ -38,17 +39,17 @@ void DrawFlow(const MapCanvas& canvas, ViewState&) {
   ElemDrawUniformFlow(canvas, DrawMode::kNormal);
 }
 
-void DrawContours(const MapCanvas& canvas, ViewState& state) {
-  ModelDrawContours(canvas, state.files);
+void DrawContours(const MapCanvas& canvas, ViewState&) {
+  ModelDrawContours(canvas, ResultFilesOf(canvas.ormel));
 }
 
-void DrawContourLabels(const MapCanvas& canvas, ViewState& state) {
+void DrawContourLabels(const MapCanvas& canvas, ViewState&) {
   if (Shown(canvas.ormel, Layer::kWells)) ReserveWells(canvas);
-  ModelDrawContourLabels(canvas, state.files);
+  ModelDrawContourLabels(canvas, ResultFilesOf(canvas.ormel));
 }
 
-void DrawPathlines(const MapCanvas& canvas, ViewState& state) {
-  ModelDrawPathlines(canvas, state.files, state.tics);
+void DrawPathlines(const MapCanvas& canvas, ViewState&) {
+  ModelDrawPathlines(canvas, ResultFilesOf(canvas.ormel));
 }
 
 bool AnyTracedLines(const Ormel& ormel, const ViewState&) {

@@ -8,15 +8,12 @@
 #include "core/layer_switches.h"
 #include "view/canvas.h"
 #include "view/pathlines.h"
-#include "view/result_files.h"
 #include "view/results_overlay.h"
 
 namespace ormel {
 
 /// What the view keeps between two drawings.
 struct ViewState {
-  ResultFiles files;
-  TicFiles tics;
   OverlaySettings overlay;
   /// Draws the base maps; empty while there are none.
   std::function<void(const MapCanvas&)> basemaps;

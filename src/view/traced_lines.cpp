@@ -3,8 +3,9 @@
 #include "core/command.h"
 #include "core/layers.h"
 #include "core/ormel.h"
+#include "solver/pathline_tics.h"
+#include "solver/result_files.h"
 #include "view/pathlines.h"
-#include "view/result_files.h"
 #include "view/styles.h"
 #include "view/vg_gdi.h"
 
@@ -23,9 +24,9 @@ void DrawMarks(const MapCanvas& canvas, const PathSet& set) {
     for (const Tic& tic : tics) canvas.vg.vgGDISymbol(tic.at, style.symbol, style.color, style.color);
   };
   if (ormel.layers.On(Layer::kTimeTics))
-    draw(TimeTics(set, ormel.solution.TimeTicSpacing, window, kMostTics), StyleId::kTimeTic);
+    draw(TimeTics(set, ormel.solution.TimeTicSpacing, &window, kMostTics), StyleId::kTimeTic);
   if (ormel.layers.On(Layer::kElevationTics))
-    draw(ElevationTics(set, ormel.solution.ElevationTicSpacing, window, kMostTics), StyleId::kElevationTic);
+    draw(ElevationTics(set, ormel.solution.ElevationTicSpacing, &window, kMostTics), StyleId::kElevationTic);
 }
 
 }  // namespace

@@ -5,12 +5,12 @@
 
 #include "core/coordinates.h"
 #include "core/ormel.h"
+#include "solver/result_files.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/files.h"
 #include "text/numbers.h"
 #include "text/strings.h"
-#include "view/result_files.h"
 #include "view/vertex_chains.h"
 
 namespace ormel {

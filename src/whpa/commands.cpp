@@ -12,6 +12,7 @@
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/delete.h"
+#include "model/image_wells.h"
 #include "model/vertices.h"
 #include "model/wells.h"
 #include "store/bulk.h"
@@ -214,7 +215,9 @@ const char* BoundaryRows(const Ormel& ormel) {
 
 /// Two equal points define no line.
 bool SamePlaceAsFirst(Ormel& ormel) {
-  RowReader row(ormel.db(), "select Point1X,Point1Y from WHPAs where Type=2 or Type=3");
+  const std::string sql = std::string("select Point1X,Point1Y from WHPAs where ") + BoundaryRows(ormel);
+  RowReader row = ormel.StreamWell == kMultipleWells ? RowReader(ormel.db(), sql)
+                                                     : RowReader(ormel.db(), sql, {ormel.StreamWell});
   return row.Next() && row.Double(0) == ormel.mouse.LastX && row.Double(1) == ormel.mouse.LastY;
 }
 
@@ -232,25 +235,7 @@ void StorePoint(Ormel& ormel, int number, Vid vid) {
 }  // namespace
 
 void MakeStreamImages(Ormel& ormel) {
-  struct Image {
-    std::string well;
-    MapPoint first, second, at;
-  };
-  std::vector<Image> images;
-  {
-    const bool multiple = ormel.StreamWell == kMultipleWells;
-    RowReader rows(ormel.db(),
-                   std::string("select WHPAs.Well,Point1X,Point1Y,Point2X,Point2Y,Vertices.X,Vertices.Y from "
-                               "WHPAs inner join Wells on Wells.Label=WHPAs.Well inner join Vertices on "
-                               "Vertices.VID=Wells.VID where ") +
-                       (multiple ? "WHPAs.Type=3" : "WHPAs.Type=2"));
-    while (rows.Next())
-      images.push_back({std::string(rows.Text(0)),
-                        {rows.Double(1), rows.Double(2)},
-                        {rows.Double(3), rows.Double(4)},
-                        {rows.Double(5), rows.Double(6)}});
-  }
-  for (const Image& image : images) MirrorWell(ormel, image.well, image.first, image.second, image.at);
+  RemakeImageWells(ormel);
 }
 
 void CancelStreamBoundary(Ormel& ormel) {

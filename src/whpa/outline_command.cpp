@@ -13,13 +13,15 @@
 #include "core/user_interface.h"
 #include "model/validity.h"
 #include "model/vertices.h"
-#include "solver/deck_writer.h"
+#include "solver/deck_blocks.h"
+#include "solver/deck_labels.h"
 #include "solver/extents.h"
 #include "solver/outside_programs.h"
+#include "solver/run.h"
+#include "solver/text_sink.h"
 #include "solver/zone_file.h"
 #include "store/bulk.h"
 #include "store/database.h"
-#include "text/files.h"
 #include "text/numbers.h"
 #include "text/strings.h"
 #include "whpa/zone_checks.h"
@@ -66,8 +68,7 @@ std::vector<ZoneOwner> OwnersOf(const OutlineRequest& request) {
   return owners;
 }
 
-void WriteDeck(Ormel& ormel, const OutlineRequest& request) {
-  TextFileWriter deck(ModelFile(ormel, std::string(kDeckStem) + ".DAT"));
+void WriteDeck(const Ormel& ormel, const OutlineRequest& request, TextSink& deck) {
   const auto lines = [&deck](std::initializer_list<std::string_view> texts) {
     for (const std::string_view text : texts) deck.Line(text);
   };
@@ -88,24 +89,33 @@ void WriteDeck(Ormel& ormel, const OutlineRequest& request) {
     deck.Line(" well " + NumberText(centre.x) + " " + NumberText(centre.y));
   }
   lines({" go", " quit", " stop"});
-  deck.Commit();
 }
 
-/// Runs the solver on its saved solution.  False, and the user has been told, when it did not come to its
-/// end.
-bool RunZones(Ormel& ormel, const OutlineRequest& request) {
-  WriteDeck(ormel, request);
-  DeleteTolerantly(ModelFile(ormel, std::string(kDeckStem) + kZoneExtension));
-  const std::string wait = request.wells.size() == 1
-                               ? "Capture zone of " + request.wells.front().label
-                               : "Capture zones of " + std::to_string(request.wells.size()) + " wells";
-  const ProcessResult result = RunSolver(ormel, ormel.solution.size_number, kDeckStem, wait);
-  if (result.cancelled) return false;
-  if (!result.started) {
-    Inform(ormel, "Solver not started", result.failure, Icon::kStop);
+/// Runs the solver on its saved solution and reads what it outlined.  False, and the user has been told, when
+/// it did not come to its end.
+bool RunZones(Ormel& ormel, const OutlineRequest& request, std::vector<WellOutlines>& wells) {
+  const std::string results = ModelFile(ormel, std::string(kDeckStem) + kZoneExtension);
+  RunPlan plan;
+  plan.deck = std::string(kDeckStem) + ".DAT";
+  plan.argument = kDeckStem;
+  plan.size_number = ormel.solution.size_number;
+  plan.wait_text = request.wells.size() == 1
+                       ? "Capture zone of " + request.wells.front().label
+                       : "Capture zones of " + std::to_string(request.wells.size()) + " wells";
+  plan.scratch = {results};
+  plan.write = [&](TextSink& deck) {
+    WriteDeck(ormel, request, deck);
+    return true;
+  };
+  const RunOutcome outcome = RunBy(ormel, plan);
+  if (outcome.end == RunEnd::kNotStarted)
+    Inform(ormel, "Solver not started", outcome.process.failure, Icon::kStop);
+  if (outcome.end != RunEnd::kDone) return false;
+  if (const ReadOutcome damage = ReadZoneFile(results, wells)) {
+    Inform(ormel, "Capture zone", damage->Message(), Icon::kStop);
     return false;
   }
-  return !TellFatalStop(ormel, result);
+  return true;
 }
 
 /// The request's well that a well of the file is; null when it was not asked for.
@@ -200,16 +210,8 @@ int OutlineCaptureZones(Ormel& ormel, const OutlineRequest& request) {
   if (request.wells.empty() || request.years.empty()) return 0;
   ModelRestoreModelOrigin(ormel);
   noexecutable(ormel, kSolverProgram);
-  int stored = 0;
-  if (RunZones(ormel, request)) {
-    std::vector<WellOutlines> wells;
-    const ReadOutcome damage = ReadZoneFile(ModelFile(ormel, std::string(kDeckStem) + kZoneExtension), wells);
-    if (damage) {
-      Inform(ormel, "Capture zone", damage->Message(), Icon::kStop);
-    } else {
-      stored = Storing(ormel, request).Store(wells);
-    }
-  }
+  std::vector<WellOutlines> wells;
+  const int stored = RunZones(ormel, request, wells) ? Storing(ormel, request).Store(wells) : 0;
   DeleteScratch(ormel);
   return stored;
 }
@@ -278,6 +280,8 @@ void OutlineCaptureZone(Ormel& ormel) {
       Inform(ormel, "Capture zone", "No well of the solved model takes water.", Icon::kInformation);
       return;
     }
+    if (const std::string notice = OlderModelNotice(ormel); !notice.empty())
+      Inform(ormel, "Capture zone", notice, Icon::kWarning);
     OutlineCaptureZoneForm form(ormel, std::move(wells));
     ormel.ui().ShowForm(form);
     if (form.Result != 1) return;

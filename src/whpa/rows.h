@@ -45,9 +45,6 @@ std::vector<WhpaRow> ReadWhpaRows(Ormel& ormel, std::string_view where);
 void RemoveWhpaRows(Ormel& ormel, std::string_view where, bool keep_files);
 /// Deletes the vertices of the boundary points of these rows; the rows stay.
 void DeleteBoundaryVertices(Ormel& ormel, std::string_view where);
-/// Deletes the six files of a run in the project's folder; a missing one is no error.
-void DeleteRunFiles(Ormel& ormel, const std::string& stem);
-
 /// Removes each row of a type whose well no longer exists and tells the user so; `closing` is the second
 /// line.
 void DropRowsOfMissingWells(Ormel& ormel, WhpaType type, const std::vector<WhpaWell>& wells,

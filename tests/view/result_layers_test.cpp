@@ -7,10 +7,13 @@
 #include <filesystem>
 
 #include "core/layers.h"
+#include "solver/pathline_tics.h"
+#include "solver/result_files.h"
+#include "text/files.h"
 #include "view/contours.h"
 #include "view/map_fixture.h"
 #include "view/pathlines.h"
-#include "view/result_files.h"
+#include "view/redraw.h"
 
 namespace ormel::test {
 namespace {
@@ -130,10 +133,10 @@ TEST(ResultFiles, AreReadOnceAndAgainWhenTheyChange) {
   t.Contours("LEVEL 5.0\r\n" + ContourPoint(0, 0) + ContourPoint(9, 0));
   t.Redraw();
   for (const Zoom code : {Zoom::kLeft, Zoom::kRight, Zoom::kIn, Zoom::kOut}) t.map.ZoomActions(code);
-  EXPECT_EQ(t.map.state().files.reads(), 1);
+  EXPECT_EQ(ResultFilesOf(t.ormel).reads(), 1);
   t.Contours("LEVEL 5.0\r\n" + ContourPoint(0, 0) + ContourPoint(9, 0) + ContourPoint(9, 9));
   t.Redraw();
-  EXPECT_EQ(t.map.state().files.reads(), 2);
+  EXPECT_EQ(ResultFilesOf(t.ormel).reads(), 2);
   t.ormel.window.solved.x_min = 50.0;
   EXPECT_THAT(t.Drawn("Contours"), Contains("line 1 300,200 318,200 318,182")) << "another origin";
   t.Contours("LEVEL 5.0\r\n" + ContourPoint(0, 0) + "      nonsense\r\n");
@@ -223,8 +226,8 @@ TEST(Tics, StandAtEqualTimes) {
       {"no spacing, no marks", {{0, 0, 0, 0}, {100, 0, 0, 1000}}, 0, {}},
   };
   for (const TicCase& c : cases)
-    EXPECT_EQ(XOf(TimeTics(OnePath(c.points), c.spacing, window, 100)), c.x) << c.what;
-  EXPECT_EQ(TimeTics(OnePath({{0, 0, 0, 0}, {1, 0, 0, 1e9}}), 1e-9, window, 100).size(), 100U)
+    EXPECT_EQ(XOf(TimeTics(OnePath(c.points), c.spacing, &window, 100)), c.x) << c.what;
+  EXPECT_EQ(TimeTics(OnePath({{0, 0, 0, 0}, {1, 0, 0, 1e9}}), 1e-9, &window, 100).size(), 100U)
       << "a spacing that would never end";
 }
 
@@ -238,7 +241,7 @@ TEST(Tics, StandAtMultiplesOfElevation) {
       {"level", {{0, 0, 10, 0}, {100, 0, 10, 1}}, 10, {}},
   };
   for (const TicCase& c : cases)
-    EXPECT_EQ(XOf(ElevationTics(OnePath(c.points), c.spacing, window, 100)), c.x) << c.what;
+    EXPECT_EQ(XOf(ElevationTics(OnePath(c.points), c.spacing, &window, 100)), c.x) << c.what;
 }
 
 TEST(Pathlines, WriteTheirMarksToTheScratchFiles) {
@@ -257,6 +260,13 @@ TEST(Pathlines, WriteTheirMarksToTheScratchFiles) {
   EXPECT_EQ(ReadAll(t.dir / "TICMARKST.TIC"), " 40            0 \r\n 80            0 \r\n");
   EXPECT_EQ(ReadAll(t.dir / "TICMARKSZ.TIC"),
             " 25            0             2 \r\n 75            0             1 \r\n");
+  std::filesystem::remove(t.dir / "TICMARKST.TIC");
+  t.Redraw();
+  EXPECT_FALSE(FileExists(t.dir / "TICMARKST.TIC")) << "drawing writes no file";
+  t.ormel.window.SolveWindow = {30, 50, 10, -10};
+  WriteTicFiles(t.ormel);
+  EXPECT_EQ(ReadAll(t.dir / "TICMARKST.TIC"), " 40            0 \r\n 80            0 \r\n")
+      << "what is seen does not matter";
   TMARKS(t.ormel, kTimeMarks2Years);
   EXPECT_EQ(t.ormel.solution.TimeTicSpacing, 730.0);
   PATHLINES(t.ormel);

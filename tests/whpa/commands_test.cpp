@@ -260,5 +260,24 @@ TEST(Whpa, ABoundaryGivenUpAfterItsFirstClickLeavesNoHalfOfIt) {
   EXPECT_FALSE(program.ormel.menus.Enabled("DeleteWHPA", 3));
 }
 
+TEST(Whpa, TheSecondPointIsComparedWithTheFirstOfTheSameArea) {
+  TestProject program;
+  AddWell(program, "North", 800, {100, 0});
+  for (const char* type : {"2", "3"})
+    program.ormel.db().Execute(
+        std::string("insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,Type,Point1X,"
+                    "Point1Y) values ('North',0,0,0.2,") +
+        type + ",5,5)");
+  program.ormel.StreamWell = kMultipleWells;
+  program.ormel.mouse.LastX = program.ormel.mouse.LastY = 10;
+  ElemAddStreamBoundaryVertex(program.ormel, 1);
+  ElemAddStreamBoundaryVertex(program.ormel, 2);
+  EXPECT_EQ(program.ui.LastTitle(), "Stream Boundary");
+  EXPECT_EQ(program.solver.whpa_runs, 0);
+  program.ormel.mouse.LastX = program.ormel.mouse.LastY = 5;  // where the calculated area's boundary begins
+  ElemAddStreamBoundaryVertex(program.ormel, 2);
+  EXPECT_EQ(program.solver.whpa_runs, 1);
+}
+
 }  // namespace
 }  // namespace ormel

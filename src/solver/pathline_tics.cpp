@@ -1,13 +1,22 @@
-#include <cmath>
+#include "solver/pathline_tics.h"
 
-#include "view/pathlines.h"
-#include "view/result_files.h"
+#include <cmath>
+#include <fstream>
+#include <string>
+
+#include "core/layers.h"
+#include "core/ormel.h"
+#include "core/status.h"
+#include "solver/result_files.h"
+#include "text/files.h"
+#include "text/numbers.h"
 
 namespace ormel {
 namespace {
 
-bool Inside(const MapRect& window, MapPoint p) {
-  return p.x >= window.x1 && p.x <= window.x2 && p.y >= window.y2 && p.y <= window.y1;
+bool Inside(const MapRect* window, MapPoint p) {
+  return window == nullptr ||
+         (p.x >= window->x1 && p.x <= window->x2 && p.y >= window->y2 && p.y <= window->y1);
 }
 
 MapPoint Between(MapPoint a, MapPoint b, double part) {
@@ -23,9 +32,33 @@ void WalkSteps(const PathSet& set, Start start, Step step) {
   }
 }
 
+std::string TicText(const std::vector<Tic>& tics, bool with_multiple) {
+  std::string text;
+  for (const Tic& tic : tics) {
+    std::string line = RawNumber(tic.at.x);
+    PrintZoneTab(line);
+    line += RawNumber(tic.at.y);
+    if (with_multiple) {
+      PrintZoneTab(line);
+      line += RawNumber(static_cast<double>(tic.multiple));
+    }
+    text += line;
+    text += "\r\n";
+  }
+  return text;
+}
+
+/// A scratch file that nobody reads back: written without waiting for the disk.
+void WriteTicFile(Ormel& ormel, const char* name, const std::string& text) {
+  const std::string file = JoinPath(ormel.project.OrmelBasePath, name);
+  std::ofstream out(file, std::ios::binary | std::ios::trunc);
+  out << text;
+  if (!out.flush()) Note(ormel, "Cannot write " + file);
+}
+
 }  // namespace
 
-std::vector<Tic> TimeTics(const PathSet& set, double spacing, const MapRect& window, std::size_t most) {
+std::vector<Tic> TimeTics(const PathSet& set, double spacing, const MapRect* window, std::size_t most) {
   std::vector<Tic> tics;
   if (!(spacing > 0.0)) return tics;
   std::int64_t next = 1;
@@ -47,7 +80,7 @@ std::vector<Tic> TimeTics(const PathSet& set, double spacing, const MapRect& win
   return tics;
 }
 
-std::vector<Tic> ElevationTics(const PathSet& set, double spacing, const MapRect& window, std::size_t most) {
+std::vector<Tic> ElevationTics(const PathSet& set, double spacing, const MapRect* window, std::size_t most) {
   std::vector<Tic> tics;
   if (!(spacing > 0.0)) return tics;
   const auto step = [&](std::size_t i) {
@@ -69,6 +102,20 @@ std::vector<Tic> ElevationTics(const PathSet& set, double spacing, const MapRect
   WalkSteps(
       set, [] {}, step);
   return tics;
+}
+
+void WriteTicFiles(Ormel& ormel) {
+  std::vector<Tic> times, elevations;
+  const auto set =
+      ormel.solution.ValidSolution
+          ? ResultFilesOf(ormel).Paths(ormel, ResultFileName(ormel, ormel.project.OrmelBaseName, ".PTH"))
+          : nullptr;
+  if (set && ormel.layers.On(Layer::kTimeTics))
+    times = TimeTics(*set, ormel.solution.TimeTicSpacing, nullptr, kMostTics);
+  if (set && ormel.layers.On(Layer::kElevationTics))
+    elevations = ElevationTics(*set, ormel.solution.ElevationTicSpacing, nullptr, kMostTics);
+  WriteTicFile(ormel, "TICMARKST.TIC", TicText(times, false));
+  WriteTicFile(ormel, "TICMARKSZ.TIC", TicText(elevations, true));
 }
 
 }  // namespace ormel

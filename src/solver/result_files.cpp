@@ -1,5 +1,6 @@
-#include "view/result_files.h"
+#include "solver/result_files.h"
 
+#include <any>
 #include <filesystem>
 #include <system_error>
 
@@ -119,6 +120,12 @@ std::shared_ptr<const ContourSet> ResultFiles::Contours(Ormel& ormel, const std:
 void ResultFiles::Clear() {
   paths_.clear();
   contours_.clear();
+}
+
+ResultFiles& ResultFilesOf(Ormel& ormel) {
+  std::any& memory = ormel.form_memory["ResultFiles"];
+  if (!memory.has_value()) memory = std::make_shared<ResultFiles>();
+  return *std::any_cast<std::shared_ptr<ResultFiles>&>(memory);
 }
 
 std::string ResultFileName(const Ormel& ormel, const std::string& stem, const char* extension) {

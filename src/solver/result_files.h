@@ -70,6 +70,9 @@ class ResultFiles {
   long reads_ = 0;
 };
 
+/// The files of the open project; they are kept with the program's state.
+ResultFiles& ResultFilesOf(Ormel& ormel);
+
 /// Full name of a file of the run: the folder of the intermediate files, the stem and the extension.
 std::string ResultFileName(const Ormel& ormel, const std::string& stem, const char* extension);
 /// Stems of the runs of the wellhead protection areas, each once.
