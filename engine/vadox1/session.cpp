@@ -29,6 +29,7 @@ struct WorkWeight {
   double operator()(const SolveCommand&) const { return 60.0; }
   double operator()(const GridCommand&) const { return 20.0; }
   double operator()(const TraceCommand&) const { return 20.0; }
+  double operator()(const ZonesCommand&) const { return 60.0; }
   double operator()(const ExtractCommand&) const { return 4.0; }
   double operator()(const SaveCommand&) const { return 1.0; }
   double operator()(const LoadCommand&) const { return 4.0; }

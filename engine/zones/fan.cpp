@@ -61,6 +61,7 @@ bool Fan::TraceAll(const std::vector<double>& angles, std::vector<Track>* tracks
   options.tolerance = kStepError;
   options.threads = options_.threads;
   options.stop = options_.stop;
+  options.boundaries = options_.boundaries;
   std::vector<aem::PathStart> starts;
   for (const double angle : angles) starts.push_back({source_.at + std::polar(rim_, angle), -1e30, false});
   const std::vector<aem::Path> paths = aem::TracePaths(field_, starts, options);

@@ -21,6 +21,7 @@ namespace zones {
 struct FanOptions {
   double tolerance = 2e-3;  ///< of the outline, in parts of the zone's size
   int threads = 1;
+  std::vector<aem::EndlessLine> boundaries;  ///< at which the ground ends
   const std::atomic<bool>* stop = nullptr;
 };
 

@@ -104,10 +104,13 @@ void Climb::FillLevels() {
 bool Climb::Rise(double time) {
   const double span = time - time_;
   if (!(span > 0.0)) return true;
+  // The way up to here is that of the near side, where a line is passed just here.
+  const Mark near_a = a_.Before(time, &hint_a_), near_b = b_.Before(time, &hint_b_);
   const Mark a = a_.At(time, &hint_a_), b = b_.At(time, &hint_b_);
   const Mark half_a = a_.At(0.5 * (time + time_), &middle_a_),
              half_b = b_.At(0.5 * (time + time_), &middle_b_);
-  const double area = Area(at_a_.at, a.at, b.at, at_b_.at) + BesideChord(at_a_, a) - BesideChord(at_b_, b);
+  const double area =
+      Area(at_a_.at, a.at, b.at, at_b_.at) + BesideChord(at_a_, near_a) - BesideChord(at_b_, near_b);
   const bool holds_well = rules_.holds_well && rules_.holds_well(at_a_.at, a.at, b.at, at_b_.at);
   if (thin_ && (holds_well || std::abs(a.at - b.at) > rules_.widest_parting)) return false;
   bad_ = bad_ || holds_well;

@@ -121,6 +121,14 @@ Mark Track::At(double time, std::size_t* hint) const {
   return Between(i, time);
 }
 
+Mark Track::Before(double time, std::size_t* hint) const {
+  const Mark at = At(time, hint);
+  std::size_t i = *hint;
+  if (marks_[i].time != time) return at;
+  while (i > 0 && marks_[i - 1].time == time) --i;
+  return marks_[i];
+}
+
 std::vector<Complex> Track::Line(double from, double to, double sagitta) const {
   std::size_t hint = 0;
   std::vector<Mark> ends{At(from, &hint)};

@@ -39,6 +39,8 @@ class Track {
   /// Where it is at a time; at its end when it ended before.  `hint` is where the search begins and is left
   /// at the place found.
   Mark At(double time, std::size_t* hint) const;
+  /// The same, but where a line is passed at that time the near side of it: At tells what lies behind.
+  Mark Before(double time, std::size_t* hint) const;
   /// Ended before the longest time, at something.
   bool ended() const { return ended_; }
   /// Stands still: its end is not the end of its water.

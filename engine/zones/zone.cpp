@@ -68,6 +68,7 @@ std::vector<WellZones> OutlineZones(const PlanField& field, std::span<const Sour
   FanOptions fan;
   fan.tolerance = options.tolerance;
   fan.threads = static_cast<int>(std::max<std::size_t>(1, machine / team_size));
+  fan.boundaries = options.boundaries;
   fan.stop = options.stop != nullptr ? options.stop : &stop;
   std::atomic<std::size_t> next{0}, done{0};
   std::mutex reporting;

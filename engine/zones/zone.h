@@ -35,8 +35,9 @@ struct WellZones {
 };
 
 struct ZoneOptions {
-  double tolerance = 2e-3;  ///< of the outline, in parts of the zone's size
-  int threads = 0;          ///< 0: as many as the machine has
+  double tolerance = 2e-3;                   ///< of the outline, in parts of the zone's size
+  int threads = 0;                           ///< 0: as many as the machine has
+  std::vector<aem::EndlessLine> boundaries;  ///< at which the ground ends
   const std::atomic<bool>* stop = nullptr;
 };
 

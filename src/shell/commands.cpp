@@ -35,6 +35,7 @@
 #include "text/files.h"
 #include "tools/db_viewer.h"
 #include "tools/result_viewer.h"
+#include "tools/zone_table.h"
 #include "view/map_view_impl.h"
 #include "whpa/commands.h"
 #include "whpa/outline_command.h"
@@ -196,7 +197,8 @@ void ImportAreas(Ormel& ormel, int /*index*/) {
   ImportWHPA(ormel);
 }
 
-void OutlineZone(Ormel& ormel, int /*index*/) {
+void OutlineZone(Ormel& ormel, int index) {
+  if (index == 1) return ViewZoneTable(ormel);
   OutlineCaptureZone(ormel);
 }
 

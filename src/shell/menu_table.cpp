@@ -169,6 +169,7 @@ constexpr std::array kItems = std::to_array<MenuItem>({
     {"WHPA", 2, "Multiple Wells", "SimpleWHPAMenu", 0, kProject, "", c::Whpa},
     {"WHPA", 3, "Redraw WHPAs", "SimpleWHPAMenu", 0, kProject, "", c::Whpa},
     {"OUTLINECZ", 0, "&Outline Capture Zone...", "TOOLSMENU", 0, kProject, "", c::OutlineZone},
+    {"OUTLINECZ", 1, "Capture &Zone Table...", "TOOLSMENU", 0, kProject, "", c::OutlineZone},
     {"INSPECTORMENU", 0, "Instant Inspector Settings...", "TOOLSMENU", 0, kProject, "", c::InspectorSettings},
     {"SolverIntegrityCheck", 0, "Solver Integrity Check", "TOOLSMENU", 0, kCheck, "", c::IntegrityCheck},
     {"TOOLS_CMDS", 5, "Ormel Database &Viewer", "TOOLSMENU", 0, kProject | kLine, "", c::DatabaseViewer},
