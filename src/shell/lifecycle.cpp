@@ -10,6 +10,7 @@
 #include "core/project.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/area_runs.h"
 #include "model/delete.h"
 #include "model/vertices.h"
 #include "shell/base_maps.h"
@@ -91,6 +92,8 @@ void ResetSolution(Ormel& ormel) {
   ormel.solution.GridValid = false;
   ormel.solution.ContoursValid = false;
   ormel.solution.results_drawn = false;
+  ormel.solution.solved.reset();
+  ormel.solution.outdated_runs.clear();
   ormel.solution.traced_lines.clear();
   ormel.solution.SolutionTime = fresh.SolutionTime;
   for (const char* control : {"RESULTS_TABLE", "MODELRUNFILES", "CALIBRATION_STATS"})
@@ -271,6 +274,7 @@ void CloseAll(Ormel& ormel) {
     ormel.project.ProjectOpen = false;
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   }
+  if (ormel.project.db != nullptr && ormel.project.db->IsOpen()) DeleteOutdatedRuns(ormel);
   DetachProject(ormel);
   ResetSolution(ormel);
   ormel.view().ClearMouseMode();

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/ormel.h"
+#include "document/fingerprint.h"
 #include "model/validity.h"
 #include "solver/outside_programs.h"
 #include "store/bulk.h"
@@ -19,27 +20,8 @@
 namespace ormel {
 namespace {
 
-constexpr std::string_view kHeading = "* Ormel solve stamp 1";
+constexpr std::string_view kHeading = "* Ormel solve stamp 2";
 constexpr const char* kStampExtension = ".RUN";
-
-/// What the solver is told, in the order of identities.
-constexpr std::array<std::string_view, 9> kModelQueries{
-    // Capture zones and the boundaries of protection areas are drawn from the results.
-    "select VID,PID,Seq,X,Y from Vertices where PID not in (select PID from Capzones) and VID not in "
-    "(select VID1 from WHPAs union select VID2 from WHPAs) order by VID",
-    "select VID,Head,Radius,NParticles,Transient,Cyclic,Cycles,SS,Time,TopElev,BottomElev,HeadSpecified,"
-    "PPWell,StartHead,StartElev,Pond,Label from Wells order by VID",
-    "select * from LinesinkStrings order by PID",
-    "select PID,HydCond,Thickness,Porosity,BottomElevation,Closed from NoFlowStrings order by PID",
-    "select PID,HydCond,BottomElevation,AverageHead,Recharge,Porosity,ChangeK,ChangeR,ChangeP,ChangeB,ChangeA"
-    " from Inhomogeneities order by PID",
-    "select * from Particles order by VID",
-    "select VID,ObsHead from TestPoints order by VID",
-    "select PID from FluxInspect order by PID",
-    "select AQBase,AQThickness,AQHydCond,AQRecharge,AQPorosity,BasemapMeters,ComputeMeters,CONTOURShow,"
-    "CONTOURMinimum,CONTOURMaximum,CONTOURInterval,CONTOURLevel,TRACECompute,TRACEStep,TRACEMaxTime,"
-    "UNIFLOWRefX,UNIFLOWRefY,UNIFLOWRefHead,UNIFLOWGradient,UNIFLOWOrientation,UNIFLOWCompute,"
-    "SOLVERIterations from Model"};
 
 /// Fowler, Noll and Vo's hash of 64 bits, variant 1a.
 class Hash {
@@ -66,6 +48,11 @@ std::string Exactly(T value, int base = 10) {
     end = std::to_chars(text.data(), text.data() + text.size(), value, base);
   }
   return {text.data(), end.ptr};
+}
+
+std::string ModelText(const Fingerprint& model) {
+  return Exactly(model.solution, 16) + " " + Exactly(model.contours, 16) + " " + Exactly(model.paths, 16) +
+         " " + Exactly(model.rerun, 16);
 }
 
 /// "<bytes> <hash>" of a file, "-" when it is not there.
@@ -101,7 +88,7 @@ std::vector<std::string_view> FilesOfRun(const Wanted& wanted) {
 }
 
 std::vector<std::string> StampLines(Ormel& ormel, const Extents& solved) {
-  std::vector<std::string> lines{std::string(kHeading), "model " + Exactly(ModelFingerprint(ormel), 16),
+  std::vector<std::string> lines{std::string(kHeading), "model " + ModelText(FingerprintOf(ormel)),
                                  "extents " + Exactly(solved.x_min) + " " + Exactly(solved.x_max) + " " +
                                      Exactly(solved.y_min) + " " + Exactly(solved.y_max)};
   for (const std::string_view extension : FilesOfRun(ReadWanted(ormel)))
@@ -143,31 +130,7 @@ std::string Judge(Ormel& ormel, const std::vector<std::string>& stamp) {
   return {};
 }
 
-void SetLayer(Ormel& ormel, LayerItem layer, bool on) {
-  if (on) {
-    TurnOnLayer(ormel, layer);
-  } else {
-    TurnOffLayer(ormel, layer);
-  }
-}
-
 }  // namespace
-
-std::uint64_t ModelFingerprint(Ormel& ormel) {
-  Hash hash;
-  for (const std::string_view query : kModelQueries) {
-    RowReader rows(ormel.db(), query);
-    hash.Add(query);
-    while (rows.Next()) {
-      for (int column = 0; column < rows.ColumnCount(); ++column) {
-        hash.Add(rows.Get(column).AsText());
-        hash.Add("\x1f");
-      }
-      hash.Add("\x1e");
-    }
-  }
-  return hash.value();
-}
 
 void WriteSolveStamp(Ormel& ormel) {
   TextFileWriter out(StemFile(ormel, kStampExtension));
@@ -188,15 +151,10 @@ std::string RestoreSolve(Ormel& ormel) {
                      {ormel.window.solved.x_min, ormel.window.solved.y_min});
   const Wanted wanted = ReadWanted(ormel);
   SolutionState& solution = ormel.solution;
-  solution.ValidSolution = true;
   solution.GridValid = solution.ContoursValid = wanted.contours;
   solution.PathlinesValid = wanted.paths;
-  SetLayer(ormel, kLayerContours, wanted.contours);
-  SetLayer(ormel, kLayerPathlines, wanted.paths);
-  SetLayer(ormel, kLayerTestPoints, ormel.db().RowCount("TestPoints") > 0);
-  for (const char* item : {"RESULTS_TABLE", "MODELRUNFILES", "CALIBRATION_STATS"})
-    ormel.menus.Enable(item, true);
-  ormel.menus.Enable("MODEL_CMDS", 3, true);
+  ShowSolution(ormel);
+  NoteSolved(ormel, true);
   return {};
 }
 

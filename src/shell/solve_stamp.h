@@ -1,21 +1,16 @@
 // How a finished solve is recognised after the project has been closed.
 //
-// The file <stem>.RUN beside the solver's files names the model that was solved by a fingerprint of
+// The file <stem>.RUN beside the solver's files names the model that was solved by fingerprints of
 // everything that reaches the solver, the extents that the solver's coordinates are relative to, and each
 // file of the run by size and content.  It is one of the intermediate files: whoever deletes it has to solve
 // again.
 #pragma once
 
-#include <cstdint>
 #include <string>
 
 namespace ormel {
 
 struct Ormel;
-
-/// A number that changes with the model: elements, vertices, aquifer, solver, contour and tracing settings,
-/// observation objects; not with windows, colours, margins or results.
-std::uint64_t ModelFingerprint(Ormel& ormel);
 
 /// Records the solve that has just ended.  Throws FileError.
 void WriteSolveStamp(Ormel& ormel);

@@ -11,6 +11,7 @@
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "document/fingerprint.h"
 #include "model/model_settings.h"
 #include "model/model_values.h"
 #include "model/validity.h"
@@ -105,6 +106,7 @@ class SolveRun {
     }
     if (new_ || request_.ContinueSolve) {
       ClearDrawnFlags();
+      ormel_.solution.solved.reset();
       ormel_.solution.traced_lines.clear();
     }
     kept_.Delete(StemFile(ormel_, ".XTR"));
@@ -272,6 +274,7 @@ class SolveRun {
     ormel_.menus.Enable("SolverIntegrityCheck", 0, true);
     ormel_.menus.Enable("SolverIntegrityCheck", 1, true);
     ModelLoadVadoxResults(ormel_);
+    NoteSolved(ormel_, new_ || request_.ContinueSolve);
     if (!request_.KeepSolution) Note(ormel_, "CURRENT");
     ormel_.view().ZoomActions(request_.ZoomAfter ? Zoom::kRedraw : Zoom::kRedrawInPlace);
     ormel_.menus.Enable("MODEL_CMDS", 3, true);

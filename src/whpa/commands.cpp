@@ -10,6 +10,7 @@
 #include "core/solver_port.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/area_runs.h"
 #include "model/delete.h"
 #include "model/vertices.h"
 #include "model/wells.h"
@@ -113,7 +114,7 @@ CaseOutcome Calculated(Ormel& ormel) {
   ormel.ui().ShowForm(form);
   if (!form.answers.Any()) return {};
   const WhpaRow row = CalculatedRow(ormel, form);
-  RemoveWhpaRows(ormel, "type=2", false);
+  RemoveWhpaRows(ormel, "type=2");
   AddWhpaRows(ormel, {row});
   CaseOutcome outcome;
   outcome.run = form.answers.draw_stream;
@@ -139,7 +140,7 @@ CaseOutcome Multiple(Ormel& ormel) {
   outcome.run = true;
   outcome.stream_boundary = form.answers.stream_boundary;
   if (outcome.stream_boundary) ormel.StreamWell = kMultipleWells;
-  RemoveWhpaRows(ormel, "type=3", false);
+  RemoveWhpaRows(ormel, "type=3");
   std::vector<WhpaRow> rows;
   for (const WhpaWell& well : form.Selected()) {
     WhpaRow row;
@@ -170,10 +171,15 @@ CaseOutcome Rerun(Ormel& ormel) {
   return outcome;
 }
 
-/// Every row gets the stem of the run's files; `stem` is the one from before the command.
-void NameRun(Ormel& ormel, std::string stem) {
+/// Every row gets the stem of the run's files; `stem` is the one from before the command.  A run that is to
+/// come does not write over files that an undo may want.
+void NameRun(Ormel& ormel, std::string stem, bool runs) {
   if (ormel.db().RowCount("WHPAs") == 0) return;
-  if (stem.empty()) stem = StemFromClock(ormel.clock().Now());
+  if (runs || stem.empty()) {
+    if (runs) DeleteOutdatedRuns(ormel, stem);
+    LeaveAreaRun(ormel, stem);
+    stem = FreshStem(ormel, stem);
+  }
   ormel.db().Execute("update WHPAs set WHPAText=?", {stem});
 }
 
@@ -196,7 +202,7 @@ void WHPA(Ormel& ormel, int Index) {
     const CaseOutcome outcome = kCases[Index & 3](ormel);
     ReadWhpaState(ormel);
     if (outcome.ended) return;
-    NameRun(ormel, stem);
+    NameRun(ormel, stem, outcome.run || outcome.stream_boundary);
     if (outcome.stream_boundary) return WaitForBoundary(ormel);
     if (!outcome.run) return;
     CommitSoFar(ormel);

@@ -1,5 +1,6 @@
 // A finished solve is known again exactly as long as it belongs to the model.
 #include "shell/solve_stamp.h"
+#include "document/fingerprint.h"
 
 #include <filesystem>
 
@@ -44,10 +45,10 @@ TEST_F(StampTest, FallsWithEachChangeOfTheModel) {
       "delete from Wells",
   };
   for (const char* sql : changes) {
-    const auto before = ModelFingerprint(ormel);
+    const auto before = FingerprintOf(ormel);
     ormel.db().Execute(sql);
     const bool polygon = std::string_view(sql).find("Polygons") != std::string_view::npos;
-    EXPECT_EQ(ModelFingerprint(ormel) == before, polygon) << sql;
+    EXPECT_EQ(FingerprintOf(ormel) == before, polygon) << sql;
   }
   EXPECT_EQ(RestoreSolve(ormel), "the model has been changed since it was solved");
   EXPECT_FALSE(ormel.solution.ValidSolution);

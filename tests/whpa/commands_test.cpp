@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "model/area_runs.h"
 #include "model/wells.h"
 #include "support/test_project.h"
 #include "whpa/delineation.h"
