@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/ormel.h"
+#include "document/document.h"
 #include "ormel/main_window.h"
 #include "ormel/qt_interface.h"
 #include "solver/solver_bridge.h"
@@ -26,6 +27,7 @@ class Program {
   void Start(const std::string& project);
 
   Ormel ormel;
+  Document document;
   QtInterface ui;
   SolverBridge solver;
   MainWindow window;

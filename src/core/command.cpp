@@ -29,6 +29,18 @@ void ShowFailure(Ormel& ormel, std::string_view procedure, const char* descripti
   Inform(ormel, "Unhandled Error -- Contact the ZRB", text);
 }
 
+/// Tells what the command that ends has changed.
+void TellChanges(Ormel& ormel, std::string_view command, int connections) {
+  if (ormel.changes.empty()) return;
+  ChangeRecord record;
+  record.command = command;
+  record.project_replaced = ormel.project.connections != connections;
+  Database* db = ormel.project.db.get();
+  if (db != nullptr && db->IsOpen()) record.rows = db->TakeChanges();
+  if (record.project_replaced) record.rows.clear();
+  ormel.changes.Tell(record);
+}
+
 /// What failed, in the words of the exception in flight.
 std::string Describe(const std::exception_ptr& failure) {
   try {
@@ -50,12 +62,14 @@ bool RunCommand(Ormel& ormel, std::string_view name, const std::function<void()>
   }
   ++ormel.command.depth;
   ormel.command.failed_procedure.clear();
+  const int connections = ormel.project.connections;
   std::exception_ptr failure;
   try {
     const Named named(ormel, name);
     BeginIfOpen(ormel);
     body();
     EndTransaction(ormel);
+    TellChanges(ormel, name, connections);
   } catch (...) {
     failure = std::current_exception();
   }
@@ -65,6 +79,7 @@ bool RunCommand(Ormel& ormel, std::string_view name, const std::function<void()>
   std::string description = Describe(failure);
   try {
     EndTransaction(ormel);  // what was written stays
+    TellChanges(ormel, name, connections);
   } catch (const std::exception& e) {
     description += std::string("\n") + e.what();
   }

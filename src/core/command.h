@@ -1,9 +1,10 @@
 // The failure policy: one wrapper around every command.
 //
 // A command runs inside RunCommand.  It is one transaction of the project: what was written is committed at
-// the end, also after a failure.  An exception that reaches the wrapper becomes the failure box, which names
-// the procedure that failed, files close by their destructors, and the program goes on.  Mistakes of the user
-// that a procedure foresees are boxes of its own and never exceptions.
+// the end, also after a failure, and told to those who listen (core/changes.h).  An exception that reaches
+// the wrapper becomes the failure box, which names the procedure that failed, files close by their
+// destructors, and the program goes on.  Mistakes of the user that a procedure foresees are boxes of its own
+// and never exceptions.
 #pragma once
 
 #include <functional>

@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+#include "core/changes.h"
 #include "core/gui_options.h"
 #include "core/layer_switches.h"
 #include "core/map_window.h"
@@ -28,6 +29,7 @@ class Processes;
 class Settings;
 class Clock;
 class WindowCommands;
+class Document;
 
 /// References to what stands outside; all of them outlive the controller.
 struct Ports {
@@ -38,6 +40,7 @@ struct Ports {
   ormel::Settings* settings = nullptr;
   ormel::Clock* clock = nullptr;
   WindowCommands* window = nullptr;  ///< null in a program without a window
+  Document* document = nullptr;      ///< null in a program that keeps no history
 };
 
 class Transaction;
@@ -61,6 +64,7 @@ struct Ormel {
   MenuState menus;
   LayerSwitches layers;
   CommandState command;
+  ChangeFeed changes;
   Ports ports;
 
   // Panels of the status bar as last written, for their reading form.

@@ -17,7 +17,7 @@ struct TracedLine {
   std::vector<double> times;       ///< since the start [d]
 };
 
-/// Numbers that change with the model, by what is spoiled then.
+/// Numbers that change with the model (document/fingerprint.h), by what is spoiled then.
 struct Fingerprint {
   std::uint64_t solution = 0, contours = 0, paths = 0, rerun = 0;
   friend bool operator==(const Fingerprint&, const Fingerprint&) = default;
@@ -50,6 +50,8 @@ struct SolutionState {
   /// Of the solution on view: they go with it, or when the user clears them.
   std::vector<TracedLine> traced_lines{};
   bool whpa_calculated_exists = false;
+  /// Stems of runs of protection areas that an edit has outdated (model/area_runs.h).
+  std::vector<std::string> outdated_runs{};
   /// The tracing step "Use Default Step Size of": not stored in the project.
   bool use_default_step = true;
   double default_step = 0.0;  ///< 0.004 of the window's diagonal, set at each redraw [map units]

@@ -10,6 +10,7 @@
 #include "model/digitize.h"
 #include "model/image_wells.h"
 #include "model/move.h"
+#include "model/observations.h"
 #include "model/uniform_flow.h"
 #include "model/validity.h"
 #include "model/vertices.h"
@@ -68,11 +69,10 @@ void DeleteTestPoint(Ormel& ormel, const Selection& selected) {
 }
 
 void DeleteTextLabel(Ormel& ormel, const Selection& selected) {
-  const Bookmark label = ormel.project.bound.TextLabels->GetBookmark();
   if (!Confirmed(ormel, "Delete this label?")) return;
-  ormel.project.bound.TextLabels->SetBookmark(label);
   Erase(ormel, selected);
-  ormel.project.bound.TextLabels->Delete();
+  TextLabelRow row;
+  if (FindTextLabel(ormel, selected.vid, row)) ormel.project.bound.TextLabels->Delete();
   NothingSelected(ormel);
 }
 

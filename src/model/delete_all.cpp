@@ -1,6 +1,5 @@
 // The bulk commands of "Delete All...".
 #include <array>
-#include <filesystem>
 #include <vector>
 
 #include "core/command.h"
@@ -9,6 +8,7 @@
 #include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/area_runs.h"
 #include "model/delete.h"
 #include "model/digitize.h"
 #include "model/validity.h"
@@ -16,7 +16,6 @@
 #include "model/wells.h"
 #include "store/bulk.h"
 #include "store/database.h"
-#include "text/files.h"
 
 namespace ormel {
 namespace {
@@ -132,7 +131,7 @@ void DeleteArea(Ormel& ormel, const WhpaRow& row) {
   if (row.type != 1) DeleteImage(ormel, row.well);
   for (const Vid vid : {row.vid1, row.vid2})
     if (vid > 0) DeleteVertex(ormel, vid);
-  if (row.ran) RemoveRunFiles(ormel, row.stem);
+  if (row.ran) LeaveAreaRun(ormel, row.stem);
 }
 
 }  // namespace

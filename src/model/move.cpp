@@ -1,6 +1,5 @@
 #include "model/move.h"
 
-#include <array>
 #include <string_view>
 
 #include "core/command.h"
@@ -9,39 +8,24 @@
 #include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "document/kinds.h"
+#include "model/area_runs.h"
 #include "model/digitize.h"
 #include "model/image_wells.h"
 #include "model/model_values.h"
+#include "model/observations.h"
 #include "model/validity.h"
 #include "model/vertices.h"
 #include "model/wells.h"
 #include "store/bulk.h"
 #include "store/database.h"
-#include "store/recordset.h"
 
 namespace ormel {
 namespace {
 
-struct MoveActivity {
-  Element element;
-  const char* text;
-};
-constexpr std::array kActivities{
-    MoveActivity{Element::kWell, "Move Well"}, MoveActivity{Element::kTestPoint, "Move Test Point"},
-    MoveActivity{Element::kParticle, "Move Particle"}, MoveActivity{Element::kTextLabel, "Move Text"}};
-
-const char* ActivityOf(Element element) {
-  for (const MoveActivity& entry : kActivities)
-    if (entry.element == element) return entry.text;
-  return "Move Vertex";
-}
-
-void MoveLabel(Ormel& ormel, MapPoint to) {
-  Recordset& labels = *ormel.project.bound.TextLabels;
-  labels.Edit();
-  labels["X"] = to.x;
-  labels["Y"] = to.y;
-  labels.Update();
+std::string_view ActivityOf(Element element) {
+  const ElementKind* kind = FindKind(element);
+  return kind == nullptr ? "Move Vertex" : kind->moving;
 }
 
 void MoveReference(Ormel& ormel, MapPoint to) {
@@ -87,9 +71,8 @@ void MoveBoundary(Ormel& ormel, Vid vid, MapPoint to) {
       const MapPoint at{well.Double(0), well.Double(1)};
       MirrorWell(ormel, row.well, row.point1, row.point2, at);
     }
-    RemoveRunFiles(ormel, row.stem);  // they show what is no more
+    OutdateAreaRun(ormel, row.stem);
   }
-  RemoveRunFiles(ormel, ormel.project.OrmelBaseName);
   InvalidateSolution(ormel, true, true);
 }
 
@@ -158,7 +141,7 @@ void ElemMoveVertex(Ormel& ormel, MapPoint to) {
   const Selection selected = ormel.selection;
   ormel.view().DrawElement(selected.SelectedType, selected.vid, selected.pid, DrawMode::kErase);
   if (selected.SelectedType == Element::kTextLabel) {
-    MoveLabel(ormel, to);
+    MoveTextLabel(ormel, selected.vid, to);
   } else {
     if (selected.SelectedType == Element::kInhomogeneity)
       for (const Vid corner : SharedCorners(ormel, selected.vid)) PutVertex(ormel, corner, to);

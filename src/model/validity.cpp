@@ -10,9 +10,12 @@
 #include "core/solver_port.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "document/fingerprint.h"
 #include "store/database.h"
+#include "text/files.h"
 
 namespace ormel {
+
 void InvalidateSolution(Ormel& ormel, bool ask, bool redraw) {
   const Named named(ormel, "InvalidateSolution");
   if (!ormel.solution.ValidSolution) return;
@@ -38,6 +41,68 @@ void InvalidateSolution(Ormel& ormel, bool ask, bool redraw) {
   ormel.solution.traced_lines.clear();
   if (redraw) ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   Note(ormel, "");
+}
+
+namespace {
+
+/// Of a valid solution: on offer in any case, and in view or not.
+void ShowLayer(Ormel& ormel, Layer layer, bool on) {
+  TurnOnLayer(ormel, layer);
+  ormel.layers.Switch(layer, on);
+}
+
+}  // namespace
+
+void ShowSolution(Ormel& ormel) {
+  SolutionState& solution = ormel.solution;
+  solution.ValidSolution = true;
+  ShowLayer(ormel, Layer::kContours, solution.ContoursValid);
+  ShowLayer(ormel, Layer::kPathlines, solution.PathlinesValid);
+  SetLayer(ormel, Layer::kTestPoints, ormel.db().RowCount("TestPoints") > 0);
+  EnableResultItems(ormel, true);
+}
+
+namespace {
+
+/// The files that are read while the solution is on view.
+bool FilesStand(const Ormel& ormel) {
+  const std::string stem = JoinPath(ormel.project.OrmelBasePath, ormel.project.OrmelBaseName);
+  const SolvedModel& solved = *ormel.solution.solved;
+  return FileExists(stem + ".XTR") && (!solved.GridValid || FileExists(stem + ".GRD")) &&
+         (!solved.PathlinesValid || FileExists(stem + ".PTH"));
+}
+
+}  // namespace
+
+void MatchSolution(Ormel& ormel, const Fingerprint& before) {
+  const Named named(ormel, "MatchSolution");
+  SolutionState& solution = ormel.solution;
+  const bool has_run = solution.solved && FilesStand(ormel);
+  if (!has_run && !solution.ValidSolution) return;
+  const Fingerprint now = FingerprintOf(ormel);
+  const SolvedModel solved = has_run ? *solution.solved : SolvedModel{};
+  const bool again = has_run && now.solution == solved.model.solution;
+  if (!again && now.solution != before.solution) InvalidateSolution(ormel, true, false);
+  if (!again && !solution.ValidSolution) return;
+  const SolutionState was = solution;
+  if (has_run && now.contours == solved.model.contours) {
+    solution.GridValid = solved.GridValid;
+    solution.ContoursValid = solved.ContoursValid;
+  } else if (now.contours != before.contours) {
+    solution.GridValid = solution.ContoursValid = false;
+  }
+  if (has_run && now.paths == solved.model.paths) {
+    solution.PathlinesValid = solved.PathlinesValid;
+  } else if (now.paths != before.paths) {
+    solution.PathlinesValid = false;
+  }
+  solution.OfOlderModel = has_run ? !again : solution.OfOlderModel;
+  NoteSolution(ormel);
+  // Where nothing has changed the user's own choice of layers stays.
+  if (!was.ValidSolution) return ShowSolution(ormel);
+  if (was.ContoursValid != solution.ContoursValid) ShowLayer(ormel, Layer::kContours, solution.ContoursValid);
+  if (was.PathlinesValid != solution.PathlinesValid)
+    ShowLayer(ormel, Layer::kPathlines, solution.PathlinesValid);
 }
 
 void InvalidateContours(Ormel& ormel) {

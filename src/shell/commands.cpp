@@ -20,6 +20,7 @@
 #include "model/move.h"
 #include "model/observations.h"
 #include "model/refine.h"
+#include "model/undo.h"
 #include "model/uniform_flow.h"
 #include "shell/about.h"
 #include "shell/gui_options_form.h"
@@ -81,6 +82,14 @@ void AddText(Ormel& ormel, int /*index*/) {
 
 void DrawCapzone(Ormel& ormel, int /*index*/) {
   ModelAddCapzone(ormel);
+}
+
+void Undo(Ormel& ormel, int /*index*/) {
+  EditUndo(ormel);
+}
+
+void Redo(Ormel& ormel, int /*index*/) {
+  EditRedo(ormel);
 }
 
 void Edit(Ormel& ormel, int index) {

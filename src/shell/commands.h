@@ -13,6 +13,8 @@ void Recent(Ormel& ormel, int index);
 void SaveMapAs(Ormel& ormel, int index);
 
 // &Edit
+void Undo(Ormel& ormel, int index);
+void Redo(Ormel& ormel, int index);
 void Edit(Ormel& ormel, int index);
 void DeleteAll(Ormel& ormel, int index);
 void DeleteWhpas(Ormel& ormel, int index);

@@ -12,6 +12,7 @@
 #include "core/result_items.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/area_runs.h"
 #include "model/delete.h"
 #include "model/vertices.h"
 #include "shell/base_maps.h"
@@ -96,6 +97,7 @@ void ResetSolution(Ormel& ormel) {
   ormel.solution.results_drawn = false;
   ormel.solution.solved.reset();
   ormel.solution.OfOlderModel = false;
+  ormel.solution.outdated_runs.clear();
   ormel.solution.traced_lines.clear();
   ormel.solution.SolutionTime = fresh.SolutionTime;
   EnableResultItems(ormel, false);
@@ -275,6 +277,7 @@ void CloseAll(Ormel& ormel) {
     ormel.project.ProjectOpen = false;
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   }
+  if (ormel.project.db != nullptr && ormel.project.db->IsOpen()) DeleteOutdatedRuns(ormel);
   DetachProject(ormel);
   ResetSolution(ormel);
   ormel.view().ClearMouseMode();

@@ -38,7 +38,9 @@ constexpr std::array kItems = std::to_array<MenuItem>({
     {"FILE_CMDS", 7, "E&xit", "FILEMENU", 0, kLine | kNeedsWindow, "Ctrl+Q", c::File},
 
     {"EDITMENU", 0, "&Edit"},
-    {"EDIT_CMDS", 1, "&Properties", "EDITMENU", 0, kProject, "Alt+Return", c::Edit},
+    {"UNDO", 0, "&Undo", "EDITMENU", 0, kProject, "Ctrl+Z", c::Undo},
+    {"REDO", 0, "&Redo", "EDITMENU", 0, kProject, "Ctrl+Y; Ctrl+Shift+Z", c::Redo},
+    {"EDIT_CMDS", 1, "&Properties", "EDITMENU", 0, kProject | kLine, "Alt+Return", c::Edit},
     {"EDIT_CMDS", 2, "&Move", "EDITMENU", 0, kProject, "Ctrl+M", c::Edit},
     {"EDIT_CMDS", 3, "&Delete", "EDITMENU", 0, kProject, "Del", c::Edit},
     {"EDIT_CMDS", 4, "&Refine", "EDITMENU", 0, kProject, "Ctrl+R", c::Edit},

@@ -35,7 +35,9 @@ struct RestReason {
   std::string_view reason;
 };
 constexpr std::string_view kSolveFirst = "solve the model first", kNothing = "the project has none";
-constexpr std::array kRestReasons{RestReason{"EDIT_CMDS", -1, "select an element on the map first"},
+constexpr std::array kRestReasons{RestReason{"UNDO", -1, "nothing has been changed"},
+                                  RestReason{"REDO", -1, "nothing has been undone"},
+                                  RestReason{"EDIT_CMDS", -1, "select an element on the map first"},
                                   RestReason{"ZOOM_CMDS", -1, "the map is as close as it gets"},
                                   RestReason{"layermenu", kLayerContours, kSolveFirst},
                                   RestReason{"layermenu", kLayerPathlines, kSolveFirst},

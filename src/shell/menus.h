@@ -32,7 +32,7 @@ struct MenuItem {
   std::string_view parent{};   ///< control of the item whose submenu it is in; "" for a top menu
   int parent_index = 0;
   unsigned flags = kPlain;
-  std::string_view shortcut{};  ///< "Ctrl+N"
+  std::string_view shortcut{};  ///< "Ctrl+N"; several with "; " between them
   MenuCommand run = nullptr;    ///< null for a submenu, and for a command that this version does not have
 };
 

@@ -79,19 +79,19 @@ void DrawVertexOf(const MapCanvas& canvas, Vid vid, Pid, DrawMode mode) {
   if (PlaceOf(canvas.ormel, vid, at)) ElemDrawVertex(canvas, at, mode);
 }
 
-void DrawLabelOf(const MapCanvas& canvas, Vid, Pid, DrawMode mode) {
-  Recordset* labels = canvas.ormel.project.bound.TextLabels.get();
-  if (labels == nullptr || !labels->HasRow()) return;  // the bound recordset stands on the label
-  const std::string text = labels->Get<std::string>("Text"), font = labels->Get<std::string>("FontName");
-  canvas.vg.vgGDItext(
-      text, {labels->Get<double>("X"), labels->Get<double>("Y")},
-      {.font = font,
-       .size = labels->Get<int>("FontSize"),
-       .bold = labels->Get<bool>("FontBold"),
-       .italic = labels->Get<bool>("FontItalic"),
-       .color = ColorOfMode(
-           mode,
-           StyleOf(labels->Get<int>("LabelType") == 0 ? StyleId::kTextLabel : StyleId::kMapLabel).color)});
+void DrawLabelOf(const MapCanvas& canvas, Vid row, Pid, DrawMode mode) {
+  RowReader label(canvas.ormel.db(),
+                  "select Text,FontName,X,Y,FontSize,FontBold,FontItalic,LabelType from TextLabels where "
+                  "rowid=?",
+                  {row});
+  if (!label.Next()) return;
+  const StyleId style = label.Long(7) == 0 ? StyleId::kTextLabel : StyleId::kMapLabel;
+  canvas.vg.vgGDItext(std::string(label.Text(0)), {label.Double(2), label.Double(3)},
+                      {.font = std::string(label.Text(1)),
+                       .size = static_cast<int>(label.Long(4)),
+                       .bold = label.Bool(5),
+                       .italic = label.Bool(6),
+                       .color = ColorOfMode(mode, StyleOf(style).color)});
 }
 
 struct SingleElement {

@@ -1,4 +1,5 @@
 #include "whpa/commands.h"
+#include "text/files.h"
 
 #include <string>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "core/solver_port.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/area_runs.h"
 #include "model/delete.h"
 #include "model/image_wells.h"
 #include "model/vertices.h"
@@ -115,7 +117,7 @@ CaseOutcome Calculated(Ormel& ormel) {
   ormel.ui().ShowForm(form);
   if (!form.answers.Any()) return {};
   const WhpaRow row = CalculatedRow(ormel, form);
-  RemoveWhpaRows(ormel, "type=2", false);
+  RemoveWhpaRows(ormel, "type=2");
   AddWhpaRows(ormel, {row});
   CaseOutcome outcome;
   outcome.run = form.answers.draw_stream;
@@ -141,7 +143,7 @@ CaseOutcome Multiple(Ormel& ormel) {
   outcome.run = true;
   outcome.stream_boundary = form.answers.stream_boundary;
   if (outcome.stream_boundary) ormel.StreamWell = kMultipleWells;
-  RemoveWhpaRows(ormel, "type=3", false);
+  RemoveWhpaRows(ormel, "type=3");
   std::vector<WhpaRow> rows;
   for (const WhpaWell& well : form.Selected()) {
     WhpaRow row;
@@ -163,7 +165,13 @@ CaseOutcome Multiple(Ormel& ormel) {
 
 CaseOutcome Rerun(Ormel& ormel) {
   if (ormel.db().Scalar("select count(*) from WHPAs where T>1 or Type=3").AsLong() > 0) {
+    // The files of the run before stay: whoever undoes what led to this one sees its paths again.
+    const std::string before = PresentStem(ormel), stem = FreshStem(ormel, before);
+    LeaveAreaRun(ormel, before);
+    ormel.db().Execute("update WHPAs set WHPAText=?", {stem});
     ormel.solver().ModelRunWHPAs();
+    if (!before.empty() && !FileExists(JoinPath(ormel.project.OrmelBasePath, stem + ".PTH")))
+      ormel.db().Execute("update WHPAs set WHPAText=?", {before});
   } else {
     Redraw(ormel);
   }
@@ -172,10 +180,15 @@ CaseOutcome Rerun(Ormel& ormel) {
   return outcome;
 }
 
-/// Every row gets the stem of the run's files; `stem` is the one from before the command.
-void NameRun(Ormel& ormel, std::string stem) {
+/// Every row gets the stem of the run's files; `stem` is the one from before the command.  A run that is to
+/// come does not write over files that an undo may want.
+void NameRun(Ormel& ormel, std::string stem, bool runs) {
   if (ormel.db().RowCount("WHPAs") == 0) return;
-  if (stem.empty()) stem = StemFromClock(ormel.clock().Now());
+  if (runs || stem.empty()) {
+    if (runs) DeleteOutdatedRuns(ormel, stem);
+    LeaveAreaRun(ormel, stem);
+    stem = FreshStem(ormel, stem);
+  }
   ormel.db().Execute("update WHPAs set WHPAText=?", {stem});
 }
 
@@ -198,7 +211,7 @@ void WHPA(Ormel& ormel, int Index) {
     const CaseOutcome outcome = kCases[Index & 3](ormel);
     ReadWhpaState(ormel);
     if (outcome.ended) return;
-    NameRun(ormel, stem);
+    NameRun(ormel, stem, outcome.run || outcome.stream_boundary);
     if (outcome.stream_boundary) return WaitForBoundary(ormel);
     if (!outcome.run) return;
     CommitSoFar(ormel);

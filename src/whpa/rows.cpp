@@ -6,6 +6,7 @@
 #include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/area_runs.h"
 #include "model/wells.h"
 #include "store/bulk.h"
 #include "store/database.h"
@@ -76,7 +77,7 @@ void DeleteBoundaryVertices(Ormel& ormel, std::string_view where) {
                        " from WHPAs" + Where(where) + ")");
 }
 
-void RemoveWhpaRows(Ormel& ormel, std::string_view where, bool keep_files) {
+void RemoveWhpaRows(Ormel& ormel, std::string_view where) {
   struct Doomed {
     std::string well, stem;
     bool pathlines;
@@ -87,7 +88,7 @@ void RemoveWhpaRows(Ormel& ormel, std::string_view where, bool keep_files) {
     while (rows.Next())
       doomed.push_back({std::string(rows.Text(0)), std::string(rows.Text(1)), rows.Double(2) == 0.0});
   }
-  if (!keep_files && !doomed.empty() && doomed.front().pathlines) RemoveRunFiles(ormel, doomed.front().stem);
+  if (!doomed.empty() && doomed.front().pathlines) LeaveAreaRun(ormel, doomed.front().stem);
   for (const Doomed& row : doomed) {
     const std::string image = MirrorLabel(row.well);
     ormel.db().Execute("delete from Vertices where VID in (select VID from Wells where Label=?)", {image});

@@ -5,9 +5,9 @@
 
 #include <filesystem>
 
+#include "document/fingerprint.h"
 #include "model/observations.h"
 #include "model/wells.h"
-#include "solver/fingerprint.h"
 #include "support/test_project.h"
 
 namespace ormel::test {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/layers.h"
+#include "model/area_runs.h"
 #include "model/wells.h"
 #include "support/test_project.h"
 #include "whpa/delineation.h"
