@@ -144,5 +144,21 @@ TEST(Walls, AroundTheWellAreCrossedWhereTheyLeak) {
   ExpectFullVolume(wells, 0.003);
 }
 
+// Far more is asked than the ground can give: the head falls below the base at the well.
+TEST(DryWell, HasNoZoneAndSaysWhy) {
+  aem::Model m = Aquifer(0.0);
+  m.aquifer.reference_point = {500.0, 0.0};
+  m.aquifer.reference_head = 2.0;
+  AddWell(m, {0, 0}, 2000.0);
+  aem::Solution solution(m);
+  solution.Iterate(3);
+  const aem::SolutionField field(solution);
+  const zones::PlanField plan(field, 0.0);
+  const std::vector<zones::Source> source{{{0, 0}, 0.3, 2000.0, "WL_1"}};
+  const auto wells = zones::OutlineZones(plan, source, std::vector<double>{100.0}, {});
+  EXPECT_NE(wells[0].failure.find("dry"), std::string::npos);
+  EXPECT_TRUE(wells[0].zones.empty());
+}
+
 }  // namespace
 }  // namespace zones_test
