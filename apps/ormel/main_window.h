@@ -46,13 +46,13 @@ class MainWindow : public QMainWindow, public WindowCommands {
   void SaveMapAs() override;
   void ShowReleaseNotes() override;
 
+  /// The system asks the program to end: a run is cancelled first, without a question.
+  void EndByRequest();
+
  protected:
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
-
-  /// The system asks the program to end: a run is cancelled first, without a question.
-  void EndByRequest();
 
  private:
   bool Busy() const;

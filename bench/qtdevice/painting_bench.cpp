@@ -11,6 +11,7 @@
 
 #include "core/layers.h"
 #include "qtdevice/painter_device.h"
+#include "solver/result_files.h"
 #include "store/database.h"
 #include "town.h"
 #include "view/mouse.h"
@@ -73,10 +74,11 @@ void PaintTown(benchmark::State& state) {
   const Switch& shown = kShown[state.range(1)];
   state.SetLabel(shown.name);
   if (shown.layer) town.ormel.layers.Switch(*shown.layer, false);
-  const long reads = town.map.state().files.reads();
+  const long reads = ormel::ResultFilesOf(town.ormel).reads();
   for (auto _ : state) town.map.Redraw();
   if (shown.layer) town.ormel.layers.Switch(*shown.layer, true);
-  if (town.map.state().files.reads() != reads) state.SkipWithError("a redraw read a result file again");
+  if (ormel::ResultFilesOf(town.ormel).reads() != reads)
+    state.SkipWithError("a redraw read a result file again");
 }
 BENCHMARK(PaintTown)
     ->ArgNames({"density", "shown"})

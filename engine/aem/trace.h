@@ -60,8 +60,8 @@ struct PathPoint {
   double elevation = 0.0;
   double time = 0.0;  ///< since the start, never negative, backward too [d]
   double head = kNotSet;
-  PathFlow flow;                   ///< there
-  std::optional<PathFlow> behind;  ///< where a line is passed: beyond it, in the direction of the path
+  PathFlow flow{};                   ///< there
+  std::optional<PathFlow> behind{};  ///< where a line is passed: beyond it, in the direction of the path
   /// At a line-sink that is passed: the flow behind it over the flow before it.
   double passing = 1.0;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <numeric>
 #include <utility>
 
 namespace zones {
@@ -14,14 +15,22 @@ constexpr std::size_t kFirstTracks = 32;
 constexpr double kThin = 1e-6;
 /// A strip's volume may be off by this part of the outline's tolerance: some 150 strips make a zone, and
 /// their errors have both signs.
-constexpr double kStripShare = 1e-2;
+constexpr double kStripShare = 5e-3;
 /// The rim in parts of the shortest length that the flow around the well has.
 constexpr double kRimShare = 0.02;
 /// Width, in parts of the size of the smallest zone, at which a thin strip is cut off.
 constexpr double kParting = 0.002;
 /// Longest step and error of a step, in parts of the zone's size.
 constexpr double kStep = 0.5, kStepError = 2e-6;
+/// The same around transient wells, whose water from storage dwindles outward.
+constexpr double kTransientStep = 0.1;
 constexpr int kRounds = 60;
+/// Far from the well neighbouring tracks are apart by their own errors at last, however near they began: from
+/// this round on a strip's error may be twice as large in each, up to so many times.
+constexpr int kNoisyRound = 6;
+constexpr double kMostNoise = 50.0;
+/// So many tracks tell that it cannot be mended by more.
+constexpr std::size_t kMostTracks = 4000;
 
 double Cross(Complex a, Complex b) {
   return a.real() * b.imag() - a.imag() * b.real();
@@ -30,6 +39,17 @@ double Cross(Complex a, Complex b) {
 bool InTriangle(Complex p, Complex a, Complex b, Complex c) {
   const double u = Cross(b - a, p - a), v = Cross(c - b, p - b), w = Cross(a - c, p - c);
   return (u > 0.0 && v > 0.0 && w > 0.0) || (u < 0.0 && v < 0.0 && w < 0.0);
+}
+
+/// `more` begins where `path` ends, after the time `begun`.
+void Continue(aem::Path& path, aem::Path more, double begun) {
+  const std::size_t known = path.points.empty() ? 0 : 1;
+  for (std::size_t i = known; i < more.points.size(); ++i) {
+    path.points.push_back(more.points[i]);
+    path.points.back().time += begun;
+  }
+  path.end = more.end;
+  path.label = std::move(more.label);
 }
 
 }  // namespace
@@ -45,28 +65,49 @@ void Fan::ChooseRim() {
   const aem::PointState centre = field_.At(source_.at);
   storage_ = std::max(centre.porosity * centre.thickness, 1e-300);
   const double background = std::abs(centre.discharge);
-  const auto circle = [&](double time) { return std::sqrt(source_.discharge * time / (kPi * storage_)); };
   // Safely on the inner side of the rim, where rounding leaves no doubt which formula holds.
-  rim_ = std::min(0.99 * source_.radius, kRimShare * circle(times_.front()));
+  rim_ = std::min(0.99 * source_.radius, kRimShare * SizeAfter(times_.front()));
   if (background > 0.0) rim_ = std::min(rim_, kRimShare * source_.discharge / (2.0 * kPi * background));
   to_centre_ = kPi * rim_ * rim_ * storage_ / source_.discharge;
-  size_ = circle(times_.back());
-  least_size_ = circle(times_.front());
+  least_size_ = SizeAfter(times_.front());
 }
 
+double Fan::SizeAfter(double time) const {
+  return std::sqrt(source_.discharge * time / (kPi * storage_));
+}
+
+/// From one asked time to the next, with steps by the size that the zone has then: between the ends of a step
+/// a place is known less well than at them.
 bool Fan::TraceAll(const std::vector<double>& angles, std::vector<Track>* tracks) {
-  aem::TraceOptions options;
-  options.longest_time = times_.back() - to_centre_;
-  options.step = kStep * size_;
-  options.tolerance = kStepError;
-  options.threads = options_.threads;
-  options.stop = options_.stop;
-  options.boundaries = options_.boundaries;
-  std::vector<aem::PathStart> starts;
-  for (const double angle : angles) starts.push_back({source_.at + std::polar(rim_, angle), -1e30, false});
-  const std::vector<aem::Path> paths = aem::TracePaths(field_, starts, options);
-  if (paths.size() != starts.size()) return false;
-  for (std::size_t i = 0; i < paths.size(); ++i) tracks->emplace_back(paths[i], angles[i], to_centre_);
+  std::vector<aem::Path> paths(angles.size());
+  std::vector<std::size_t> going(angles.size());
+  std::iota(going.begin(), going.end(), std::size_t{0});
+  double begun = to_centre_;
+  for (const double time : times_) {
+    std::vector<aem::PathStart> starts;
+    for (const std::size_t i : going) {
+      const bool first = paths[i].points.empty();
+      starts.push_back(
+          {first ? source_.at + std::polar(rim_, angles[i]) : paths[i].points.back().at, -1e30, false});
+    }
+    aem::TraceOptions options;
+    options.longest_time = time - begun;
+    options.step = (field_.HasTransients() ? kTransientStep : kStep) * SizeAfter(time);
+    options.tolerance = kStepError;
+    options.boundaries = options_.boundaries;
+    options.threads = options_.threads;
+    options.stop = options_.stop;
+    std::vector<aem::Path> stage = aem::TracePaths(field_, starts, options);
+    if (stage.size() != starts.size()) return false;
+    std::vector<std::size_t> still_going;
+    for (std::size_t k = 0; k < going.size(); ++k) {
+      Continue(paths[going[k]], std::move(stage[k]), begun);
+      if (paths[going[k]].end == aem::PathEnd::kTime) still_going.push_back(going[k]);
+    }
+    going = std::move(still_going);
+    begun = time;
+  }
+  for (std::size_t i = 0; i < paths.size(); ++i) tracks->emplace_back(paths[i], angles[i]);
   return true;
 }
 
@@ -96,10 +137,11 @@ bool Fan::HoldsWell(Complex a, Complex b, Complex c, Complex d) const {
 }
 
 StripRules Fan::Rules() const {
+  const double noise = std::clamp(std::exp2(round_ - kNoisyRound), 1.0, kMostNoise);
   StripRules rules;
   rules.times = times_;
   rules.volumes = volumes_;
-  rules.tolerance = kStripShare * options_.tolerance;
+  rules.tolerance = noise * kStripShare * options_.tolerance;
   rules.widest_parting = kParting * least_size_;
   rules.holds_well = [this](Complex a, Complex b, Complex c, Complex d) { return HoldsWell(a, b, c, d); };
   return rules;
@@ -164,12 +206,12 @@ bool Fan::Build() {
   if (!TraceAll(angles, &tracks_)) return false;
   strips_.resize(tracks_.size());
   Measure(std::vector<char>(tracks_.size(), 1));
-  for (int round = 0; round < kRounds; ++round) {
+  for (round_ = 0; round_ < kRounds; ++round_) {
     MeasureVolumes();
     std::vector<std::size_t> bad;
     for (std::size_t i = 0; i < strips_.size(); ++i)
       if (!strips_[i].good) bad.push_back(i);
-    if (bad.empty()) break;
+    if (bad.empty() || tracks_.size() + bad.size() > kMostTracks) break;
     if (!Add(bad)) return false;
   }
   rim_flow_ = 0.0;

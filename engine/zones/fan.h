@@ -52,6 +52,8 @@ class Fan {
 
  private:
   void ChooseRim();
+  /// Radius of a circle with the volume of a time [L].
+  double SizeAfter(double time) const;
   bool TraceAll(const std::vector<double>& angles, std::vector<Track>* tracks);
   double FlowBetween(double from, double to) const;
   void MeasureVolumes();
@@ -68,9 +70,9 @@ class Fan {
   double rim_ = 0.0;         ///< from which paths begin [L]
   double to_centre_ = 0.0;   ///< travel time from there [d]
   double storage_ = 1.0;     ///< porosity times thickness at the well [L]
-  double size_ = 1.0;        ///< radius of a circle with the volume of the longest time [L]
-  double least_size_ = 1.0;  ///< the same of the shortest time
+  double least_size_ = 1.0;  ///< SizeAfter the shortest time [L]
   double rim_flow_ = 0.0;
+  int round_ = 0;  ///< of adding tracks
   std::vector<double> volumes_;
   std::vector<Track> tracks_;
   std::vector<Strip> strips_;

@@ -38,6 +38,8 @@ class PlanField final : public aem::TraceField {
   /// Wells that take water have a tiny rim here: paths begin within the real one.
   const aem::WellIndex& Wells() const override { return wells_; }
   const std::vector<aem::TraceWell>& Disks() const override { return field_.Disks(); }
+  /// Whether wells in it live on storage.
+  bool HasTransients() const { return !transients_.empty(); }
   /// With their own rims.
   const aem::WellIndex& RealWells() const { return field_.Wells(); }
 

@@ -10,6 +10,8 @@ namespace {
 constexpr double kForever = std::numeric_limits<double>::infinity();
 /// Turn between two levels of a strip [rad].
 constexpr double kFinestTurn = 0.15;
+/// A strip's last bit may be that many times as large as its volume's error.
+constexpr double kTail = 20.0;
 /// Ends on one thing may lie this many widths of the strip apart: it is met at a slant.
 constexpr double kSlant = 6.0;
 
@@ -60,7 +62,8 @@ class Climb {
   void Close();
   bool SameEnd() const;
   void Tail();
-  void Spread(double volume, double from, double Ledger::*account);
+  void Spread(double rate, double from, double Ledger::*account);
+  void SpreadOnce(double volume, double at, double Ledger::*account);
 
   const Track &a_, &b_;
   const StripRules& rules_;
@@ -117,16 +120,20 @@ bool Climb::Rise(double time) {
   const double storage = 0.5 * (half_a.storage + half_b.storage);
   const double infiltration = 0.5 * (half_a.infiltration + half_b.infiltration);
   const double before = flow_;
-  flow_ *= storage > 0.0 ? std::exp(-infiltration / storage * span) : 1.0;
-  const double share = flow_ + before > 0.0 ? std::min(1.0, 2.0 * taken_ / (flow_ + before)) : 1.0;
-  expected_ += 0.5 * (before + flow_) * span;
+  const double fading = storage > 0.0 ? infiltration / storage * span : 0.0;
+  flow_ *= std::exp(-fading);
+  const double mean = before * (std::fabs(fading) > 1e-8 ? -std::expm1(-fading) / fading : 1.0);
+  const double share = mean > 0.0 ? std::min(1.0, taken_ / mean) : 1.0;
+  expected_ += mean * span;
   swept_ += storage * area;
   now_.pores += share * storage * area;
   now_.area += area;
   if (share < 1.0 - 1e-6) now_.shared += area;
   if (taken_ > flow_) {
-    // It fell in evenly between the levels.
-    Spread(taken_ - flow_, 0.5 * (time + time_), &Ledger::recharge);
+    // It fell in between the levels: all that flows from here on, and what more flowed up to here.
+    const double held = std::min(taken_, mean);
+    Spread(taken_ - flow_, time, &Ledger::recharge);
+    SpreadOnce((taken_ - held) * span, time, &Ledger::recharge);
     taken_ = flow_;
   }
   const double passed = a.passed + b.passed, passed_before = at_a_.passed + at_b_.passed;
@@ -147,6 +154,12 @@ bool Climb::Rise(double time) {
 void Climb::Spread(double rate, double from, double Ledger::*account) {
   for (std::size_t j = 0; j < rules_.times.size(); ++j)
     if (rules_.times[j] > from) strip_.ledgers[j].*account += rate * (rules_.times[j] - from);
+}
+
+/// A volume that has come in by a time.
+void Climb::SpreadOnce(double volume, double at, double Ledger::*account) {
+  for (std::size_t j = 0; j < rules_.times.size(); ++j)
+    if (rules_.times[j] >= at) strip_.ledgers[j].*account += volume;
 }
 
 /// At a time that is asked for: what was swept so far.
@@ -189,7 +202,10 @@ void Climb::Tail() {
     previous = mark.time;
   }
   Book(later.end_time());
-  if (swept < 0.0 || swept > 20.0 * rules_.tolerance * rules_.volumes.back()) bad_ = bad_ || !thin_;
+  expected_ += 0.5 * flow_ * (later.end_time() - time_);
+  swept_ += swept;
+  const double allowed = kTail * rules_.tolerance * rules_.volumes.back();
+  if (std::fabs(swept) > allowed) bad_ = bad_ || !thin_;
   strip_.until = later.end_time();
 }
 
@@ -198,16 +214,15 @@ void Climb::Close() {
   strip_.until = time_;
   const double longest = rules_.times.back();
   if (time_ >= longest) return;
-  const double pores_before = now_.pores;
   const bool whole = time_ >= common_ && both_ended_ && SameEnd();
-  const double came_from = time_;
+  // Between the ends of its two tracks a strip's water fades out evenly.
+  const double came_from = whole ? 0.5 * (EndOf(a_) + EndOf(b_)) : time_;
   if (whole) {
     Tail();
   } else {
     strip_.parted = true;
     if (!thin_) bad_ = true;
   }
-  const double tail = whole ? now_.pores - pores_before : 0.0;
   double Ledger::*account = !whole                     ? &Ledger::left_out
                             : BySurfaceWater(a_.end()) ? &Ledger::surface
                                                        : &Ledger::edge;
@@ -216,7 +231,7 @@ void Climb::Close() {
     ledger.pores = now_.pores;
     ledger.area = now_.area;
     ledger.shared = now_.shared;
-    ledger.*account += taken_ * (rules_.times[j] - came_from) - tail;
+    ledger.*account += taken_ * (rules_.times[j] - came_from);
     strip_.volume_errors[j] = swept_ - expected_;
   }
 }

@@ -29,17 +29,32 @@ double Way(const Mark& a, const Mark& b) {
   return half > 1e-4 ? chord * half / std::sin(half) : chord;
 }
 
+/// Slopes of time and place over the way at both ends of a piece.  A time that grows monotonously has none
+/// above three times its mean: where a mark has more the water hardly moves, and as little does its direction
+/// count.
+struct Slopes {
+  double time_a = 0.0, time_b = 0.0;
+  Complex a, b;
+};
+
+Slopes SlopesOf(const Mark& a, const Mark& b, double way) {
+  const double most = 3.0 * (b.time - a.time);
+  const double at_a = a.slowness * way, at_b = b.slowness * way;
+  const double part_a = at_a > most ? most / at_a : 1.0, part_b = at_b > most ? most / at_b : 1.0;
+  return {at_a * part_a, at_b * part_b, a.direction * way * part_a, b.direction * way * part_b};
+}
+
 Mark Mix(const Mark& a, const Mark& b, double way, double f) {
   Mark m;
-  m.at = Cubic(a.at, a.direction * way, b.at, b.direction * way, f);
+  const Slopes slopes = SlopesOf(a, b, way);
+  m.at = Cubic(a.at, slopes.a, b.at, slopes.b, f);
   m.time = a.time + f * (b.time - a.time);
   m.storage = a.storage + f * (b.storage - a.storage);
   m.infiltration = a.infiltration + f * (b.infiltration - a.infiltration);
   m.slowness = a.slowness + f * (b.slowness - a.slowness);
   // The cubic's own direction.
   const double g = 1.0 - f;
-  m.direction = 6.0 * f * g * (b.at - a.at) +
-                way * (g * (1.0 - 3.0 * f) * a.direction + f * (3.0 * f - 2.0) * b.direction);
+  m.direction = 6.0 * f * g * (b.at - a.at) + g * (1.0 - 3.0 * f) * slopes.a + f * (3.0 * f - 2.0) * slopes.b;
   const double length = std::abs(m.direction);
   if (length > 0.0) m.direction /= length;
   m.passed = a.passed;
@@ -62,19 +77,19 @@ void PutFlow(const aem::PathFlow& flow, Mark* mark) {
 double BesideChord(const Mark& a, const Mark& b) {
   const auto cross = [](Complex u, Complex v) { return u.real() * v.imag() - u.imag() * v.real(); };
   const double way = Way(a, b);
-  const Complex chord = b.at - a.at, first = a.direction * way, last = b.direction * way;
-  return 0.1 * cross(chord, last - first) - cross(first, last) / 60.0;
+  const Complex chord = b.at - a.at;
+  const Slopes slopes = SlopesOf(a, b, way);
+  return 0.1 * cross(chord, slopes.b - slopes.a) - cross(slopes.a, slopes.b) / 60.0;
 }
 
-Track::Track(const aem::Path& path, double angle, double time_offset)
-    : angle_(angle), end_(path.end), end_label_(path.label) {
+Track::Track(const aem::Path& path, double angle) : angle_(angle), end_(path.end), end_label_(path.label) {
   ended_ = path.end != aem::PathEnd::kTime && path.end != aem::PathEnd::kStagnation;
   double passed = 1.0;
   marks_.reserve(path.points.size());
   for (const aem::PathPoint& point : path.points) {
     Mark mark;
     mark.at = point.at;
-    mark.time = std::max(point.time + time_offset, marks_.empty() ? 0.0 : marks_.back().time);
+    mark.time = std::max(point.time, marks_.empty() ? 0.0 : marks_.back().time);
     mark.passed = passed;
     PutFlow(point.flow, &mark);
     marks_.push_back(mark);
@@ -90,11 +105,10 @@ Track::Track(const aem::Path& path, double angle, double time_offset)
 Mark Track::Between(std::size_t i, double time) const {
   const Mark &a = marks_[i], &b = marks_[i + 1];
   const double span = b.time - a.time, goal = time - a.time, way = ways_[i];
-  // Slopes that no monotonous cubic has come from lines crossed in between: the time then goes evenly.
-  const double first = a.slowness * way, last = b.slowness * way;
-  const bool cubic = first <= 3.0 * span && last <= 3.0 * span;
+  const Slopes slopes = SlopesOf(a, b, way);
+  const double first = slopes.time_a, last = slopes.time_b;
   double low = 0.0, high = 1.0, f = goal / span;
-  for (int i_step = 0; cubic && i_step < 40 && high - low > 1e-9; ++i_step) {
+  for (int i_step = 0; i_step < 40 && high - low > 1e-9; ++i_step) {
     const double value = Cubic(0.0, first, span, last, f) - goal;
     (value < 0.0 ? low : high) = f;
     const double g = 1.0 - f;

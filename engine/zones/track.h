@@ -30,8 +30,8 @@ double BesideChord(const Mark& a, const Mark& b);
 /// cubics of the way, as the tracer's own steps are to their fourth order.
 class Track {
  public:
-  /// `time_offset` is the travel time from where the path begins to the well's centre [d].
-  Track(const aem::Path& path, double angle, double time_offset);
+  /// Times of the path are those of travel to the well's centre.
+  Track(const aem::Path& path, double angle);
 
   double angle() const { return angle_; }
   /// Own marks, times ascending.

@@ -11,6 +11,9 @@
 namespace zones {
 namespace {
 
+/// Of a zone's water, over which it is no zone at all; right ones stay below 0.007.
+constexpr double kMostImbalance = 0.05;
+
 /// Places that a zone never closes over: wells but its own.
 std::vector<Complex> OtherWells(const PlanField& field, const Source& source) {
   std::vector<Complex> places;
@@ -23,6 +26,11 @@ WellZones OutlineWell(const PlanField& field, const Source& source, std::span<co
                       const FanOptions& options) {
   WellZones result;
   result.source = source;
+  const aem::PointState there = field.At(source.at);
+  if (there.status != aem::PointStatus::kOk || !(there.thickness * there.porosity > 0.0)) {
+    result.failure = "The well stands in ground that is dry or left out.";
+    return result;
+  }
   Fan fan(field, source, times, options);
   if (!fan.Build()) return result;
   result.tracks = static_cast<int>(fan.tracks().size());
@@ -50,6 +58,11 @@ WellZones OutlineWell(const PlanField& field, const Source& source, std::span<co
     // The strips end in chords, the ring is drawn smoothly, and it is the ring that is answered for.
     zone.supply.pores *= zone.area / zone.supply.area;
     zone.balance = 1.0 - zone.supply.Told() / zone.pumped;
+    if (!(std::fabs(zone.balance) < kMostImbalance)) {
+      result.failure = "Its water balance does not close.";
+      result.zones.clear();
+      return result;
+    }
     result.zones.push_back(std::move(zone));
   }
   return result;

@@ -175,9 +175,23 @@ class Loader {
     return value;
   }
 
+  /// The last vertex of a barrier that keeps one side begins a side of the ring and has no row.
+  bool OfRowlessSide(std::string_view label) {
+    constexpr std::string_view kBarrier = "HB_";
+    const std::size_t end = label.rfind('_');
+    if (!label.starts_with(kBarrier) || end == std::string_view::npos || end < kBarrier.size()) return false;
+    const double pid = Val(label.substr(kBarrier.size(), end - kBarrier.size()));
+    return ormel_.db()
+               .Scalar("select count(*) from NoFlowStrings where PID=? and Closed in (2,3)",
+                       {static_cast<std::int64_t>(pid)})
+               .AsLong() > 0;
+  }
+
   void Store(const Fields& fields, const Section& section, ResultTable& table, const Fields& held) {
-    if (!table.Find(Trim(fields[section.label_field - 1]))) {
-      ++report_.unknown;
+    const std::string_view label = Trim(fields[section.label_field - 1]);
+    if (!table.Find(label)) {
+      if (OfRowlessSide(label)) return;
+      if (++report_.unknown == 1) report_.unknown_label = label;
       return;
     }
     table.Edit();
@@ -194,7 +208,7 @@ class Loader {
     if (fields.size() < kLeast) return AskAboutBad("DATA record", line);
     const std::int64_t vid = NumberOfLabel(Trim(fields[kLeast - 1]));
     if (!test_points_.Find(std::to_string(vid))) {
-      ++report_.unknown;
+      if (++report_.unknown == 1) report_.unknown_label = Trim(fields[kLeast - 1]);
       return true;
     }
     const double head = ValueOf(fields, {"ModelHead", kHead, Take::kPlain});
@@ -283,7 +297,8 @@ std::string FaultOf(const LoadReport& report, const std::string& error_log) {
   if (report.other_origin) return "its coordinates have another origin than this run";
   if (report.broken > 0) return std::to_string(report.broken) + " of its records hold what is no number";
   if (report.unknown > 0)
-    return std::to_string(report.unknown) + " of its records name no element of this project";
+    return std::to_string(report.unknown) + " of its records name no element of this project, the first \"" +
+           report.unknown_label + "\"";
   std::string log;
   if (!report.unanswered.empty() && FileExists(error_log)) {
     LineReader lines(error_log);

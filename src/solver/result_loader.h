@@ -16,6 +16,7 @@ struct LoadReport {
   std::size_t bad = 0;        ///< records that were too short
   std::size_t broken = 0;     ///< records with a field that is no finite number
   std::size_t unknown = 0;    ///< records whose label no element of the project has
+  std::string unknown_label;  ///< of the first of these
   bool cut = false;           ///< the last line has no end, or the solver's own mark of the end is missing
   bool other_origin = false;  ///< the file says that its coordinates have another origin than the run
   /// Deck labels of elements of the deck for which the file holds no record.

@@ -15,7 +15,8 @@ LEVEL = {
 ENGINE = {
     "files": {"files"},
     "aem": {"aem"},
-    "vadox1": {"files", "aem", "vadox1"},
+    "zones": {"aem", "zones"},
+    "vadox1": {"files", "aem", "zones", "vadox1"},
     "contour": {"files", "contour"},
 }
 TOOLKIT = re.compile(r"^\s*#\s*include\s*[<\"](Q[A-Z]|Qt|q[a-z]+\.h)")

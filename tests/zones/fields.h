@@ -2,7 +2,10 @@
 // the zone of a well for time t has the pore volume Q t.
 #pragma once
 
+#include <cmath>
+#include <numbers>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "aem/solution.h"
@@ -29,6 +32,18 @@ inline aem::Model Aquifer(double gradient, double direction = 0.0) {
 
 inline void AddWell(aem::Model& m, Complex at, double discharge, double radius = 0.3) {
   m.wells.push_back({{"WL_" + std::to_string(m.wells.size() + 1), 1}, at, radius, false, discharge});
+}
+
+/// Two to eight wells in a square of 1,800, their rates over three orders, in a gradient of 0 to 0.01.
+inline aem::Model RandomField(std::mt19937& random) {
+  std::uniform_real_distribution<double> unit(0.0, 1.0);
+  aem::Model m = Aquifer(0.01 * unit(random), 2.0 * std::numbers::pi * unit(random));
+  const int wells = 2 + int(7 * unit(random));
+  for (int k = 0; k < wells; ++k) {
+    const Complex at{1800.0 * unit(random), 1800.0 * unit(random)};
+    AddWell(m, at, std::pow(10.0, 3.0 * unit(random)), 0.05 + 0.4 * unit(random));
+  }
+  return m;
 }
 
 /// Every well of the model that takes water.

@@ -1,75 +1,92 @@
+// Random fields of wells, whose zones have known volumes: every area, place, order and overlap is held
+// against what must be.
+//   trial_zone_fields [fields] [first seed]
 #include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+
 #include "zones/fields.h"
-using namespace zones_test;
-int main(int argc, char** argv) {
-  const int count = argc > 1 ? std::atoi(argv[1]) : 20;
-  const unsigned seed = argc > 2 ? std::atoi(argv[2]) : 1;
-  const bool dump = argc > 3;
-  auto run = [&](aem::Model m, std::vector<double> years, const char* name) {
-    aem::Solution s(m);
-    s.Iterate(1);
-    aem::SolutionField f(s);
-    zones::PlanField field(f, 0.0);
-    std::vector<double> times;
-    for (double y : years) times.push_back(y * 365);
-    auto t0 = std::chrono::steady_clock::now();
-    auto sources = Sources(field);
-    auto all = zones::OutlineZones(field, sources, times, {});
-    double dt = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-    for (auto& w : all) {
-      std::printf("%s %s Q %.0f tracks %d %s", name, w.source.label.c_str(), w.source.discharge, w.tracks,
-                  w.failure.c_str());
-      for (auto& z : w.zones) {
-        const double ratio = z.area * kThickness * kPorosity / z.pumped;
-        std::printf("  %s%.4f (bal %.1e ov %.1e n %zu h %zu)", std::fabs(ratio - 1) > 0.01 ? "****" : "",
-                    ratio, z.balance, z.overlap, z.ring.size(), z.holes.size());
-        if (dump) {
-          std::FILE* out = std::fopen((std::string("/tmp/z_") + name + "_" + w.source.label + "_" +
-                                       std::to_string(int(z.time / 365)) + ".txt")
-                                          .c_str(),
-                                      "w");
-          for (auto p : z.ring) std::fprintf(out, "%.6f %.6f\n", p.real(), p.imag());
-          std::fclose(out);
-        }
+#include "zones/polygons.h"
+
+namespace zones_test {
+namespace {
+
+struct Tally {
+  int zones = 0, failures = 0, wrong = 0, unnested = 0, overlapping = 0;
+  double area = 0.0, balance = 0.0, unheld = 0.0, shared = 0.0, seconds = 0.0;
+};
+
+void Note(double& worst, double value) {
+  worst = std::max(worst, value);
+}
+
+void LookAt(unsigned seed, const zones::WellZones& well, Tally* tally) {
+  if (!well.failure.empty()) {
+    ++tally->failures;
+    std::printf("%u %s Q %.1f: %s (%d tracks)\n", seed, well.source.label.c_str(), well.source.discharge,
+                well.failure.c_str(), well.tracks);
+  }
+  const zones::Zone* before = nullptr;
+  for (const zones::Zone& zone : well.zones) {
+    ++tally->zones;
+    const Polygon polygon(zone);
+    const double off = std::fabs(polygon.Area() * kThickness * kPorosity / zone.pumped - 1.0);
+    const bool sound = polygon.Valid() && SignedArea(zone.ring) > 0.0 && InZone(zone, well.source.at);
+    const double unheld = before == nullptr ? 0.0 : 1.0 - Polygon(*before).Shared(polygon) / before->area;
+    const bool wrong = off > 0.01 || !sound;
+    tally->wrong += wrong;
+    tally->unnested += unheld > 0.01;
+    if (wrong || unheld > 0.01)
+      std::printf("%u %s Q %.1f T %.1f: area off %.4f sound %d not held %.4f balance %.1e tracks %d\n", seed,
+                  well.source.label.c_str(), well.source.discharge, zone.time, off, sound, unheld,
+                  zone.balance, well.tracks);
+    Note(tally->area, off), Note(tally->balance, std::fabs(zone.balance)), Note(tally->unheld, unheld);
+    before = &zone;
+  }
+}
+
+void LookBetween(unsigned seed, const std::vector<zones::WellZones>& wells, Tally* tally) {
+  for (std::size_t i = 0; i < wells.size(); ++i)
+    for (std::size_t k = 0; k < i; ++k)
+      for (std::size_t j = 0; j < std::min(wells[i].zones.size(), wells[k].zones.size()); ++j) {
+        const zones::Zone &a = wells[i].zones[j], &b = wells[k].zones[j];
+        const double shared = Polygon(a).Shared(Polygon(b)) / std::min(a.area, b.area);
+        Note(tally->shared, shared);
+        if (shared <= 0.01) continue;
+        ++tally->overlapping;
+        std::printf("%u %s and %s share %.4f at %.1f\n", seed, wells[i].source.label.c_str(),
+                    wells[k].source.label.c_str(), shared, a.time);
       }
-      std::printf("\n");
-    }
-    std::printf("   %.3f s\n", dt);
-  };
-  for (double q : {20., 50., 100., 300.}) {
-    aem::Model m = Aquifer(0.004);
-    AddWell(m, {0, 0}, q);
-    run(m, {2, 5, 10, 20, 1000}, "single");
-  }
-  {
-    aem::Model m = Aquifer(0.0);
-    AddWell(m, {0, 0}, 500);
-    run(m, {0.1, 1, 10, 100}, "circle");
-  }
-  {
-    aem::Model m = Aquifer(0.0);
-    AddWell(m, {-100, 0}, 500);
-    AddWell(m, {100, 0}, 500);
-    run(m, {1, 10, 100}, "pair");
-  }
-  std::mt19937 rng(seed);
-  std::uniform_real_distribution<double> u(0, 1);
-  for (int i = 0; i < count; ++i) {
-    aem::Model m = Aquifer(0.01 * u(rng), 6.28 * u(rng));
-    const int n = 2 + int(7 * u(rng));
-    for (int k = 0; k < n; ++k) {
-      double x = 1800 * u(rng), y = 1800 * u(rng);
-      AddWell(m, {x, y}, std::pow(10.0, 3 * u(rng)), 0.05 + 0.4 * u(rng));
-    }
-    double t1 = std::pow(10.0, -1 + 3 * u(rng)), t2 = std::pow(10.0, -1 + 3 * u(rng)),
-           t3 = std::pow(10.0, -1 + 3 * u(rng));
-    std::vector<double> years{t1, t2, t3};
-    std::sort(years.begin(), years.end());
-    std::printf("grad %.4f years %.2f %.2f %.2f\n", std::abs(m.aquifer.uniform_flow) / 200, years[0],
-                years[1], years[2]);
-    run(m, years, ("field" + std::to_string(i)).c_str());
-  }
+}
+
+void Run(unsigned seed, Tally* tally) {
+  std::mt19937 random(seed);
+  aem::Solution solution(RandomField(random));
+  solution.Iterate(1);
+  const aem::SolutionField field(solution);
+  const zones::PlanField plan(field, 0.0);
+  std::uniform_real_distribution<double> exponent(-1.0, 2.0);
+  std::vector<double> times;
+  for (int i = 0; i < 3; ++i) times.push_back(365.0 * std::pow(10.0, exponent(random)));
+  std::sort(times.begin(), times.end());
+  const auto start = std::chrono::steady_clock::now();
+  const auto wells = zones::OutlineZones(plan, Sources(plan), times, {});
+  tally->seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  for (const zones::WellZones& well : wells) LookAt(seed, well, tally);
+  LookBetween(seed, wells, tally);
+}
+
+}  // namespace
+}  // namespace zones_test
+
+int main(int argc, char** argv) {
+  const unsigned count = argc > 1 ? unsigned(std::atoi(argv[1])) : 500;
+  const unsigned first = argc > 2 ? unsigned(std::atoi(argv[2])) : 1;
+  zones_test::Tally t;
+  for (unsigned seed = first; seed < first + count; ++seed) zones_test::Run(seed, &t);
+  std::printf("%u fields, %d zones in %.1f s: %d wells without a zone, %d wrong, %d not nested, %d overlap\n",
+              count, t.zones, t.seconds, t.failures, t.wrong, t.unnested, t.overlapping);
+  std::printf("worst: area %.2e, balance %.2e, not held %.2e, shared %.2e\n", t.area, t.balance, t.unheld,
+              t.shared);
+  return t.failures + t.wrong + t.unnested + t.overlapping > 0 ? 1 : 0;
 }
