@@ -1,13 +1,11 @@
 // render
 #include <CLI/CLI.hpp>
-#include <QGuiApplication>
 #include <array>
-#include <cstdlib>
-#include <iostream>
 #include <memory>
 
 #include "core/menu_state.h"
 #include "ormelcmd/options.h"
+#include "ormelcmd/toolkit.h"
 #include "qtdevice/write_picture.h"
 #include "shell/open_steps.h"
 #include "shell/solve_stamp.h"
@@ -124,16 +122,7 @@ int Render(const CommonOptions& common, RenderOptions given) {
                     given.path + "\", or draw without them by --no-results");
   SwitchLayers(ormel, given, !given.no_results);
 
-  // No window is shown: drawing needs no display unless the user asks for a platform.
-  if (std::getenv("QT_QPA_PLATFORM") == nullptr) setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  // What the toolkit has to say about the desktop concerns nobody here.
-  qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
-    if (type == QtCriticalMsg || type == QtFatalMsg) std::cerr << "ormelcmd: " << text.toStdString() << '\n';
-  });
-  char name[] = "ormelcmd";
-  char* arguments[] = {name, nullptr};
-  int count = 1;
-  const QGuiApplication application(count, arguments);
+  const Toolkit toolkit;
   bool drawn = false;
   const std::string failure = WritePicture(FullPath(ormel, given.picture), size, [&](DrawingDevice& device) {
     drawn = DrawMapOutput(ormel, session.view().state(), device, given.output);
@@ -144,6 +133,10 @@ int Render(const CommonOptions& common, RenderOptions given) {
 }
 
 }  // namespace
+
+void ShowUsualLayers(Ormel& ormel, bool solved) {
+  SwitchLayers(ormel, RenderOptions{}, solved);
+}
 
 void AddRenderCommand(CLI::App& app, Program& program) {
   auto given = std::make_shared<RenderOptions>();

@@ -26,6 +26,7 @@ class Solver;
 class Processes;
 class Settings;
 class Clock;
+class Publisher;
 class WindowCommands;
 
 /// References to what stands outside; all of them outlive the controller.
@@ -37,6 +38,7 @@ struct Ports {
   ormel::Settings* settings = nullptr;
   ormel::Clock* clock = nullptr;
   WindowCommands* window = nullptr;  ///< null in a program without a window
+  Publisher* publisher = nullptr;    ///< null in a program that draws nothing
 };
 
 class Transaction;

@@ -14,6 +14,9 @@ struct Ormel;
 /// captions and state of `EDIT_CMDS`, feedback line.  Nothing in range clears the selection.
 void ElemSelectElement(Ormel& ormel);
 
+/// Selects the owner of a vertex, as a click on it does.
+void SelectVertex(Ormel& ormel, Vid vid);
+
 /// Who owns a vertex, and under which polygon; kNone for a vertex without an owner.
 struct Owner {
   Element element = Element::kNone;

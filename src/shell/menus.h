@@ -57,7 +57,8 @@ bool HasSubmenu(const MenuItem& item);
 
 /// The caption as shown; that of a recent project depends on the settings, and is empty when there is none.
 std::string ItemCaption(const Ormel& ormel, const MenuItem& item);
-/// Why the command rests, "not available in this version" for one that is missing; empty when it can be given.
+/// Why the command rests, "not available in this version" for one that is missing; empty when it can be
+/// given.
 std::string_view ItemTip(const Ormel& ormel, const MenuItem& item);
 /// By the table, the state that procedures have set, the project, and the menus above it.
 bool ItemEnabled(const Ormel& ormel, const MenuItem& item);
