@@ -44,7 +44,7 @@ void ChartControl::Show(const ControlState& state) {
   if (state.chart != shown_) {
     shown_ = state.chart;
     at_.reset();
-    if (shown_) FillChart(*chart(), *shown_, size());
+    Fill();
   }
   box_->setVisible(!state.text.empty() && at_.has_value());
   if (state.text.empty()) return;
@@ -54,6 +54,14 @@ void ChartControl::Show(const ControlState& state) {
       html += QStringLiteral("<br><i>%1 more at this place</i>").arg(beneath);
   box_->setText(html);
   PlaceBox();
+}
+
+void ChartControl::Fill() {
+  if (!shown_) return;
+  const std::unique_ptr<QChart> before(chart());
+  auto* fresh = new QChart;
+  FillChart(*fresh, *shown_, size());
+  setChart(fresh);  // the scene owns it
 }
 
 PlotArea ChartControl::Plot() const {
@@ -102,7 +110,7 @@ void ChartControl::mouseReleaseEvent(QMouseEvent* event) {
 
 void ChartControl::resizeEvent(QResizeEvent* event) {
   QChartView::resizeEvent(event);
-  if (shown_) FillChart(*chart(), *shown_, size());
+  Fill();
 }
 
 void ChartControl::leaveEvent(QEvent* event) {

@@ -37,6 +37,7 @@ class ChartControl : public QChartView {
   std::optional<ChartPick> PickAt(QPointF at) const;
   void PointAt(std::optional<ChartPick> pick);
   void PlaceBox();
+  void Fill();
 
   std::string_view name_;  ///< lives in the form's static table
   FormDialog& dialog_;

@@ -93,11 +93,6 @@ QXYSeries* MakeSeries(const ChartSeries& from) {
 }  // namespace
 
 void FillChart(QChart& chart, const Chart& from, QSize size) {
-  chart.removeAllSeries();
-  for (QAbstractAxis* axis : chart.axes()) {
-    chart.removeAxis(axis);
-    delete axis;
-  }
   chart.setAnimationOptions(QChart::NoAnimation);
   chart.setTitle(Text(from.title));
   chart.setTitleFont(Font(kTitlePixels, true));

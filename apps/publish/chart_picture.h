@@ -11,8 +11,8 @@ class QPainter;
 
 namespace ormel {
 
-/// Puts axes and series of `from` into `chart` in place of those that it has.  Of the ticks those are left
-/// out whose texts would not find room in a chart of this size.
+/// Puts axes and series of `from` into a new chart: one that had others would go on to show their axes.  Of
+/// the ticks those are left out whose texts would not find room in a chart of this size.
 void FillChart(QChart& chart, const Chart& from, QSize size);
 
 /// Draws a chart of `size` device-independent pixels.  Needs a QApplication.

@@ -24,6 +24,7 @@ struct TableRow {
 };
 constexpr std::array kTables{
     TableRow{"zones", [](ReportSources& s) { return ZonesTable(s.ormel()); }},
+    TableRow{"zonechecks", [](ReportSources& s) { return ZoneChecksTable(s.ormel()); }},
     TableRow{"areas", [](ReportSources& s) { return AreasTable(s.ormel()); }},
     TableRow{"strings", [](ReportSources& s) { return StringsTable(s.ormel()); }},
     TableRow{"domains", [](ReportSources& s) { return DomainsTable(s.ormel()); }},

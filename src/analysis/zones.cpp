@@ -10,7 +10,6 @@
 #include "model/geometry.h"
 #include "store/bulk.h"
 #include "store/database.h"
-#include "store/schema.h"
 #include "text/numbers.h"
 #include "text/strings.h"
 
@@ -19,14 +18,8 @@ namespace {
 
 constexpr double kCentric = 0.1, kEccentric = 1.0;  ///< bounds of the dimensionless time of travel
 
-/// What the store keeps about the making of a zone, beside label and identity: its fields appear in the table
-/// under their own names, so that a description of a report can show them.
-std::vector<std::string> MakingFields() {
-  std::vector<std::string> fields;
-  for (const schema::Field& field : schema::FindTable("Capzones")->fields)
-    if (field.name != "Label" && field.name != "PID") fields.emplace_back(field.name);
-  return fields;
-}
+/// Where the store keeps how zones were outlined; older projects have no such table.
+constexpr const char* kChecks = "Zones";
 
 struct Named {
   std::string well;
@@ -76,20 +69,13 @@ ZoneShape ShapeOf(const std::vector<MapPoint>& ring) {
 }
 
 std::shared_ptr<Table> ZonesTable(Ormel& ormel) {
-  const std::vector<std::string> making = MakingFields();
   std::vector<TableColumn> columns;
   for (const char* name : {"Label", "Well", "Years", "Area", "Perimeter", "Width", "Height", "West", "East",
                            "South", "North", "Vertices"})
     columns.push_back({.name = name, .caption = name});
-  std::string fields = "select Label,PID";
-  for (const std::string& field : making) {
-    if (!ormel.db().HasField("Capzones", field)) continue;
-    columns.push_back({.name = field, .caption = field});
-    fields += "," + field;
-  }
   auto table = std::make_shared<Table>(std::move(columns));
   RowReader vertices(ormel.db(), "select X,Y from Vertices where PID=? order by Seq", {kNoPolygon});
-  RowReader rows(ormel.db(), fields + " from Capzones order by Label");
+  RowReader rows(ormel.db(), "select Label,PID from Capzones order by Label");
   while (rows.Next()) {
     const std::string label(rows.Text(0));
     const Named named = WellAndTime(ormel, label);
@@ -107,7 +93,25 @@ std::shared_ptr<Table> ZonesTable(Ormel& ormel) {
                               e.y_min,
                               e.y_max,
                               s.vertices};
-    for (int i = 2; i < rows.ColumnCount(); ++i) values.push_back(rows.Get(i));
+    table->AddRow(std::move(values));
+  }
+  return table;
+}
+
+std::shared_ptr<Table> ZoneChecksTable(Ormel& ormel) {
+  std::vector<TableColumn> columns;
+  for (const char* name : {"Label", "Well", "Years", "Part", "Tolerance", "Balance", "Pores", "Recharge",
+                           "Surface", "Edge", "LeftOut", "Shared", "Ends", "Made"})
+    columns.push_back({.name = name, .caption = name});
+  auto table = std::make_shared<Table>(std::move(columns));
+  if (!ormel.db().HasTable(kChecks)) return table;
+  RowReader rows(ormel.db(),
+                 "select c.Label,z.Well,z.Years,z.Part,100*z.Tolerance,100*z.Balance,100*z.Pores/z.Pumped,"
+                 "100*z.Recharge/z.Pumped,100*z.Surface/z.Pumped,100*z.Edge/z.Pumped,100*z.LeftOut/z.Pumped,"
+                 "z.Shared,z.Ends,z.Made from Zones z inner join Capzones c on c.PID=z.PID order by c.Label");
+  while (rows.Next()) {
+    std::vector<Value> values;
+    for (int i = 0; i < rows.ColumnCount(); ++i) values.push_back(rows.Get(i));
     table->AddRow(std::move(values));
   }
   return table;

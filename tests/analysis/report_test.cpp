@@ -136,6 +136,28 @@ TEST_F(ReportTest, ZonesTellWellTimeAreaAndExtent) {
   EXPECT_EQ(at(1, "North").AsDouble(), 200);
 }
 
+TEST_F(ReportTest, ChecksOfZonesAreSharesOfWhatIsPumped) {
+  EXPECT_EQ(ZoneChecksTable(ormel)->Rows(), 0U);
+  Database& db = ormel.db();
+  if (!db.HasTable("Zones"))
+    db.Execute(
+        "create table Zones(PID integer,Well text,Part integer,Years double,Area double,Pumped double,Pores "
+        "double,Recharge double,Surface double,Edge double,LeftOut double,Shared double,Balance double,"
+        "Tolerance double,Ends text,Made text)");
+  db.Execute(
+      "insert into "
+      "Zones(PID,Well,Years,Area,Pumped,Pores,Recharge,Surface,Edge,LeftOut,Shared,Balance,Tolerance,"
+      "Ends,Made) select PID,'Mill',10.0,60000.0,2000.0,1500.0,400.0,80.0,0.0,20.0,7.0,0.0005,0.002,"
+      "'32 at the time','2026' from Capzones where Label like 'Mill*'");
+  const auto checks = ZoneChecksTable(ormel);
+  ASSERT_EQ(checks->Rows(), 1U);
+  EXPECT_EQ(checks->At(0, 0).AsText(), "Mill <1> & Co 10 years");
+  EXPECT_DOUBLE_EQ(checks->At(0, 4).AsDouble(), 0.2);
+  EXPECT_DOUBLE_EQ(checks->At(0, 6).AsDouble(), 75);
+  EXPECT_DOUBLE_EQ(checks->At(0, 10).AsDouble(), 1);
+  EXPECT_EQ(checks->At(0, 12).AsText(), "32 at the time");
+}
+
 TEST_F(ReportTest, TheFormOffersTheSectionsAndRemembersWhichWereLeftOut) {
   project.ui.OnForm("Report", [](Form& form) {
     const ControlState& list = form.State("listSections");

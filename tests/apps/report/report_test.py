@@ -127,6 +127,15 @@ class Expected:
             for label, well, years, area, length, xs, ys in self.zones()
         ]
 
+    def zone_checks(self):
+        if not self.rows("select 1 from sqlite_master where name='Zones'"):
+            return [], []
+        rows = self.rows(
+            "select c.Label,Tolerance,Balance,Shared,Ends,Made,Pores,Recharge,Surface,Edge,LeftOut,Pumped"
+            " from Zones z join Capzones c using(PID) order by c.Label")
+        return ([[r[0], 100 * r[1], 100 * r[2], *r[3:6]] for r in rows],
+                [[r[0], *(100 * share / r[11] for share in r[6:11])] for r in rows])
+
     def zone_places(self):
         return [[z[0], min(z[5]), max(z[5]), min(z[6]), max(z[6])] for z in self.zones()]
 
@@ -313,6 +322,8 @@ class Expected:
         return {
             **self.elements(),
             "Capture zones": self.zone_rows(),
+            "How the zones were outlined: errors, and where the paths ended": self.zone_checks()[0],
+            "Where the water of these zones came from, in shares of the pumped volume": self.zone_checks()[1],
             "Where the capture zones lie": self.zone_places(),
             "Wells whose water the zones lead to": self.zone_wells(),
             "Areas around their wells": [row[:6] for row in self.areas()],

@@ -1,6 +1,8 @@
 // The chart control in a real dialog: where it draws a point is where the pointer finds it.
 #include <QChart>
 #include <QClipboard>
+#include <QGraphicsScene>
+#include <QGraphicsTextItem>
 #include <QImage>
 #include <QLabel>
 #include <QMouseEvent>
@@ -80,6 +82,33 @@ TEST_F(ChartWindowTest, PointingAtEachOfManyPointsNamesIt) {
   MoveTo(*control, {2, 2});
   EXPECT_EQ(form.Text("chart"), "");
   EXPECT_FALSE(box->isVisible());
+}
+
+TEST_F(ChartWindowTest, AnotherSizeOrChartLeavesNothingOfTheOneBefore) {
+  Start(town);
+  AddPoints(60);
+  CalibrationStats form(program->ormel, ReadCalibration(program->ormel));
+  FormDialog dialog(form, &program->window);
+  form.MarkShown();
+  dialog.show();
+  auto* control = dialog.findChild<ChartControl*>();
+  const auto shown = [control](const QString& title) {
+    int count = 0;
+    for (QGraphicsItem* item : control->scene()->items())
+      if (auto* text = qgraphicsitem_cast<QGraphicsTextItem*>(item))
+        count += text->isVisible() && text->toPlainText() == title ? 1 : 0;
+    return count;
+  };
+  for (const int width : {900, 1100, 950}) {
+    dialog.resize(width, 700);
+    Settle(100);
+    EXPECT_EQ(shown("Observed head [m]"), 1) << width;
+    EXPECT_EQ(shown("Modeled head [m]"), 1) << width;
+  }
+  dialog.Do([](Form& of) { of.SetChecked("optGraph(2)", true); });
+  Settle(100);
+  EXPECT_EQ(shown("Observed head [m]"), 1);
+  EXPECT_EQ(shown("Modeled head [m]"), 0);
 }
 
 TEST_F(ChartWindowTest, AClickShowsTheTestPointOnTheMapAndTheCopyIsAPicture) {
