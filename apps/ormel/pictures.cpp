@@ -63,6 +63,8 @@ constexpr std::array kDialogs = {
     DialogShot{"dialog-results-overlay", "layermenu", kLayerResultsOverlay, 0},
     DialogShot{"dialog-inspector", "INSPECTORMENU", 0, 0},
     DialogShot{"dialog-results-table", "RESULTS_TABLE", 0, 0},
+    DialogShot{"dialog-calibration", "CALIBRATION_STATS", 0, 0},
+    DialogShot{"dialog-report", "REPORT", 0, 0},
     DialogShot{"dialog-database-viewer", "TOOLS_CMDS", 5, 0},
 };
 

@@ -5,10 +5,14 @@
 
 namespace ormel {
 Program::Program(const Surroundings& surroundings)
-    : document(ormel), solver(ormel, ModelRunWHPAs), window(ormel, ui), view(ormel, &window.map()) {
+    : document(ormel),
+      solver(ormel, ModelRunWHPAs),
+      window(ormel, ui),
+      view(ormel, &window.map()),
+      publisher(ormel, view) {
   ormel.ports = {
-      &ui,     &view,    &solver, &surroundings.processes, &surroundings.settings, &surroundings.clock,
-      &window, &document};
+      &ui,     &view,     &solver,   &surroundings.processes, &surroundings.settings, &surroundings.clock,
+      &window, &document, &publisher};
   ui.SetSettings(&surroundings.settings);
   ormel.solution.restore_on_open = true;
   window.SetView(view);

@@ -7,6 +7,7 @@
 #include "document/document.h"
 #include "ormel/main_window.h"
 #include "ormel/qt_interface.h"
+#include "publish/qt_publisher.h"
 #include "solver/solver_bridge.h"
 #include "view/map_view_impl.h"
 
@@ -32,6 +33,7 @@ class Program {
   SolverBridge solver;
   MainWindow window;
   MapViewImpl view;
+  QtPublisher publisher;
 };
 
 }  // namespace ormel

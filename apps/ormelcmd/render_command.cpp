@@ -1,15 +1,13 @@
 // render
 #include <CLI/CLI.hpp>
-#include <QGuiApplication>
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <iostream>
 #include <memory>
 
 #include "core/layers.h"
 #include "core/status.h"
 #include "ormelcmd/options.h"
+#include "ormelcmd/toolkit.h"
 #include "qtdevice/write_picture.h"
 #include "shell/open_steps.h"
 #include "solver/solve_stamp.h"
@@ -146,16 +144,7 @@ int Render(const CommonOptions& common, RenderOptions given) {
     session.view().state().overlay = {
         "Strength", ormel.db().Scalar("select max(abs(Discharge)) from LSResults").AsDouble()};
 
-  // No window is shown: drawing needs no display unless the user asks for a platform.
-  if (std::getenv("QT_QPA_PLATFORM") == nullptr) setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  // What the toolkit has to say about the desktop concerns nobody here.
-  qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
-    if (type == QtCriticalMsg || type == QtFatalMsg) std::cerr << "ormelcmd: " << text.toStdString() << '\n';
-  });
-  char name[] = "ormelcmd";
-  char* arguments[] = {name, nullptr};
-  int count = 1;
-  const QGuiApplication application(count, arguments);
+  const Toolkit toolkit;
   bool drawn = false;
   const std::string failure = WritePicture(FullPath(ormel, given.picture), size, [&](DrawingDevice& device) {
     drawn = DrawMapOutput(ormel, session.view().state(), device, given.output);
@@ -166,6 +155,10 @@ int Render(const CommonOptions& common, RenderOptions given) {
 }
 
 }  // namespace
+
+void ShowUsualLayers(Ormel& ormel, bool solved) {
+  SwitchLayers(ormel, RenderOptions{}, solved);
+}
 
 void AddRenderCommand(CLI::App& app, Program& program) {
   auto given = std::make_shared<RenderOptions>();

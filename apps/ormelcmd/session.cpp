@@ -9,6 +9,7 @@
 
 #include "core/command.h"
 #include "core/project.h"
+#include "publish/qt_publisher.h"
 #include "shell/lifecycle.h"
 #include "shell/open_steps.h"
 #include "solver/solver_bridge.h"
@@ -67,7 +68,9 @@ BatchOptions MakeBatchOptions(const CommonOptions& common) {
 Session::Session(BatchOptions options) : ui_(std::move(options), std::cerr, "ormelcmd") {
   view_ = std::make_unique<MapViewImpl>(ormel_, nullptr);
   solver_ = std::make_unique<SolverBridge>(ormel_, [](Ormel& ormel) { ormel::ModelRunWHPAs(ormel); });
-  ormel_.ports = {&ui_, view_.get(), solver_.get(), &processes_, &settings_, &clock_};
+  publisher_ = std::make_unique<QtPublisher>(ormel_, *view_);
+  ormel_.ports = {&ui_,       view_.get(), solver_.get(), &processes_,
+                  &settings_, &clock_,     nullptr,       publisher_.get()};
   g_interrupted = &ui_;
   HandleEndings(OnInterrupt);
   signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is a failed write, which is told

@@ -36,6 +36,8 @@ class Named {
 /// In a catch block, for a procedure that ends there instead of its command: the failure box with the words
 /// of the exception in flight and the name of the innermost procedure that it has left, else `procedure`.
 void ShowFailure(Ormel& ormel, std::string_view procedure);
+/// The same box with a first line of its own.
+void ShowFailureText(Ormel& ormel, std::string_view first_line);
 
 /// Commits what the present command has written so far and goes on: before an outside program reads the
 /// project's files, before a wait that may be long, and after a command has opened a project.

@@ -28,6 +28,7 @@ class Solver;
 class Processes;
 class Settings;
 class Clock;
+class Publisher;
 class WindowCommands;
 class Document;
 
@@ -41,6 +42,7 @@ struct Ports {
   ormel::Clock* clock = nullptr;
   WindowCommands* window = nullptr;  ///< null in a program without a window
   Document* document = nullptr;      ///< null in a program that keeps no history
+  Publisher* publisher = nullptr;    ///< null in a program that draws nothing
 };
 
 class Transaction;

@@ -73,6 +73,16 @@ void ElemSelectElement(Ormel& ormel) {
   });
 }
 
+void SelectVertex(Ormel& ormel, Vid vid) {
+  ormel.view().ElemTurnOffSelection();
+  const Owner owner = OwnerOf(ormel, vid);
+  if (owner.element == Element::kNone) {
+    SelectNothing(ormel);
+  } else {
+    Select(ormel, owner);
+  }
+}
+
 Neighbours NeighboursOf(Ormel& ormel, Element element, Pid pid, Vid vid) {
   if (!IsPolygonElement(element)) return {};
   bool closed = element == Element::kInhomogeneity;

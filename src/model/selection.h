@@ -15,6 +15,9 @@ struct Ormel;
 /// captions and state of `EDIT_CMDS`, feedback line.  Nothing in range clears the selection.
 void ElemSelectElement(Ormel& ormel);
 
+/// Selects the owner of a vertex, as a click on it does.
+void SelectVertex(Ormel& ormel, Vid vid);
+
 /// The feedback line of the selected element.
 std::string DescribeSelection(Ormel& ormel);
 /// Of a well, without and with its results.

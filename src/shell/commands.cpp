@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "analysis/calibration_form.h"
+#include "analysis/report_form.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/solver_port.h"
@@ -73,6 +75,15 @@ void Recent(Ormel& ormel, int index) {
 
 void SaveMapAs(Ormel& ormel, int /*index*/) {
   ormel.ports.window->SaveMapAs();
+}
+
+void Report(Ormel& ormel, int /*index*/) {
+  std::string reason;
+  if (!ormel.solution.ValidSolution) {
+    reason = WhyNotSolved(ormel);
+    if (reason.empty()) reason = "the saved solution has not been taken up; solve the model";
+  }
+  REPORT(ormel, reason);
 }
 
 void AddText(Ormel& ormel, int /*index*/) {
@@ -170,6 +181,10 @@ void ModelSize(Ormel& ormel, int /*index*/) {
 
 void ResultsTable(Ormel& ormel, int /*index*/) {
   ViewResultsTable(ormel);
+}
+
+void CalibrationStatistics(Ormel& ormel, int /*index*/) {
+  CALIBRATION_STATS(ormel);
 }
 
 void RunFile(Ormel& ormel, int index) {

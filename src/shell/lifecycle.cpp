@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 
+#include "analysis/calibration_form.h"
 #include "core/command.h"
 #include "core/directory_memory.h"
 #include "core/layers.h"
@@ -124,6 +125,7 @@ void LoadProject(Ormel& ormel, const std::string& path, bool isNew) {
   EnableMouse(ormel);
   for (int index = 0; index < 2; ++index) ormel.menus.Enable("SolverIntegrityCheck", index, true);
   ShowStoredWhpas(ormel);
+  CALIBRATION_STATS(ormel, true);
   ormel.gui.VertexTolerance = DefaultVertexTolerance(ormel);
   ShowTitle(ormel);
   SelectStatus(ormel);

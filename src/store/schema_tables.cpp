@@ -123,7 +123,9 @@ constexpr std::array kInhomogeneities{Given("PID", kLong, "0"),
 constexpr std::array kParticles{Given("VID", kLong, "0"), Number("Elevation", "0.0"),
                                 Given("SatdThick", kInteger, "1"), Given("Forward", kInteger, "1")};
 
-constexpr std::array kPolygons{Automatic("PID"), Given("Closed", kInteger, "0")};
+constexpr std::array kPolygons{Automatic("PID"), Given("Closed", kInteger, "0"),
+                               // appended
+                               Field{"ObsDischarge", kDouble, 0, {}, false, kOptional, false}};
 
 constexpr std::array kProject{GivenText("Description", 255, "New Ormel Model", kOptional),
                               Required("Updated", kDate), Text("OrmelBaseName"), Text("OrmelBasePath"),

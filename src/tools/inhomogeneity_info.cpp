@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/ormel.h"
+#include "core/quantities.h"
 #include "core/table.h"
 #include "model/geometry.h"
 #include "model/vertices.h"
@@ -15,7 +16,6 @@
 #include "text/masks.h"
 #include "text/numbers.h"
 #include "tools/info_panels.h"
-#include "tools/quantities.h"
 
 namespace ormel {
 namespace {

@@ -8,6 +8,7 @@
 
 #include "core/coordinates.h"
 #include "core/ormel.h"
+#include "core/quantities.h"
 #include "core/table.h"
 #include "model/vertices.h"
 #include "solver/deck_labels.h"
@@ -16,7 +17,6 @@
 #include "text/masks.h"
 #include "text/numbers.h"
 #include "tools/info_panels.h"
-#include "tools/quantities.h"
 
 namespace ormel {
 namespace {

@@ -5,11 +5,11 @@
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/table.h"
+#include "core/table_file.h"
 #include "core/user_interface.h"
 #include "store/database.h"
 #include "text/masks.h"
 #include "tools/results_tables.h"
-#include "tools/table_file.h"
 
 namespace ormel {
 namespace {

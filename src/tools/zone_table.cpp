@@ -10,7 +10,7 @@
 #include "core/user_interface.h"
 #include "store/bulk.h"
 #include "store/database.h"
-#include "tools/table_file.h"
+#include "core/table_file.h"
 
 namespace ormel {
 namespace {

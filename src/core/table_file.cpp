@@ -1,4 +1,4 @@
-#include "tools/table_file.h"
+#include "core/table_file.h"
 
 #include "core/directory_memory.h"
 #include "core/ormel.h"

@@ -17,6 +17,9 @@ enum class Quantity {
   kSinkDensity,  ///< length squared per day
   kDischarge,    ///< length cubed per day: discharge, discharge potential
   kDays,
+  kYears,
+  kDegrees,
+  kPercent,
 };
 
 /// "m", "ft^3/day", "days"; empty for kNone.

@@ -1,4 +1,4 @@
-#include "tools/quantities.h"
+#include "core/quantities.h"
 
 #include "core/ormel.h"
 
@@ -26,6 +26,12 @@ std::string UnitOf(const Ormel& ormel, Quantity quantity) {
       return length + "^3/day";
     case Quantity::kDays:
       return "days";
+    case Quantity::kYears:
+      return "years";
+    case Quantity::kDegrees:
+      return "degrees";
+    case Quantity::kPercent:
+      return "%";
   }
   return {};
 }
