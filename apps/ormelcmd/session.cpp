@@ -69,8 +69,8 @@ Session::Session(BatchOptions options) : ui_(std::move(options), std::cerr, "orm
   view_ = std::make_unique<MapViewImpl>(ormel_, nullptr);
   solver_ = std::make_unique<SolverBridge>(ormel_, [](Ormel& ormel) { ormel::ModelRunWHPAs(ormel); });
   publisher_ = std::make_unique<QtPublisher>(ormel_, *view_);
-  ormel_.ports = {&ui_,       view_.get(), solver_.get(), &processes_,
-                  &settings_, &clock_,     nullptr,       publisher_.get()};
+  ormel_.ports = {&ui_,    view_.get(), solver_.get(), &processes_,     &settings_,
+                  &clock_, nullptr,     nullptr,       publisher_.get()};
   g_interrupted = &ui_;
   HandleEndings(OnInterrupt);
   signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is a failed write, which is told

@@ -6,7 +6,8 @@
 
 #include "analysis/cells.h"
 #include "core/ormel.h"
-#include "solver/deck_writer.h"
+#include "solver/deck_labels.h"
+#include "solver/result_rows.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "store/schema.h"

@@ -90,7 +90,7 @@ void Document::ShowInMenus() {
     ormel_.menus.SetCaption(control, 0, can ? std::string(verb) + " " + name : std::string(verb));
   };
   show("UNDO", "&Undo", CanUndo(), UndoName());
-  show("REDO", "&Redo", CanRedo(), RedoName());
+  show("REDO", "Red&o", CanRedo(), RedoName());
 }
 
 }  // namespace ormel

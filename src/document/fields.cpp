@@ -45,6 +45,7 @@ constexpr std::array kRules{
     Rule{"FluxInspect", "", kObserved},
     Rule{"FluxInspect", "Label", kPlain},
     Rule{"Capzones", "", kPlain},
+    Rule{"Zones", "", kPlain},
     Rule{"TextLabels", "", kPlain},
     Rule{"WHPAs", "", kPlain},
     Rule{"Project", "", kView},

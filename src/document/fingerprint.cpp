@@ -46,6 +46,11 @@ void AddRows(Ormel& ormel, Hash& hash, const std::string& query) {
     for (int column = 0; column < rows.ColumnCount(); ++column) hash.Add(rows.Get(column));
 }
 
+/// Image wells follow their sources: they are no part of the model.
+std::string OwnRows(std::string_view table) {
+  return table == "Wells" ? " where Label not like 'Mirror_*'" : "";
+}
+
 /// The places of a kind's elements.
 std::string PlacesQuery(const ElementKind& kind) {
   if (kind.element == Element::kUniformFlow)
@@ -54,11 +59,6 @@ std::string PlacesQuery(const ElementKind& kind) {
       " in (select " + std::string(kind.key) + " from " + std::string(kind.table) + OwnRows(kind.table) + ")";
   if (kind.Polygon()) return "select PID,X,Y from Vertices where PID" + own + " order by PID,Seq,VID";
   return "select VID,X,Y from Vertices where VID" + own + " order by VID";
-}
-
-/// Image wells follow their sources: they are no part of the model.
-std::string OwnRows(std::string_view table) {
-  return table == "Wells" ? " where Label not like 'Mirror_*'" : "";
 }
 
 std::uint64_t Of(Ormel& ormel, Spoils what) {

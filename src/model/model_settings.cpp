@@ -6,6 +6,7 @@
 
 #include "core/command.h"
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/solver_port.h"

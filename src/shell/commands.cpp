@@ -34,6 +34,7 @@
 #include "solver/driver.h"
 #include "solver/extents.h"
 #include "solver/inspection.h"
+#include "solver/solve_stamp.h"
 #include "text/files.h"
 #include "tools/db_viewer.h"
 #include "tools/result_viewer.h"

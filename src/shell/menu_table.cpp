@@ -40,7 +40,7 @@ constexpr std::array kItems = std::to_array<MenuItem>({
 
     {"EDITMENU", 0, "&Edit"},
     {"UNDO", 0, "&Undo", "EDITMENU", 0, kProject, "Ctrl+Z", c::Undo},
-    {"REDO", 0, "&Redo", "EDITMENU", 0, kProject, "Ctrl+Y; Ctrl+Shift+Z", c::Redo},
+    {"REDO", 0, "Red&o", "EDITMENU", 0, kProject, "Ctrl+Y; Ctrl+Shift+Z", c::Redo},
     {"EDIT_CMDS", 1, "&Properties", "EDITMENU", 0, kProject | kLine, "Alt+Return", c::Edit},
     {"EDIT_CMDS", 2, "&Move", "EDITMENU", 0, kProject, "Ctrl+M", c::Edit},
     {"EDIT_CMDS", 3, "&Delete", "EDITMENU", 0, kProject, "Del", c::Edit},

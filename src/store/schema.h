@@ -51,6 +51,8 @@ std::span<const Table> Tables();
 const Table* FindTable(std::string_view name);
 const Field* FindField(const Table& table, std::string_view name);
 
+/// Makes the table, with its indexes, in a project of an older version that has none.
+void EnsureTable(Database& database, std::string_view table);
 /// "Text 32", "Long" ...: for messages and viewers.
 std::string TypeName(const Field& field);
 /// The field as CREATE TABLE and ALTER TABLE ADD COLUMN take it, with the rules that hold for its contents.

@@ -113,6 +113,14 @@ std::string FieldDeclaration(const Table& table, const Field& field) {
   return out + Check(table, field);
 }
 
+void EnsureTable(Database& database, std::string_view table) {
+  if (database.HasTable(table)) return;
+  const Table& wanted = *FindTable(table);
+  database.connection()->Exec(CreateTableSql(wanted).c_str());
+  for (const std::string& index : CreateIndexSql(wanted)) database.connection()->Exec(index.c_str());
+  database.connection()->ForgetTables();
+}
+
 void EnsureField(Database& database, std::string_view table, std::string_view field) {
   if (database.HasField(table, field)) return;
   const Table& of = *FindTable(table);

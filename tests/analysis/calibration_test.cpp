@@ -12,7 +12,8 @@
 #include "core/table.h"
 #include "model/linesinks.h"
 #include "model/observations.h"
-#include "solver/deck_writer.h"
+#include "solver/deck_labels.h"
+#include "solver/result_rows.h"
 #include "support/test_project.h"
 
 namespace ormel::test {

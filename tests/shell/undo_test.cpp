@@ -137,7 +137,7 @@ TEST_F(UndoTest, each_act_is_one_step_with_a_name_that_the_menu_shows) {
   for (std::size_t i = acts.size(); i > 0; --i) {
     Undo();
     EXPECT_EQ(FirstDifference(Dump(), dumps[i - 1]), "") << acts[i - 1].name;
-    EXPECT_EQ(ormel.menus.Caption("REDO"), std::string("&Redo ") + acts[i - 1].name);
+    EXPECT_EQ(ormel.menus.Caption("REDO"), std::string("Red&o ") + acts[i - 1].name);
   }
   EXPECT_FALSE(Dispatch(ormel, "UNDO"));
   for (std::size_t i = 0; i < acts.size(); ++i) {

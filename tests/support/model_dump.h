@@ -13,6 +13,7 @@ namespace ormel::test {
 inline std::string DumpModel(Database& db) {
   std::string dump;
   for (const std::string& table : UndoneTables()) {
+    if (!db.HasTable(table)) continue;  // a project of an older version
     RowReader rows(db, "select rowid as RowNumber,* from " + table + " order by rowid");
     dump += "[" + table + "]\n";
     while (rows.Next()) {
