@@ -5,6 +5,7 @@
 #include <map>
 #include <unordered_map>
 
+#include "aem/strings.h"
 #include "aem/system.h"
 #include "aem/validate.h"
 
@@ -119,6 +120,7 @@ Arrangement Arrange(System& s) {
   Arrangement result;
   Nodes nodes(s.tolerance, &result.nodes);
   std::vector<Drawn> drawn, strings;
+  std::vector<int> ends;
   for (std::size_t d = 0; d < s.model.domains.size(); ++d) {
     const std::vector<LabelledPoint>& ring = s.model.domains[d].ring;
     if (!EnclosesArea(CleanRing(ring, s.tolerance), s.tolerance)) continue;
@@ -135,7 +137,10 @@ Arrangement Arrange(System& s) {
     if (drawn.empty()) continue;
     for (std::size_t i = 0; i < segments.size(); ++i) {
       const int a = nodes.Get(segments[i].from), b = nodes.Get(segments[i].to);
-      if (a != b) strings.push_back({a, b, -1, -1, int(i), int(k), {}});
+      if (a == b) continue;
+      strings.push_back({a, b, -1, -1, int(i), int(k), {}});
+      if (s.model.line_sinks[k].kind != LineSinkKind::kDischarge && !Resists(s.model.line_sinks[k]))
+        ends.insert(ends.end(), {a, b});
     }
   }
   const std::size_t edges = drawn.size();
@@ -148,6 +153,8 @@ Arrangement Arrange(System& s) {
   result.on_string.assign(result.nodes.size(), false);
   for (std::size_t i = edges; i < drawn.size(); ++i)
     for (const auto& [position, node] : drawn[i].on) result.on_string[node] = true;
+  result.string_ends.assign(result.nodes.size(), 0);
+  for (int node : ends) ++result.string_ends[node];
   drawn.resize(edges);
 
   s.rings.assign(s.model.domains.size(), {});

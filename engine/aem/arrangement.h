@@ -22,14 +22,22 @@ struct Arrangement {
   std::vector<Complex> nodes;
   std::vector<ArrangementEdge> edges;
   std::vector<bool> on_string;  ///< by node: a line-sink ends, bends or crosses there
+  /// By node: how many head line-sinks without resistance end there.
+  std::vector<int> string_ends;
+  /// By node: angle at which each jump edge leaves, and its index in System::edges (negative - 1 where it
+  /// arrives).  Filled by PlaceEdges.
+  std::vector<std::vector<std::pair<double, int>>> around;
 };
 
 /// Fills System::rings with the domains' rings through the common nodes.  Vertices closer than the tolerance
 /// are one; a vertex that close to another's edge lies on it.
 Arrangement Arrange(System& system);
 
-/// Makes jump edges, their pieces, unknowns and control points where the zones differ or a wall runs.
-/// Pre: System::zones.
-void BuildJumps(System& system, const Arrangement& arrangement);
+/// Makes jump edges where the zones differ or a wall runs, and the features that lines near them are divided
+/// for.  Pre: System::zones.
+void PlaceEdges(System& system, Arrangement* arrangement);
+
+/// Pieces, unknowns and control points of the edges.  Pre: PlaceEdges and PlanStrings.
+void BuildJumps(System& system, Arrangement* arrangement);
 
 }  // namespace aem::detail

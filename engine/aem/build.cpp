@@ -47,11 +47,16 @@ void AddPoint(System& s, Complex at, int unknown, double head, Condition conditi
 
 void BuildReference(System& s) {
   s.x.assign(1, 0.0);
-  // Where a wall keeps its inside only, nothing comes from infinity and the heads inside fix the level.
+  // Where a wall keeps its inside only, nothing comes from infinity and the heads inside fix the level. Where
+  // the reference point lies within a wall that keeps its outside, the heads outside do, and nothing comes
+  // from infinity either.
   const bool enclosed =
       std::any_of(s.ignored.begin(), s.ignored.end(), [](const auto& r) { return !r.inside; });
+  const bool left_out = s.Ignored(s.model.aquifer.reference_point);
   AddPoint(s, s.model.aquifer.reference_point, 0, s.model.aquifer.reference_head,
-           enclosed ? Condition::kNone : Condition::kHead);
+           enclosed   ? Condition::kNone
+           : left_out ? Condition::kBalance
+                      : Condition::kHead);
 }
 
 void BuildWells(System& s) {
@@ -123,6 +128,7 @@ void System::Clear() {
   coefficients.clear();
   moments.clear();
   edges.clear();
+  features = {};
   ignored.clear();
   edge_only.clear();
   segment_of.clear();
@@ -146,7 +152,7 @@ void System::BuildOnce() {
   extent = Extent(model);
   tolerance = 2e-7 * std::max({extent.Diagonal(), std::abs(extent.Middle()), 1e-3});
   origin = model.aquifer.reference_point;
-  const Arrangement arrangement = Arrange(*this);
+  Arrangement arrangement = Arrange(*this);
   zones = Zones(model.aquifer, model.domains, rings);
   FindIgnored(*this);
   if (refused) return;
@@ -155,15 +161,39 @@ void System::BuildOnce() {
   BuildDisks(*this);
   BuildAreas(*this);
   if (refused) return;
+  PlaceEdges(*this, &arrangement);
   PlanStrings(*this);
   if (refused) return;
-  BuildJumps(*this, arrangement);
+  BuildJumps(*this, &arrangement);
   BuildStrings(*this);
   if (refused) return;
   for (Control& c : controls)
     if (HasOneZone(c.condition)) c.zone = ZoneAt(c.at, c.toward);
   WeighLoops(*this);
+  SumDischarges();
   SetCoefficients();
+}
+
+void System::SumDischarges() {
+  double given = 0.0;
+  std::vector<std::pair<int, double>>& sum = carried_terms.back();
+  const auto add = [&](int unknown, double factor, double value) {
+    if (unknown >= 0)
+      sum.emplace_back(unknown, factor);
+    else
+      given += factor * value;
+  };
+  for (const std::vector<WellSource>* list : {&wells, &partial_wells})
+    for (const WellSource& w : *list) add(w.unknown, 1.0, w.discharge);
+  for (const DiskSource& d : disks) add(d.unknown, M_PI * d.radius * d.radius, d.rate);
+  for (const AreaSource& a : areas) given += a.Rate() * a.Area();
+  for (std::size_t p = 0; p < pieces.size(); ++p) {
+    if (pieces[p].kind != PieceKind::kSink) continue;
+    if (terms[p].empty()) add(-1, pieces[p].Length(), coefficients[p * kMaxBasis]);
+    for (const Term& t : terms[p])
+      if (t.coefficient[0] != 0.0) add(t.unknown, t.coefficient[0] * pieces[p].Length(), 0.0);
+  }
+  carried_given.back() = given;
 }
 
 void System::SetCoefficients() {

@@ -9,30 +9,47 @@ namespace aem::detail {
 
 namespace {
 
-void Worse(WorstError* worst, double value, const std::string& label) {
+void Worse(WorstError* worst, double value, const std::string& label, Complex at) {
   if (value <= worst->value) return;
-  worst->value = value;
-  worst->label = label;
+  *worst = {value, label, at};
 }
+
+/// Of one segment or edge.
+struct OwnError {
+  double largest = 0.0, sum = 0.0, length = 0.0;
+  Complex at{};
+
+  void Add(double error, Complex where, double weight) {
+    if (error > largest || length == 0.0) at = where;
+    largest = std::max(largest, error);
+    sum += weight * error;
+    length += weight;
+  }
+  double Mean() const { return length > 0.0 ? sum / length : 0.0; }
+};
 
 void CheckStringHeads(const System& s, Checks* checks) {
   for (std::size_t k = 0; k < s.model.line_sinks.size(); ++k) {
     const LineSinkString& string = s.model.line_sinks[k];
     if (string.kind == LineSinkKind::kDischarge || Resists(string)) continue;
     const Stage stage(string, s.tolerance);
-    std::vector<double> errors(string.segments.size(), 0.0);
+    std::vector<OwnError> errors(string.segments.size());
     ParallelFor(s.options.threads, errors.size(), [&](std::size_t begin, std::size_t end) {
       for (std::size_t i = begin; i < end; ++i)
         if (const int flag = s.flag_of[k][i]; flag < 0 || s.flags[flag] == 0)
-          for (int p : s.segment_pieces[k][i]) errors[i] = std::max(errors[i], PieceHeadError(s, p, stage));
+          for (int p : s.segment_pieces[k][i])
+            errors[i].Add(PieceHeadError(s, p, stage), s.pieces[p].Middle(), s.pieces[p].Length());
     });
-    for (std::size_t i = 0; i < errors.size(); ++i)
-      Worse(&checks->line_sink_head, errors[i], string.segments[i].origin.label);
+    for (std::size_t i = 0; i < errors.size(); ++i) {
+      const std::string& label = string.segments[i].origin.label;
+      Worse(&checks->line_sink_head, errors[i].largest, label, errors[i].at);
+      Worse(&checks->line_sink_mean, errors[i].Mean(), label, errors[i].at);
+    }
   }
 }
 
 void CheckEdges(const System& s, Checks* checks) {
-  std::vector<double> errors(s.edges.size(), 0.0);
+  std::vector<OwnError> errors(s.edges.size());
   ParallelFor(s.options.threads, errors.size(), [&](std::size_t begin, std::size_t end) {
     for (std::size_t e = begin; e < end; ++e) {
       const JumpEdge& edge = s.edges[e];
@@ -41,15 +58,20 @@ void CheckEdges(const System& s, Checks* checks) {
       for (int p : edge.pieces)
         for (const double place : kCheckPlaces) {
           const Complex at = s.pieces[p].Global(place);
-          const double left = edge.left.Head(s.Field(at, toward).omega.real());
-          const double right = edge.right.Head(s.Field(at, -toward).omega.real());
-          errors[e] = std::max(errors[e], std::abs(left - right));
+          // A dry side has no head that could differ.
+          const double left = std::max(edge.left.Head(s.Field(at, toward).omega.real()), edge.left.base);
+          const double right = std::max(edge.right.Head(s.Field(at, -toward).omega.real()), edge.right.base);
+          const double dry = std::max(edge.left.base, edge.right.base);
+          errors[e].Add(std::abs(std::max(left, dry) - std::max(right, dry)), at, s.pieces[p].Length());
         }
     }
   });
-  for (std::size_t e = 0; e < errors.size(); ++e)
-    if (s.edges[e].domain >= 0)
-      Worse(&checks->domain_head_jump, errors[e], s.model.domains[s.edges[e].domain].origin.label);
+  for (std::size_t e = 0; e < errors.size(); ++e) {
+    if (s.edges[e].domain < 0) continue;
+    const std::string& label = s.model.domains[s.edges[e].domain].origin.label;
+    Worse(&checks->domain_head_jump, errors[e].largest, label, errors[e].at);
+    Worse(&checks->domain_mean, errors[e].Mean(), label, errors[e].at);
+  }
 }
 
 /// Flow per length at a point as if there were neither walls nor domains.
@@ -65,27 +87,43 @@ double FlowWithoutJumps(const System& s, Complex at) {
 /// wall that there would be without it.  Means over lengths: at a tip or a corner the velocity is infinite
 /// and a flow per length at a point says nothing.
 void CheckWalls(const System& s, Checks* checks) {
-  std::vector<double> errors(s.edges.size(), 0.0), flows(s.edges.size(), 0.0);
-  ParallelFor(s.options.threads, errors.size(), [&](std::size_t begin, std::size_t end) {
+  struct Halves {
+    double first = 0.0, second = 0.0, flow = 0.0, length = 0.0;  ///< flows through [L3/d], along [L2/d]
+  };
+  std::vector<Halves> edges(s.edges.size());
+  ParallelFor(s.options.threads, edges.size(), [&](std::size_t begin, std::size_t end) {
     for (std::size_t e = begin; e < end; ++e) {
       const JumpEdge& edge = s.edges[e];
       if (edge.wall < 0) continue;
       const Complex middle = 0.5 * (edge.from + edge.to);
-      flows[e] = FlowWithoutJumps(s, middle);
-      errors[e] = std::max(std::abs(ExcessLeakage(s, {int(e)}, edge.from, middle)),
-                           std::abs(ExcessLeakage(s, {int(e)}, middle, edge.to)));
+      Halves& h = edges[e];
+      h.length = std::abs(edge.to - edge.from);
+      h.flow = FlowWithoutJumps(s, middle);
+      h.first = 0.5 * h.length * std::abs(ExcessLeakage(s, {int(e)}, edge.from, middle));
+      h.second = 0.5 * h.length * std::abs(ExcessLeakage(s, {int(e)}, middle, edge.to));
     }
   });
-  std::vector<double> worst(s.model.walls.size(), 0.0), flow(worst), length(worst);
-  for (std::size_t e = 0; e < errors.size(); ++e) {
+  std::vector<double> flow(s.model.walls.size(), 0.0), length(flow), through(flow), worst(flow);
+  std::vector<Complex> at(flow.size());
+  for (std::size_t e = 0; e < edges.size(); ++e) {
     const int w = s.edges[e].wall;
     if (w < 0) continue;
-    const double own = std::abs(s.edges[e].to - s.edges[e].from);
-    worst[w] = std::max(worst[w], errors[e]);
-    flow[w] += own * flows[e];
-    length[w] += own;
+    flow[w] += edges[e].length * edges[e].flow;
+    length[w] += edges[e].length;
+    through[w] += edges[e].first + edges[e].second;
   }
   double largest = 0.0, ratio = 0.0;
+  for (std::size_t e = 0; e < edges.size(); ++e) {
+    const int w = s.edges[e].wall;
+    if (w < 0) continue;
+    // What passes a sliver is told by a hundredth of the wall at least: by its own length it would be
+    // rounding.
+    const double half = std::max(0.5 * edges[e].length, 0.01 * length[w]);
+    const double own = std::max(edges[e].first, edges[e].second) / half;
+    if (own <= worst[w]) continue;
+    worst[w] = own;
+    at[w] = 0.5 * (s.edges[e].from + s.edges[e].to);
+  }
   for (std::size_t w = 0; w < worst.size(); ++w) {
     flow[w] /= std::max(length[w], 1e-300);
     largest = std::max(largest, flow[w]);
@@ -93,10 +131,12 @@ void CheckWalls(const System& s, Checks* checks) {
   for (std::size_t w = 0; w < worst.size(); ++w) {
     // A wall in still water is measured by a hundredth of the flow at the others.
     const double measure = std::max(flow[w], 0.01 * largest);
+    const std::string& label = s.model.walls[w].origin.label;
+    if (measure > 0.0) Worse(&checks->wall_mean, through[w] / (length[w] * measure), label, at[w]);
     if (worst[w] <= ratio * measure) continue;
     ratio = worst[w] / measure;
     checks->undisturbed_flow = measure;
-    checks->wall_leakage = {worst[w], s.model.walls[w].origin.label};
+    checks->wall_leakage = {worst[w], label, at[w]};
   }
   if (checks->wall_leakage.label.empty()) checks->undisturbed_flow = largest;
 }

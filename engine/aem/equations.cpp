@@ -11,19 +11,23 @@ namespace aem::detail {
 namespace {
 
 /// One head on both sides; with one base the ratio of the potentials is that of the conductivities, whether
-/// confined or not, so the condition is linear.  Otherwise one Newton step on head(left) = head(right).
+/// confined or not, so the condition is linear.  Otherwise one Newton step on the potential of the thinner
+/// side as a function of that of the thicker one: this is smooth where the thinner side falls dry, while its
+/// head as a function of its own potential has an infinite slope there.
 Linearised LineariseEdge(const Control& c, double field, double jump) {
   if (c.zone.SameHeads(c.right)) {
     const double sum = c.zone.conductivity + c.right.conductivity;
     return {(c.right.conductivity - c.zone.conductivity) / sum, 0.5, 0.0};
   }
-  const double left = field + 0.5 * jump, right = field - 0.5 * jump;
-  const double slope_left = c.zone.Slope(left), slope_right = c.right.Slope(right);
-  const double sum = slope_left + slope_right;
-  const double difference = c.zone.Head(left) - c.right.Head(right);
-  Linearised l{(slope_right - slope_left) / sum, 0.5, 0.0};
-  l.r = l.a * field + l.b * jump - difference * slope_left * slope_right / sum;
-  return l;
+  const bool thin_left = c.zone.base > c.right.base;
+  const Zone &thin = thin_left ? c.zone : c.right, &thick = thin_left ? c.right : c.zone;
+  const double at_thick = thin_left ? field - 0.5 * jump : field + 0.5 * jump;
+  const double head = thick.Head(at_thick);
+  const double slope =
+      thin.conductivity * std::min(std::abs(head - thin.base), thin.full_thickness) / thick.Slope(at_thick);
+  const double sign = thin_left ? 1.0 : -1.0;
+  return {sign * (1.0 - slope) / (1.0 + slope), 0.5,
+          sign * (thin.Potential(head) - slope * at_thick) / (1.0 + slope)};
 }
 
 /// Inflow per length w (h - stage)/c above the bed's bottom, -w d/c below; written for the potential by one
@@ -116,6 +120,8 @@ Linearised Linearise(const System& s, const Control& c, double field, double str
       return {1.0, 0.0, 0.0};
     case Condition::kWallHead:
       return LineariseWallHead(s, c, field, strength);
+    case Condition::kBalance:
+      return {0.0, 0.0, -s.carried_given.back(), int(s.flags.size()), 1.0};
     case Condition::kNone:
       return {0.0, 1.0, 0.0};
   }
@@ -130,6 +136,7 @@ bool DependsOnHead(const System& s, const Control& c) {
       return !c.zone.SameHeads(c.right);
     case Condition::kWall:
     case Condition::kWallStream:
+    case Condition::kBalance:
     case Condition::kNone:
       return false;
     case Condition::kResistance:

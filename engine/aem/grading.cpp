@@ -19,12 +19,24 @@ int Levels(EndShape e) {
   return turn < 1.9 ? 3 : 5;
 }
 
+std::vector<Part> Halved(const std::vector<Part>& parts) {
+  std::vector<Part> halves;
+  for (const Part& part : parts) {
+    const double middle = 0.5 * (part.start + part.end);
+    halves.push_back({part.start, middle, part.tip_at_start, false});
+    halves.push_back({middle, part.end, false, part.tip_at_end});
+  }
+  return halves;
+}
+
 }  // namespace
 
-std::vector<Part> Divide(EndShape start, EndShape end, const Order& order) {
+std::vector<Part> Divide(EndShape start, EndShape end, const Order& order, double smallest) {
+  const int most =
+      smallest > 0.0 ? std::max(0, int(std::log(2.0 * std::min(smallest, 0.5)) / std::log(kRatio))) : 99;
   const auto levels = [&](EndShape e) {
     const int asked = Levels(e);
-    return asked > 0 ? std::min(order.divisions, asked + order.beyond) : 0;
+    return asked > 0 ? std::min({order.divisions, asked + order.beyond, most}) : 0;
   };
   const int left = levels(start), right = levels(end);
   std::vector<double> cuts{0.0};
@@ -39,6 +51,7 @@ std::vector<Part> Divide(EndShape start, EndShape end, const Order& order) {
   for (std::size_t i = 0; i + 1 < cuts.size(); ++i) parts.push_back({cuts[i], cuts[i + 1], false, false});
   parts.front().tip_at_start = start.tip;
   parts.back().tip_at_end = end.tip;
+  for (int k = 0; k < order.halvings && smallest < 0.1; ++k) parts = Halved(parts);
   return parts;
 }
 

@@ -5,9 +5,12 @@ namespace aem::detail {
 
 struct System;
 
-/// Fills System::ignored; a fatal finding where the reference point is ignored or shut in, or a region that
-/// is computed has no given head.
+/// Fills System::ignored; a fatal finding where the reference point is shut in, or a region that is computed
+/// has no given head.  A drain or a routed stream gives one only where it gets water.
 void FindIgnored(System& system);
+
+/// After a solve: a fatal finding where all that could hold the head of a closed region stands idle.
+void CheckIdle(System& system);
 
 /// Areas of recharge, without their parts on ignored ground.
 void BuildAreas(System& system);

@@ -24,10 +24,11 @@ const Order& OrderOf(const System& s, int edge) {
 /// A jump as a sum of unknowns.
 using Combination = std::vector<std::pair<int, double>>;
 
-struct Junction {
-  std::vector<std::pair<double, int>>
-      edges;  ///< angle at which it leaves, edge (negative - 1 where it arrives)
-};
+using Junction = std::vector<std::pair<double, int>>;  ///< as in Arrangement::around
+
+int EdgeOf(const std::pair<double, int>& leaving) {
+  return leaving.second < 0 ? -leaving.second - 1 : leaving.second;
+}
 
 struct Ends {
   Combination start, end;  ///< of each edge
@@ -42,7 +43,7 @@ double TurnAt(const std::vector<std::pair<double, int>>& around, std::size_t i) 
 
 /// Levels of the sectors around a node become unknowns; every edge gets its jump there.
 void MakeNode(System& s, Junction* node, bool on_string, std::vector<Ends>* ends) {
-  auto& around = node->edges;
+  Junction& around = *node;
   std::sort(around.begin(), around.end());
   const std::size_t m = around.size();
   std::vector<int> level(m, -1);
@@ -158,9 +159,11 @@ void AddControls(System& s, int index, bool reversed) {
 void AddEndTerm(System& s, int index, bool at_from) {
   const Piece& p = s.pieces[index];
   if (s.edges[s.owners[index].edge].wall < 0 || (p.tip && !at_from)) return;
-  constexpr double kInward = 1e-6;
+  // Far enough from the node that the rounding of coordinates leaves its distance.
+  const double rounding = 1e-16 * (std::abs(p.from) + std::abs(p.to)) / p.Length();
+  const double inward = std::clamp(1e6 * rounding, 1e-6, 1e-3);
   Control c;
-  c.parameter = at_from ? ParameterOf(p, -1.0 + kInward) : 1.0 - kInward;
+  c.parameter = at_from ? ParameterOf(p, -1.0 + inward) : 1.0 - inward;
   c.weight = at_from ? 1.0 : -1.0;
   c.at = p.Global(PositionOf(p, c.parameter));
   c.toward = p.Direction() * Complex{0.0, 1.0};
@@ -195,9 +198,10 @@ std::vector<double> StringEnds(const System& s, Complex from, Complex to) {
 
 void MakePieces(System& s, int e, const Ends& ends) {
   const Complex from = s.edges[e].from, to = s.edges[e].to;
+  const std::vector<Part> divided =
+      Divide(ends.start_shape, ends.end_shape, OrderOf(s, e), s.tolerance / std::abs(to - from));
   const std::vector<Part> parts =
-      CutAt(NearWells(s, from, to, Divide(ends.start_shape, ends.end_shape, OrderOf(s, e))),
-            StringEnds(s, from, to));
+      CutAt(NearWells(s, from, to, s.features.Divide(from, to, divided)), StringEnds(s, from, to));
   Combination at_start = ends.start;
   for (std::size_t i = 0; i < parts.size(); ++i) {
     const Part& part = parts[i];
@@ -249,23 +253,42 @@ void OrderEdges(System& s, const std::vector<Junction>& nodes) {
   if (s.orders.of_edge.size() != s.edges.size())
     s.orders.of_edge.assign(s.edges.size(), static_cast<unsigned char>(s.orders.start));
   for (const Junction& node : nodes) {
-    const auto edge = [](int e) { return e < 0 ? -e - 1 : e; };
-    const bool wall = std::any_of(node.edges.begin(), node.edges.end(),
-                                  [&](const auto& a) { return s.edges[edge(a.second)].wall >= 0; });
-    for (const auto& [angle, e] : node.edges)
-      if (wall) s.orders.of_edge[edge(e)] = kHighestOrder;
+    const bool wall =
+        std::any_of(node.begin(), node.end(), [&](const auto& a) { return s.edges[EdgeOf(a)].wall >= 0; });
+    for (const auto& leaving : node) {
+      unsigned char& order = s.orders.of_edge[EdgeOf(leaving)];
+      if (wall) order = std::max<unsigned char>(order, kWallOrder);
+    }
   }
 }
 
 }  // namespace
 
-void BuildJumps(System& s, const Arrangement& arrangement) {
-  std::vector<Junction> nodes(arrangement.nodes.size());
+namespace {
+
+/// Nodes of the edges and free ends of strings, as far as other lines can come near their own.
+std::vector<Feature> PlacesOf(const System& s, const Arrangement& arrangement) {
+  std::vector<Feature> places;
+  for (std::size_t i = 0; i < arrangement.nodes.size(); ++i) {
+    double reach = arrangement.string_ends[i] == 1 ? 0.05 * s.extent.Diagonal() : 0.0;
+    for (const auto& leaving : arrangement.around[i]) {
+      const JumpEdge& edge = s.edges[EdgeOf(leaving)];
+      reach = std::max(reach, 0.5 * std::abs(edge.to - edge.from));
+    }
+    if (reach > 0.0) places.push_back({arrangement.nodes[i], reach});
+  }
+  return places;
+}
+
+}  // namespace
+
+void PlaceEdges(System& s, Arrangement* arrangement) {
+  arrangement->around.assign(arrangement->nodes.size(), {});
   std::vector<std::pair<Complex, Complex>> lines;
-  for (const ArrangementEdge& e : arrangement.edges) {
+  for (const ArrangementEdge& e : arrangement->edges) {
     JumpEdge edge;
-    edge.from = arrangement.nodes[e.from];
-    edge.to = arrangement.nodes[e.to];
+    edge.from = arrangement->nodes[e.from];
+    edge.to = arrangement->nodes[e.to];
     edge.wall = e.wall;
     edge.domain = e.domain;
     edge.segment = e.segment;
@@ -277,18 +300,22 @@ void BuildJumps(System& s, const Arrangement& arrangement) {
     if (e.wall < 0 && !differ) continue;
     if (Skipped(s, e.wall, middle, aside)) continue;
     const int index = int(s.edges.size());
-    const double leaving = std::arg(edge.to - edge.from);
-    nodes[e.from].edges.emplace_back(leaving, index);
-    nodes[e.to].edges.emplace_back(std::arg(edge.from - edge.to), -index - 1);
+    arrangement->around[e.from].emplace_back(std::arg(edge.to - edge.from), index);
+    arrangement->around[e.to].emplace_back(std::arg(edge.from - edge.to), -index - 1);
     lines.emplace_back(edge.from, edge.to);
     s.edges.push_back(std::move(edge));
   }
-  OrderEdges(s, nodes);
-  std::vector<Ends> ends(s.edges.size());
-  for (std::size_t i = 0; i < nodes.size(); ++i)
-    if (!nodes[i].edges.empty()) MakeNode(s, &nodes[i], arrangement.on_string[i], &ends);
-  for (std::size_t e = 0; e < s.edges.size(); ++e) MakePieces(s, int(e), ends[e]);
   s.edge_index = SegmentIndex(lines);
+  if (!lines.empty()) s.features = Features(PlacesOf(s, *arrangement), lines, s.tolerance);
+}
+
+void BuildJumps(System& s, Arrangement* arrangement) {
+  OrderEdges(s, arrangement->around);
+  std::vector<Ends> ends(s.edges.size());
+  for (std::size_t i = 0; i < arrangement->around.size(); ++i)
+    if (!arrangement->around[i].empty())
+      MakeNode(s, &arrangement->around[i], arrangement->on_string[i], &ends);
+  for (std::size_t e = 0; e < s.edges.size(); ++e) MakePieces(s, int(e), ends[e]);
 }
 
 }  // namespace aem::detail

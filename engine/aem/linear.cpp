@@ -3,7 +3,10 @@
 #include <lapacke.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <cstdlib>
+#include <new>
 
 extern "C" void openblas_set_num_threads(int threads);
 
@@ -106,6 +109,15 @@ bool InvertRows(std::vector<float>* matrix, std::size_t n, std::size_t rows, std
 }
 
 void SetDenseThreads(int threads) {
+  // The library asks the system for its buffers at its first call, and for ever if it gets none.
+  static std::atomic<bool> probed{false};
+  if (!probed.load()) {
+    constexpr std::size_t kBuffer = std::size_t(64) << 20;
+    void* const room = std::malloc(kBuffer * std::size_t(threads + 1));
+    if (room == nullptr) throw std::bad_alloc();
+    std::free(room);
+    probed.store(true);
+  }
   openblas_set_num_threads(threads);
 }
 

@@ -300,6 +300,12 @@ void Preconditioner::ScaleReference(const EquationParts& p) {
       weight += p.system.controls[q].weight;
     }
   scale_[0] = weight > 0.0 ? sum / weight : 1.0;
+  for (std::size_t q = 0; q < p.local.size(); ++q) {
+    if (p.system.controls[q].condition != Condition::kBalance) continue;
+    double largest = 1e-300;
+    for (const auto& [i, c] : p.system.carried_terms.back()) largest = std::max(largest, std::abs(c));
+    scale_[0] = 1.0 / largest;
+  }
 }
 
 namespace {

@@ -79,6 +79,9 @@ void Preconditioner::AddOwnCoarse(const EquationParts& p, std::vector<double>* m
     const Linearised& l = p.linear[q];
     if (p.local[q].unknown[0] == 0) {
       (*matrix)[0] += l.a + l.b;
+      if (l.coupled >= 0)
+        for (const auto& [i, c] : p.system.carried_terms[l.coupled])
+          if (coarse_of_unknown_[i] > 0) (*matrix)[coarse_of_unknown_[i]] += l.scale * c;
       for (std::size_t i = 1; i < p.reference_row.size(); ++i)
         if (coarse_of_unknown_[i] > 0) (*matrix)[coarse_of_unknown_[i]] += l.a * p.reference_row[i];
       continue;

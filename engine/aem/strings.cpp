@@ -124,8 +124,8 @@ void MakeFlags(System& s) {
     }
   }
   s.carried.assign(s.flags.size(), 0.0);
-  s.carried_given.assign(s.flags.size(), 0.0);
-  s.carried_terms.resize(s.flags.size());
+  s.carried_given.assign(s.flags.size() + 1, 0.0);
+  s.carried_terms.resize(s.flags.size() + 1);
   s.switches.assign(s.flags.size(), 0);
 }
 
@@ -242,9 +242,10 @@ void PlanStrings(System& s) {
       if (by_head && !Resists(string)) {
         const Complex along = segment.to - segment.from;
         parts = Divide(joints.Shape(segment.from, along), joints.Shape(segment.to, -along),
-                       OrderOf(s, int(k), int(i)));
+                       OrderOf(s, int(k), int(i)), s.tolerance / std::abs(along));
       }
       parts = CutAt(parts, s.segment_cuts[k][i]);
+      if (by_head) parts = s.features.Divide(segment.from, segment.to, parts);
       if (by_head) parts = NearWells(s, segment.from, segment.to, parts);
       s.segment_parts[k][i] = std::move(parts);
     }

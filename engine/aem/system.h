@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "aem/aquifer.h"
+#include "aem/features.h"
 #include "aem/grading.h"
 #include "aem/piece.h"
 #include "aem/solution.h"
@@ -50,11 +51,18 @@ enum class Condition : unsigned char {
   kWall,        ///< no flow, or flow by the difference in head: what elements other than doublets give
   kWallStream,  ///< the same: stream function of the doublets, tested with slopes instead of values
   kWallHead,    ///< of a leaky wall between two zones: the part that depends on the mean potential
+  kBalance,     ///< nothing comes from infinity: discharges sum up to 0
   kNone,        ///< the unknown stays 0
 };
 
 /// What is taken from the field at a control point.
 enum class FieldKind : unsigned char { kPotential, kNormalFlow, kDoubletStream };
+
+/// Whether the condition says something of the head at its point.
+inline bool TellsHead(Condition c) {
+  return c != Condition::kWall && c != Condition::kWallStream && c != Condition::kBalance &&
+         c != Condition::kNone;
+}
 
 inline FieldKind KindOf(Condition c) {
   return c == Condition::kWall         ? FieldKind::kNormalFlow
@@ -131,11 +139,13 @@ struct System {
   std::vector<double> carried;        ///< by flag index: flow available to a routed reach [L3/d]
   std::vector<double> carried_given;  ///< by flag: the part of `carried` that no unknown gives
   /// By flag, of limited reaches only: the rest of `carried` as a sum over unknowns.
+  /// Behind them the discharge of the whole model, and in carried_given what of it no unknown gives.
   std::vector<std::vector<std::pair<int, double>>> carried_terms;
   std::vector<int> switches;  ///< by flag index: how often it has changed
   /// Walls around ignored ground: integral of the jump along each as a sum over unknowns.
   std::vector<std::vector<std::pair<int, double>>> loops;
   SegmentIndex edge_index;                      ///< over edges
+  Features features;                            ///< ends and corners that lines near them are divided for
   std::vector<std::pair<int, int>> segment_of;  ///< string and segment of each entry of segment_index
   SegmentIndex segment_index;
   std::vector<std::vector<std::vector<int>>> segment_pieces;  ///< [string][segment] in order
@@ -164,6 +174,9 @@ struct System {
   }
   int AddPiece(const Piece& piece, const PieceOwner& owner);
   void SetCoefficients();  ///< from x
+
+  /// Terms of the discharge of the whole model, for Condition::kBalance.
+  void SumDischarges();
 
   // routing.cpp
   /// Flow that each routed reach can lose, from the present strengths.
@@ -206,7 +219,8 @@ struct System {
   IterationReport Iterate(int asked, const ProgressCallback& progress);
 };
 
-/// Runs body(i) for i in [0, count) on up to `threads` threads, in blocks.
+/// Runs body(begin, end) over [0, count) on up to `threads` threads, in blocks.  The first exception of any
+/// of them ends the work and reaches the caller.
 void ParallelFor(int threads, std::size_t count, const std::function<void(std::size_t, std::size_t)>& body);
 
 }  // namespace aem::detail

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <map>
 #include <set>
 
@@ -269,6 +270,21 @@ class Validator {
     return std::min(std::max(s, t), length) - std::max(std::min(s, t), 0.0) > 4.0 * tolerance_;
   }
 
+  static std::string PlaceText(Complex at) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.8g, %.8g", at.real(), at.imag());
+    return text;
+  }
+
+  /// Middle of the part of p that q lies on.
+  static Complex OverlapMiddle(const Line& p, const Line& q) {
+    const Complex along = p.b - p.a;
+    const double s = detail::Dot(q.a - p.a, along) / std::norm(along),
+                 t = detail::Dot(q.b - p.a, along) / std::norm(along);
+    const double low = std::clamp(std::min(s, t), 0.0, 1.0), high = std::clamp(std::max(s, t), 0.0, 1.0);
+    return p.a + 0.5 * (low + high) * along;
+  }
+
   bool SharesEnd(const Line& p, const Line& q) const {
     for (Complex u : {p.a, p.b})
       for (Complex v : {q.a, q.b})
@@ -280,18 +296,21 @@ class Validator {
     const std::string name = p.segment->origin.label;
     if (Overlap(p, q)) {
       if (p.by_head && q.by_head)
-        Fatal(q.segment->origin,
-              "The line-sink lies on line-sink " + name + " and both give a head there: delete one.");
+        Fatal(q.segment->origin, "The line-sink lies on line-sink " + name + " near " +
+                                     PlaceText(OverlapMiddle(p, q)) +
+                                     " and both give a head there: delete one.");
       else
-        Warn(q.segment->origin, "The line-sink lies on line-sink " + name + ".");
+        Warn(q.segment->origin,
+             "The line-sink lies on line-sink " + name + " near " + PlaceText(OverlapMiddle(p, q)) + ".");
       return;
     }
     if (!p.by_head || !q.by_head) return;
     const bool far_heads = std::abs(p.segment->value - q.segment->value) > 1e-9;
     if (SharesEnd(p, q)) return;
-    if (detail::Meet(p.a, p.b, q.a, q.b) && far_heads)
+    if (const auto meeting = detail::Meet(p.a, p.b, q.a, q.b); meeting && far_heads)
       Warn(q.segment->origin,
-           "The line-sink crosses line-sink " + name +
+           "The line-sink crosses line-sink " + name + " at " +
+               PlaceText(p.a + meeting->on_first * (p.b - p.a)) +
                ", which has another head: give both a vertex with one head at the crossing.");
   }
 
@@ -313,7 +332,8 @@ class Validator {
   void CheckRepeated(const std::vector<LabelledPoint>& points, const char* what) {
     for (std::size_t i = 1; i < points.size(); ++i)
       if (std::abs(points[i].at - points[i - 1].at) <= tolerance_)
-        Warn(points[i].origin, std::string("A vertex of the ") + what + " is repeated: it is counted once.");
+        Warn(points[i].origin, std::string("A vertex of the ") + what + " is repeated at " +
+                                   PlaceText(points[i].at) + ": it is counted once.");
   }
 
   void CheckSelfCrossing(const Origin& at, const std::vector<Complex>& points, bool closed,

@@ -181,6 +181,7 @@ class Parser {
   bool grid_ready_ = false;
   TraceCommand trace_;
   bool trace_pending_ = false;  ///< particles wait for "go"
+  bool trace_timed_ = false;    ///< "time" has stood in the block
 };
 
 /// The owner of an element's label: "HB_000012" of "HB_000012_0003"; empty for other forms.
