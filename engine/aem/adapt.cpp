@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "aem/equations.h"
-#include "aem/influence.h"
-#include "aem/strings.h"
+#include "aem/influence/influence.h"
+#include "aem/system/equations.h"
+#include "aem/system/strings.h"
 
 namespace aem::detail {
 

@@ -2,10 +2,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "aem/equations.h"
-#include "aem/ignored.h"
-#include "aem/influence.h"
-#include "aem/system.h"
+#include "aem/influence/influence.h"
+#include "aem/system/equations.h"
+#include "aem/system/ignored.h"
+#include "aem/system/system.h"
 
 namespace aem::detail {
 

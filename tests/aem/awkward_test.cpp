@@ -5,7 +5,7 @@
 #include <new>
 
 #include "aem/models.h"
-#include "aem/system.h"
+#include "aem/system/system.h"
 
 namespace aem_test {
 namespace {

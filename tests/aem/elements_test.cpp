@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "aem/models.h"
-#include "aem/partial.h"
-#include "aem/theis.h"
+#include "aem/kernel/partial.h"
+#include "aem/kernel/theis.h"
 
 namespace aem_test {
 namespace {
