@@ -1,9 +1,9 @@
 // Walls, beds, drains, routed streams, transient and partially penetrating wells against closed forms.
 #include <gtest/gtest.h>
 
-#include "aem/models.h"
 #include "aem/kernel/partial.h"
 #include "aem/kernel/theis.h"
+#include "aem/models.h"
 
 namespace aem_test {
 namespace {

@@ -241,7 +241,8 @@ std::vector<StringResult> StringResults(const System& s) {
           for (int p : s.segment_pieces[k][i])
             if (!r.switched_off) r.error = std::max(r.error, BedError(s, p, stage));
         } else if (!r.switched_off)
-          for (int p : s.segment_pieces[k][i]) r.error = std::max(r.error, PieceHeadError(s, p, stage));
+          for (int p : s.segment_pieces[k][i])
+            if (!FollowsLaw(s, p)) r.error = std::max(r.error, PieceHeadError(s, p, stage));
       }
     });
     for (const SegmentResult& r : results[k].segments) results[k].discharge += r.discharge;

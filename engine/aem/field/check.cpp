@@ -38,7 +38,8 @@ void CheckStringHeads(const System& s, Checks* checks) {
       for (std::size_t i = begin; i < end; ++i)
         if (const int flag = s.flag_of[k][i]; flag < 0 || s.flags[flag] == 0)
           for (int p : s.segment_pieces[k][i])
-            errors[i].Add(PieceHeadError(s, p, stage), s.pieces[p].Middle(), s.pieces[p].Length());
+            if (!FollowsLaw(s, p))
+              errors[i].Add(PieceHeadError(s, p, stage), s.pieces[p].Middle(), s.pieces[p].Length());
     });
     for (std::size_t i = 0; i < errors.size(); ++i) {
       const std::string& label = string.segments[i].origin.label;

@@ -120,7 +120,7 @@ Arrangement Arrange(System& s) {
   Arrangement result;
   Nodes nodes(s.tolerance, &result.nodes);
   std::vector<Drawn> drawn, strings;
-  std::vector<int> ends;
+  std::vector<std::pair<int, std::pair<int, int>>> ends;
   for (std::size_t d = 0; d < s.model.domains.size(); ++d) {
     const std::vector<LabelledPoint>& ring = s.model.domains[d].ring;
     if (!EnclosesArea(CleanRing(ring, s.tolerance), s.tolerance)) continue;
@@ -140,7 +140,7 @@ Arrangement Arrange(System& s) {
       if (a == b) continue;
       strings.push_back({a, b, -1, -1, int(i), int(k), {}});
       if (s.model.line_sinks[k].kind != LineSinkKind::kDischarge && !Resists(s.model.line_sinks[k]))
-        ends.insert(ends.end(), {a, b});
+        for (int node : {a, b}) ends.emplace_back(node, std::pair{int(k), int(i)});
     }
   }
   const std::size_t edges = drawn.size();
@@ -154,7 +154,11 @@ Arrangement Arrange(System& s) {
   for (std::size_t i = edges; i < drawn.size(); ++i)
     for (const auto& [position, node] : drawn[i].on) result.on_string[node] = true;
   result.string_ends.assign(result.nodes.size(), 0);
-  for (int node : ends) ++result.string_ends[node];
+  result.ending.assign(result.nodes.size(), {-1, -1});
+  for (const auto& [node, segment] : ends) {
+    ++result.string_ends[node];
+    result.ending[node] = segment;
+  }
   drawn.resize(edges);
 
   s.rings.assign(s.model.domains.size(), {});

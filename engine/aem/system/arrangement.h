@@ -24,6 +24,10 @@ struct Arrangement {
   std::vector<bool> on_string;  ///< by node: a line-sink ends, bends or crosses there
   /// By node: how many head line-sinks without resistance end there.
   std::vector<int> string_ends;
+  /// By node: string and segment that end there last, -1 none.
+  std::vector<std::pair<int, int>> ending;
+  /// By node: power of the distance that heads follow near the end of a string on an edge; 0 elsewhere.
+  std::vector<double> power;
   /// By node: angle at which each jump edge leaves, and its index in System::edges (negative - 1 where it
   /// arrives).  Filled by PlaceEdges.
   std::vector<std::vector<std::pair<double, int>>> around;

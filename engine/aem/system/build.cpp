@@ -129,6 +129,7 @@ void System::Clear() {
   moments.clear();
   edges.clear();
   features = {};
+  end_power.clear();
   ignored.clear();
   edge_only.clear();
   segment_of.clear();

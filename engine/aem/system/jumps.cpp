@@ -9,6 +9,8 @@
 #include <cmath>
 
 #include "aem/kernel/grading.h"
+#include "aem/kernel/wedge.h"
+#include "aem/linear/linear.h"
 #include "aem/system/arrangement.h"
 #include "aem/system/refine.h"
 #include "aem/system/system.h"
@@ -42,7 +44,7 @@ double TurnAt(const std::vector<std::pair<double, int>>& around, std::size_t i) 
 }
 
 /// Levels of the sectors around a node become unknowns; every edge gets its jump there.
-void MakeNode(System& s, Junction* node, bool on_string, std::vector<Ends>* ends) {
+void MakeNode(System& s, Junction* node, bool on_string, double power, std::vector<Ends>* ends) {
   Junction& around = *node;
   std::sort(around.begin(), around.end());
   const std::size_t m = around.size();
@@ -74,7 +76,7 @@ void MakeNode(System& s, Junction* node, bool on_string, std::vector<Ends>* ends
       if (right >= 0) jump.emplace_back(right, -sign);
     }
     const double turn = m == 1 ? 0.0 : any_wall && any_edge ? 2.0 : on_string ? 1.0 : TurnAt(around, i);
-    const EndShape shape{m == 1, turn};
+    const EndShape shape{m == 1, turn, m == 1 ? 0.0 : power};
     if (arrives) {
       (*ends)[edge].end = jump;
       (*ends)[edge].end_shape = shape;
@@ -120,6 +122,47 @@ void MakeTerms(System& s, int index, const Combination& at_from, const Combinati
     const int bubble = s.NewUnknown();
     AddTerm(terms, bubble, n, 1.0);
     AddTerm(terms, bubble, n - reach, -1.0);
+  }
+}
+
+/// Legendre coefficients on (-1, 1) of 1 - (r/e)^p, r the distance from -1 and e all of it, that keep its
+/// values at both ends: a line and bubbles that fit it in the mean.
+std::array<double, kMaxBasis> PowerLaw(double power, int size) {
+  const GaussRule rule = Gauss(48);
+  std::array<double, kMaxBasis> c{0.5, -0.5};
+  const int bubbles = size - 2;
+  std::vector<double> matrix(std::size_t(bubbles) * bubbles, 0.0), right(std::size_t(bubbles), 0.0);
+  for (int q = 0; q < rule.size; ++q) {
+    // u^4 brings points to where the law is steep.
+    const double u = 0.5 * (1.0 + rule.x[q]), r = u * u * u * u, weight = 4.0 * u * u * u * rule.w[q];
+    std::array<double, kMaxBasis + 1> p;
+    LegendreP(2.0 * r - 1.0, kMaxBasis, p.data());
+    const double rest = 1.0 - std::pow(r, power) - (1.0 - r);
+    for (int i = 0; i < bubbles; ++i) {
+      right[i] += weight * (p[i + 2] - p[i]) * rest;
+      for (int j = 0; j < bubbles; ++j)
+        matrix[i * bubbles + j] += weight * (p[i + 2] - p[i]) * (p[j + 2] - p[j]);
+    }
+  }
+  if (bubbles > 0) SolveDense(&matrix, &right, std::size_t(bubbles), 1);
+  for (int i = 0; i < bubbles; ++i) {
+    c[i + 2] += right[i];
+    c[i] -= right[i];
+  }
+  return c;
+}
+
+/// The last piece before a place where heads follow a power of the distance, from its jumps at both ends
+/// alone.
+void MakePowerTerms(System& s, int index, const Combination& at_node, const Combination& away,
+                    bool node_first, double power) {
+  const Piece& piece = s.pieces[index];
+  std::array<double, kMaxBasis> law = PowerLaw(power, piece.size);
+  for (int n = 1; n < piece.size && !node_first; n += 2) law[n] = -law[n];
+  for (int n = 0; n < piece.size; ++n) {
+    for (const auto& [unknown, factor] : at_node) AddTerm(&s.terms[index], unknown, n, factor * law[n]);
+    for (const auto& [unknown, factor] : away)
+      AddTerm(&s.terms[index], unknown, n, factor * ((n == 0 ? 1.0 : 0.0) - law[n]));
   }
 }
 
@@ -219,7 +262,14 @@ void MakePieces(System& s, int e, const Ends& ends) {
     piece.from = from + owner.start * (to - from);
     piece.to = from + owner.end * (to - from);
     const int index = s.AddPiece(piece, owner);
-    MakeTerms(s, index, reversed ? at_end : at_start, reversed ? at_start : at_end, reversed ? -1.0 : 1.0);
+    const bool by_power[2] = {i == 0 && ends.start_shape.power > 0.0 && parts.size() > 2,
+                              i + 1 == parts.size() && ends.end_shape.power > 0.0 && parts.size() > 2};
+    if (by_power[0] && !piece.tip)
+      MakePowerTerms(s, index, at_start, at_end, true, ends.start_shape.power);
+    else if (by_power[1] && !piece.tip)
+      MakePowerTerms(s, index, at_end, at_start, false, ends.end_shape.power);
+    else
+      MakeTerms(s, index, reversed ? at_end : at_start, reversed ? at_start : at_end, reversed ? -1.0 : 1.0);
     AddControls(s, index, reversed);
     if (i == 0 && ends.start_mixed) AddEndTerm(s, index, !reversed);
     if (i + 1 == parts.size() && ends.end_mixed) AddEndTerm(s, index, reversed);
@@ -282,6 +332,39 @@ std::vector<Feature> PlacesOf(const System& s, const Arrangement& arrangement) {
 
 }  // namespace
 
+namespace {
+
+/// Powers where a string ends on edges, see wedge.h.
+void FindPowers(System& s, Arrangement* arrangement) {
+  arrangement->power.assign(arrangement->nodes.size(), 0.0);
+  for (std::size_t n = 0; n < arrangement->nodes.size(); ++n) {
+    Junction around = arrangement->around[n];
+    if (around.size() < 2 || arrangement->string_ends[n] != 1) continue;
+    std::sort(around.begin(), around.end());
+    const auto [string, segment] = arrangement->ending[n];
+    const LineSinkSegment& g = s.model.line_sinks[string].segments[segment];
+    const int end = std::abs(g.from - arrangement->nodes[n]) < std::abs(g.to - arrangement->nodes[n]) ? 0 : 1;
+    std::vector<WedgeRay> rays;
+    for (const auto& leaving : around) {
+      const JumpEdge& edge = s.edges[EdgeOf(leaving)];
+      const Zone& zone = leaving.second < 0 ? edge.right : edge.left;
+      rays.push_back({leaving.first, zone.Slope(zone.Potential(g.value)), edge.wall >= 0});
+    }
+    const double direction = std::arg(end == 0 ? g.to - g.from : g.from - g.to);
+    const bool along_edge = std::any_of(around.begin(), around.end(), [&](const auto& a) {
+      return std::abs(std::remainder(a.first - direction, 2.0 * M_PI)) < 1e-3;
+    });
+    if (along_edge) continue;
+    const double power = WedgePower(rays, direction);
+    // A free end has a power of a half, which its own piece has already; so it is where zones hardly differ.
+    if (std::abs(power - 0.5) < 0.02 || power > 0.95) continue;
+    arrangement->power[n] = power;
+    s.end_power[{string, segment, end}] = power;
+  }
+}
+
+}  // namespace
+
 void PlaceEdges(System& s, Arrangement* arrangement) {
   arrangement->around.assign(arrangement->nodes.size(), {});
   std::vector<std::pair<Complex, Complex>> lines;
@@ -306,6 +389,7 @@ void PlaceEdges(System& s, Arrangement* arrangement) {
     s.edges.push_back(std::move(edge));
   }
   s.edge_index = SegmentIndex(lines);
+  FindPowers(s, arrangement);
   if (!lines.empty()) s.features = Features(PlacesOf(s, *arrangement), lines, s.tolerance);
 }
 
@@ -314,7 +398,7 @@ void BuildJumps(System& s, Arrangement* arrangement) {
   std::vector<Ends> ends(s.edges.size());
   for (std::size_t i = 0; i < arrangement->around.size(); ++i)
     if (!arrangement->around[i].empty())
-      MakeNode(s, &arrangement->around[i], arrangement->on_string[i], &ends);
+      MakeNode(s, &arrangement->around[i], arrangement->on_string[i], arrangement->power[i], &ends);
   for (std::size_t e = 0; e < s.edges.size(); ++e) MakePieces(s, int(e), ends[e]);
 }
 

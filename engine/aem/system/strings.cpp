@@ -65,6 +65,24 @@ void AddControls(System& s, int piece, const LineSinkString& string, const Stage
   }
 }
 
+/// The last piece before a place where the density goes like r^(p - 1): its discharge is that of the piece
+/// before it by that law, e^p of (e + l)^p - e^p.
+void TieEnds(System& s, int k, int i) {
+  const std::vector<int>& pieces = s.segment_pieces[k][i];
+  if (pieces.size() < 3) return;
+  for (int end = 0; end < 2; ++end) {
+    const auto power = s.end_power.find({k, i, end});
+    const int last = end == 0 ? pieces.front() : pieces.back();
+    if (power == s.end_power.end() || !s.terms[last].empty()) continue;
+    const int before = end == 0 ? pieces[1] : pieces[pieces.size() - 2];
+    const double e = s.pieces[last].Length(), l = s.pieces[before].Length();
+    Term t;
+    t.unknown = s.terms[before][0].unknown;
+    t.coefficient[0] = l / e / (std::pow(1.0 + l / e, power->second) - 1.0);
+    s.terms[last].push_back(t);
+  }
+}
+
 void AddHeadSegment(System& s, int k, int i, const Stage& stage) {
   const LineSinkString& string = s.model.line_sinks[k];
   const LineSinkSegment& segment = string.segments[i];
@@ -78,16 +96,20 @@ void AddHeadSegment(System& s, int k, int i, const Stage& stage) {
     if (part.tip_at_start) std::swap(owner.start, owner.end);
     piece.from = segment.from + owner.start * (segment.to - segment.from);
     piece.to = segment.from + owner.end * (segment.to - segment.from);
+    const bool by_power = (part.tip_at_start && s.end_power.contains({k, i, 0})) ||
+                          (part.tip_at_end && s.end_power.contains({k, i, 1}));
     const int index = s.AddPiece(piece, owner);
+    s.segment_pieces[k][i].push_back(index);
+    if (by_power && s.segment_parts[k][i].size() > 2) continue;
     for (int n = 0; n < piece.size; ++n) {
       Term t;
       t.unknown = s.NewUnknown();
       t.coefficient[n] = 1.0;
       s.terms[index].push_back(t);
     }
-    s.segment_pieces[k][i].push_back(index);
     AddControls(s, index, string, stage);
   }
+  TieEnds(s, k, i);
 }
 
 void AddDischargeSegment(System& s, int k, int i) {
@@ -214,6 +236,10 @@ double Stage::At(int segment, double position) const {
   return sb > sa ? va + (vb - va) * (s - sa) / (sb - sa) : va;
 }
 
+bool FollowsLaw(const System& s, int piece) {
+  return s.pieces[piece].tip && s.terms[piece].size() == 1;
+}
+
 void PlanStrings(System& s) {
   Joints joints(s.tolerance);
   for (const LineSinkString& string : s.model.line_sinks) {
@@ -241,8 +267,11 @@ void PlanStrings(System& s) {
       const bool by_head = string.kind != LineSinkKind::kDischarge;
       if (by_head && !Resists(string)) {
         const Complex along = segment.to - segment.from;
-        parts = Divide(joints.Shape(segment.from, along), joints.Shape(segment.to, -along),
-                       OrderOf(s, int(k), int(i)), s.tolerance / std::abs(along));
+        EndShape shapes[2] = {joints.Shape(segment.from, along), joints.Shape(segment.to, -along)};
+        for (int end = 0; end < 2; ++end)
+          if (const auto power = s.end_power.find({int(k), int(i), end}); power != s.end_power.end())
+            shapes[end].power = power->second;
+        parts = Divide(shapes[0], shapes[1], OrderOf(s, int(k), int(i)), s.tolerance / std::abs(along));
       }
       parts = CutAt(parts, s.segment_cuts[k][i]);
       if (by_head) parts = s.features.Divide(segment.from, segment.to, parts);

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -133,11 +134,13 @@ struct System {
   std::vector<char> edge_only;
   std::vector<std::vector<std::vector<Part>>> segment_parts;   ///< [string][segment]
   std::vector<std::vector<std::vector<double>>> segment_cuts;  ///< [string][segment] crossings with edges
-  std::vector<std::vector<int>> flag_of;                       ///< [string][segment] index in flags
-  std::vector<int> flows_into;        ///< string that a routed stream continues in, -1 none
-  std::vector<int> stream_order;      ///< routed streams, upstream first
-  std::vector<double> carried;        ///< by flag index: flow available to a routed reach [L3/d]
-  std::vector<double> carried_given;  ///< by flag: the part of `carried` that no unknown gives
+  /// By string, segment and end (0 where it begins): EndShape::power.
+  std::map<std::array<int, 3>, double> end_power;
+  std::vector<std::vector<int>> flag_of;  ///< [string][segment] index in flags
+  std::vector<int> flows_into;            ///< string that a routed stream continues in, -1 none
+  std::vector<int> stream_order;          ///< routed streams, upstream first
+  std::vector<double> carried;            ///< by flag index: flow available to a routed reach [L3/d]
+  std::vector<double> carried_given;      ///< by flag: the part of `carried` that no unknown gives
   /// By flag, of limited reaches only: the rest of `carried` as a sum over unknowns.
   /// Behind them the discharge of the whole model, and in carried_given what of it no unknown gives.
   std::vector<std::vector<std::pair<int, double>>> carried_terms;
