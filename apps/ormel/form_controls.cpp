@@ -15,6 +15,7 @@
 #include <array>
 #include <string>
 
+#include "ormel/chart_view.h"
 #include "ormel/color_swatch.h"
 #include "ormel/form_dialog.h"
 #include "ormel/qt_text.h"
@@ -116,6 +117,10 @@ QWidget* MakeTable(const ControlSpec& spec, FormDialog& dialog) {
   return new TableControl(spec.name, dialog);
 }
 
+QWidget* MakeChart(const ControlSpec& spec, FormDialog& dialog) {
+  return new ChartControl(spec.name, dialog);
+}
+
 QWidget* MakeLabel(const ControlSpec& spec, FormDialog& dialog) {
   auto* label = new QLabel(&dialog);
   label->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -191,6 +196,10 @@ void UpdateTable(QWidget& widget, const ControlState& state) {
   static_cast<TableControl&>(widget).Show(state);
 }
 
+void UpdateChart(QWidget& widget, const ControlState& state) {
+  static_cast<ChartControl&>(widget).Show(state);
+}
+
 void UpdateLabel(QWidget& widget, const ControlState& state) {
   static_cast<QLabel&>(widget).setText(ToQString(state.text.empty() ? state.caption : state.text));
 }
@@ -222,6 +231,7 @@ constexpr std::array kKinds = {
     KindRow{ControlKind::kList, ControlPlace::kTall, true, MakeList, UpdateList},
     KindRow{ControlKind::kMultiList, ControlPlace::kTall, true, MakeList, UpdateList},
     KindRow{ControlKind::kTable, ControlPlace::kTall, true, MakeTable, UpdateTable},
+    KindRow{ControlKind::kChart, ControlPlace::kBeside, false, MakeChart, UpdateChart},
     KindRow{ControlKind::kNote, ControlPlace::kWide, false, MakeLabel, UpdateLabel},
 };
 

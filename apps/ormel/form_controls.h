@@ -17,6 +17,7 @@ enum class ControlPlace {
   kWide,    ///< the whole width; the widget shows its caption itself
   kTall,    ///< caption above an editor that grows
   kInline,  ///< stands beside its neighbours of the same placement
+  kBeside,  ///< to the right of all others of its page, as high as they are together
 };
 
 /// One control on the screen.

@@ -44,8 +44,9 @@ FormDialog::FormDialog(Form& form, QWidget* parent)
 }
 
 bool FormDialog::HasTable() const {
-  return std::any_of(views_.begin(), views_.end(),
-                     [](const ControlView& view) { return view.spec->kind == ControlKind::kTable; });
+  return std::any_of(views_.begin(), views_.end(), [](const ControlView& view) {
+    return view.spec->kind == ControlKind::kTable || view.spec->kind == ControlKind::kChart;
+  });
 }
 
 /// The toolkit opens no window wider than two thirds of the screen; a table needs what there is.
@@ -96,9 +97,9 @@ void FormDialog::Build() {
     view.page = spec.tab.empty() ? nullptr : page;
     it->second.Add(view);
   }
-  for (const auto& [page, content] : pages_) {
+  for (auto& [page, content] : pages_) {
     if (tabs_ != nullptr && tabs_->indexOf(page) >= 0) {
-      static_cast<QVBoxLayout*>(page->layout())->addStretch(1);
+      content.AddStretch();
     } else {
       page->layout()->setContentsMargins(0, 0, 0, 0);
     }

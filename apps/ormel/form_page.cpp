@@ -24,7 +24,8 @@ bool NarrowIn(QGridLayout& grid, const QLayoutItem* item) {
 
 }  // namespace
 
-FormPage::FormPage(QWidget* page) : column_(new QVBoxLayout(page)) {
+FormPage::FormPage(QWidget* page) : page_(new QHBoxLayout(page)), column_(new QVBoxLayout) {
+  page_->addLayout(column_);
   column_->setSpacing(10);
 }
 
@@ -47,7 +48,15 @@ void FormPage::StartGroup(const std::string& group) {
   column_->addWidget(frame);
 }
 
+void FormPage::AddStretch() {
+  column_->addStretch(1);
+}
+
 void FormPage::Add(const ControlView& view) {
+  if (view.place == ControlPlace::kBeside) {
+    page_->addWidget(view.editor, 1);
+    return;
+  }
   StartGroup(std::string(view.spec->group));
   if (view.place != ControlPlace::kInline) inline_row_ = nullptr;
   if (view.place != ControlPlace::kField) check_ = nullptr;
@@ -63,6 +72,8 @@ void FormPage::Add(const ControlView& view) {
       return;
     case ControlPlace::kInline:
       AddInline(view);
+      return;
+    case ControlPlace::kBeside:
       return;
   }
 }

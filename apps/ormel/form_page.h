@@ -18,6 +18,8 @@ class FormPage {
   explicit FormPage(QWidget* page);
 
   void Add(const ControlView& view);
+  /// What keeps a page of tabs from being spread over its height.
+  void AddStretch();
   /// Lines the fields outside frames up with one another; once the captions have their texts.
   void AlignColumns();
 
@@ -29,6 +31,7 @@ class FormPage {
   void AddInline(const ControlView& view);
   bool JoinsCheck(const ControlView& view) const;
 
+  QHBoxLayout* page_;  ///< the column, and what stands beside it
   QVBoxLayout* column_;
   QGridLayout* grid_ = nullptr;
   QHBoxLayout* inline_row_ = nullptr;  ///< the row that a further inline control joins

@@ -1,5 +1,6 @@
 // ormel: the desktop program.
 #include <QString>
+#include <QTimer>
 #include <QtGlobal>
 #include <cstdio>
 #include <cstdlib>
@@ -9,6 +10,7 @@
 #include "core/ormel.h"
 #include "ormel/application.h"
 #include "ormel/program.h"
+#include "platform/end_requests.h"
 #include "platform/file_settings.h"
 #include "platform/posix_processes.h"
 #include "platform/system_clock.h"
@@ -21,6 +23,7 @@ constexpr std::string_view kUsage =
     "Exit code 4: there is no display to open a window on.\n";
 
 constexpr int kNoDisplay = 4;
+constexpr int kEndRequestPause = 100;  // milliseconds
 
 /// The command line is one path; a shell may have cut it at its blanks.
 std::string ProjectOf(int argc, char** argv) {
@@ -81,6 +84,12 @@ int main(int argc, char** argv) {
   ormel::SystemClock clock;
   ormel::Program program({settings, processes, clock});
   app.SetController(&program.ormel);
+  ormel::WatchEndRequests();
+  QTimer end_requests;
+  QObject::connect(&end_requests, &QTimer::timeout, [&program] {
+    if (ormel::EndRequested()) program.window.EndByRequest();
+  });
+  end_requests.start(kEndRequestPause);
   program.Start(ProjectOf(argc, argv));
   const int result = ormel::Application::exec();
   app.SetController(nullptr);

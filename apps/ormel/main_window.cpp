@@ -14,6 +14,7 @@
 #include <cmath>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "core/processes.h"
 #include "core/status.h"
@@ -89,7 +90,7 @@ bool MainWindow::Busy() const {
 }
 
 MainWindow::Shown MainWindow::Present() const {
-  return {ormel_.menus.revision(), ormel_.project.ProjectOpen, ormel_.solution.ValidSolution};
+  return {ormel_.menus.revision(), ormel_.layers, ormel_.project.ProjectOpen, ormel_.solution.ValidSolution};
 }
 
 void MainWindow::Refresh() {
@@ -128,7 +129,7 @@ std::optional<Placement> MainWindow::PresentPlacement() const {
   placement.Left = place.x() * pixel;
   placement.Width = place.width() * pixel;
   placement.Height = place.height() * pixel;
-  placement.Toolbar = ormel_.menus.Checked("layermenu", kLayerToolbar);
+  placement.Toolbar = ormel_.layers.On(Layer::kToolbar);
   return placement;
 }
 
@@ -146,7 +147,17 @@ void MainWindow::AskWhileBusy() {
   if (!ui_.Waiting() || close_after_wait_) return;
   const Box box{kProgramTitle, "A run is still going on.\nStop it and close Ormel?", Buttons::kYesNo,
                 Icon::kQuestion};
-  if (ui_.Ask(box) != Answer::kYes) return;
+  if (ui_.Ask(box) == Answer::kYes) StopAndClose();
+}
+
+void MainWindow::EndByRequest() {
+  if (!ui_.Waiting())
+    close();
+  else if (!close_after_wait_)
+    StopAndClose();
+}
+
+void MainWindow::StopAndClose() {
   close_after_wait_ = true;
   ui_.RequestCancel();
   // The command first comes to its end, in the loop that this event interrupts.

@@ -46,6 +46,9 @@ class MainWindow : public QMainWindow, public WindowCommands {
   void SaveMapAs() override;
   void ShowReleaseNotes() override;
 
+  /// The system asks the program to end: a run is cancelled first, without a question.
+  void EndByRequest();
+
  protected:
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
@@ -54,10 +57,11 @@ class MainWindow : public QMainWindow, public WindowCommands {
  private:
   bool Busy() const;
   void AskWhileBusy();
+  void StopAndClose();
   void ShowAll();
   void OpenDropped(const QString& path);
 
-  using Shown = std::tuple<long, bool, bool>;
+  using Shown = std::tuple<long, LayerSwitches, bool, bool>;
   Shown Present() const;
 
   Ormel& ormel_;

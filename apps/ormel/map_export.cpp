@@ -29,6 +29,7 @@ MapSheet OutputOf(const MapExtras& extras) {
   MapSheet output;
   output.title = extras.title;
   output.legend = extras.legend;
+  output.legend_corner = extras.legend_corner;
   output.scale_bar = extras.scale_bar;
   output.north_arrow = extras.north_arrow;
   return output;
@@ -45,6 +46,7 @@ void MapExport::ReadChoices() {
     return static_cast<int>(Val(ormel_.settings().GetSetting(key, std::to_string(otherwise))));
   };
   extras_.legend = read("MapLegend", 1) != 0;
+  extras_.legend_corner = static_cast<LegendCorner>(std::clamp(read("MapLegendAt", 0), 0, 4));
   extras_.scale_bar = read("MapScaleBar", 1) != 0;
   extras_.north_arrow = read("MapNorthArrow", 1) != 0;
   landscape_ = read("PaperLandscape", 1) != 0;
@@ -54,6 +56,7 @@ void MapExport::ReadChoices() {
 
 void MapExport::SaveChoices() {
   const std::pair<const char*, int> choices[] = {{"MapLegend", extras_.legend ? 1 : 0},
+                                                 {"MapLegendAt", static_cast<int>(extras_.legend_corner)},
                                                  {"MapScaleBar", extras_.scale_bar ? 1 : 0},
                                                  {"MapNorthArrow", extras_.north_arrow ? 1 : 0},
                                                  {"PaperLandscape", landscape_ ? 1 : 0},

@@ -4,6 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "view/map_output.h"
+
 class QPrinter;
 
 namespace ormel {
@@ -15,6 +17,7 @@ class MainWindow;
 struct MapExtras {
   std::string title;
   bool legend = true, scale_bar = true, north_arrow = true;
+  LegendCorner legend_corner = LegendCorner::kAuto;
 };
 
 class MapExport {

@@ -37,7 +37,7 @@ constexpr std::array kKeys = {
     KeyRow{Qt::Key_Up, MapKey::kUp},         KeyRow{Qt::Key_Down, MapKey::kDown},
     KeyRow{Qt::Key_PageUp, MapKey::kPageUp}, KeyRow{Qt::Key_PageDown, MapKey::kPageDown},
     KeyRow{Qt::Key_Home, MapKey::kHome},     KeyRow{Qt::Key_End, MapKey::kEnd},
-    KeyRow{Qt::Key_Escape, MapKey::kEscape}};
+    KeyRow{Qt::Key_Escape, MapKey::kEscape}, KeyRow{Qt::Key_Backspace, MapKey::kBackspace}};
 
 int ShiftOf(Qt::KeyboardModifiers modifiers) {
   return (modifiers.testFlag(Qt::ShiftModifier) ? kShiftKey : 0) +
@@ -232,7 +232,10 @@ void MapWidget::leaveEvent(QEvent*) {
 void MapWidget::keyPressEvent(QKeyEvent* event) {
   const auto row =
       std::find_if(kKeys.begin(), kKeys.end(), [&](const KeyRow& r) { return r.key == event->key(); });
-  const bool known = row != kKeys.end() && Ready() && Map_KeyDown(*view_, row->meaning);
+  // The menu's undo rests while something is being drawn; its key then means the last vertex.
+  const bool undo = event->matches(QKeySequence::Undo);
+  const bool known = (undo || row != kKeys.end()) && Ready() &&
+                     Map_KeyDown(*view_, undo ? MapKey::kBackspace : row->meaning);
   if (!known) QWidget::keyPressEvent(event);
   emit Touched();
 }

@@ -38,7 +38,8 @@ void MenuActions::Add(const MenuItem& item, QMenuBar& bar) {
   } else {
     entry.action = parent->addAction(caption);
     entry.action->setCheckable((item.flags & kCheckable) != 0);
-    if (!item.shortcut.empty()) entry.action->setShortcut(QKeySequence(ToQString(item.shortcut)));
+    if (!item.shortcut.empty())
+      entry.action->setShortcuts(QKeySequence::listFromString(ToQString(item.shortcut)));
     connect(entry.action, &QAction::triggered, this, [this, &item] { run_(item.control, item.index); });
   }
   entries_.push_back(entry);
@@ -53,7 +54,7 @@ void MenuActions::Show(const Entry& entry) {
   if (entry.line != nullptr) entry.line->setVisible(!caption.isEmpty());
   action.setEnabled(ItemEnabled(ormel_, item));
   action.setToolTip(ToQString(ItemTip(ormel_, item)));
-  if (action.isCheckable()) action.setChecked(ormel_.menus.Checked(item.control, item.index));
+  if (action.isCheckable()) action.setChecked(ItemChecked(ormel_, item));
 }
 
 void MenuActions::Refresh() {

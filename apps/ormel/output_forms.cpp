@@ -20,6 +20,8 @@ constexpr double kSmallestWidth = 100.0, kLargestWidth = 16000.0, kSmallestDpi =
 constexpr ControlSpec kTitle{.name = "tbTitle", .kind = kText, .caption = "&Title", .group = kBeside};
 constexpr ControlSpec kLegend{
     .name = "chkLegend", .kind = kCheck, .caption = "L&egend of the layers shown", .group = kBeside};
+constexpr ControlSpec kLegendPlace{
+    .name = "cmbLegend", .kind = ControlKind::kCombo, .caption = "Legend at", .group = kBeside};
 constexpr ControlSpec kScaleBar{
     .name = "chkScaleBar", .kind = kCheck, .caption = "&Scale bar", .group = kBeside};
 constexpr ControlSpec kNorthArrow{
@@ -36,6 +38,7 @@ constexpr std::array kPrintControls{
     ControlSpec{.name = "optLandscape", .kind = kOption, .caption = "L&andscape", .group = kPaper},
     kTitle,
     kLegend,
+    kLegendPlace,
     kScaleBar,
     kNorthArrow,
     kOkButton,
@@ -44,6 +47,7 @@ constexpr std::array kPrintControls{
 constexpr std::array kPictureControls{
     kTitle,
     kLegend,
+    kLegendPlace,
     kScaleBar,
     kNorthArrow,
     ControlSpec{.name = "tbWidth", .kind = kNumber, .caption = "&Width", .unit = "pixels", .group = kSize},
@@ -70,12 +74,18 @@ constexpr std::array kRows{MarginRow{"tbLeft", "MARGINLeft", &MapWindow::margin_
 }  // namespace
 
 MapExtras ExtrasForm::Extras() const {
-  return {Text("tbTitle"), Checked("chkLegend"), Checked("chkScaleBar"), Checked("chkNorthArrow")};
+  const std::vector<int>& place = State("cmbLegend").selected;
+  return {Text("tbTitle"), Checked("chkLegend"), Checked("chkScaleBar"), Checked("chkNorthArrow"),
+          place.empty() ? LegendCorner::kAuto : static_cast<LegendCorner>(place.front())};
 }
 
 void ExtrasForm::PutExtras(const MapExtras& extras) {
   Put("tbTitle", extras.title);
   PutCheck("chkLegend", extras.legend);
+  ControlState& place = Mutable("cmbLegend");
+  // In the order of LegendCorner.
+  place.items = {"Where it hides least", "Lower right", "Upper left", "Lower left", "Upper right"};
+  place.selected = {static_cast<int>(extras.legend_corner)};
   PutCheck("chkScaleBar", extras.scale_bar);
   PutCheck("chkNorthArrow", extras.north_arrow);
 }

@@ -17,6 +17,7 @@
 #include <functional>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "ormel/application.h"
 #include "ormel/form_dialog.h"
 #include "ormel/help_viewer.h"
@@ -62,6 +63,8 @@ constexpr std::array kDialogs = {
     DialogShot{"dialog-results-overlay", "layermenu", kLayerResultsOverlay, 0},
     DialogShot{"dialog-inspector", "INSPECTORMENU", 0, 0},
     DialogShot{"dialog-results-table", "RESULTS_TABLE", 0, 0},
+    DialogShot{"dialog-calibration", "CALIBRATION_STATS", 0, 0},
+    DialogShot{"dialog-report", "REPORT", 0, 0},
     DialogShot{"dialog-database-viewer", "TOOLS_CMDS", 5, 0},
 };
 
@@ -178,11 +181,11 @@ void TakeCompetingWells(Program& program, Photographer& photographer, const std:
   ormel.StreamWell = kMultipleWells;
   RunCommand(ormel, "TakeCompetingWells", [&ormel] { MakeStreamImages(ormel); });
   ModelRunWHPAs(ormel);
-  ormel.menus.Check("layermenu", kLayerContours, false);
+  ormel.layers.Switch(Layer::kContours, false);
   program.view.ZoomActions(Zoom::kRedraw);
   photographer.Window(QStringLiteral("window-whpa-paths"));
   RemoveWhpaRows(ormel, "Type=3", false);
-  ormel.menus.Check("layermenu", kLayerContours, true);
+  ormel.layers.Switch(Layer::kContours, true);
 }
 
 /// Protection areas of the example's wells: circles, paths of competing wells, outlines of the solved model.
@@ -201,11 +204,11 @@ void TakeAreas(Program& program, Photographer& photographer) {
     request.wells = CaptureWells(program.ormel);
     std::printf("%d capture zones outlined\n", OutlineCaptureZones(program.ormel, request));
   });
-  program.ormel.menus.Check("layermenu", kLayerWhpas, true);
-  program.ormel.menus.Check("layermenu", kLayerPathlines, false);
+  program.ormel.layers.Switch(Layer::kCapzones, true);
+  program.ormel.layers.Switch(Layer::kPathlines, false);
   program.view.ZoomActions(Zoom::kRedraw);
   photographer.Window(QStringLiteral("window-outlines"));
-  program.ormel.menus.Check("layermenu", kLayerPathlines, true);
+  program.ormel.layers.Switch(Layer::kPathlines, true);
   program.ormel.db().Execute("delete from Capzones");
   program.view.ZoomActions(Zoom::kRedraw);
 }
@@ -222,7 +225,7 @@ void TakeInspection(Program& program, Photographer& photographer) {
   const auto spot = [&](double right, double up) {
     return pixel(window.x1 + right * window.Width(), window.y2 + up * window.Height());
   };
-  ormel.menus.Check("layermenu", kLayerPathlines, false);
+  ormel.layers.Switch(Layer::kPathlines, false);
   program.view.ZoomActions(Zoom::kRedraw);
   for (const double up : {0.35, 0.5, 0.65})
     QTest::mouseClick(&map, Qt::LeftButton, Qt::ShiftModifier | Qt::ControlModifier, spot(0.3, up));
@@ -232,7 +235,7 @@ void TakeInspection(Program& program, Photographer& photographer) {
                         [&] { QTest::mouseClick(&map, Qt::LeftButton, Qt::ShiftModifier, spot(0.35, 0.5)); });
   Dispatch(ormel, "SolverIntegrityCheck");
   Dispatch(ormel, "CLEARTRACES");
-  ormel.menus.Check("layermenu", kLayerPathlines, true);
+  ormel.layers.Switch(Layer::kPathlines, true);
   program.view.ZoomActions(Zoom::kRedraw);
   struct Panel {
     const char* file;

@@ -5,9 +5,14 @@
 
 namespace ormel {
 Program::Program(const Surroundings& surroundings)
-    : solver(ormel, ModelRunWHPAs), window(ormel, ui), view(ormel, &window.map()) {
-  ormel.ports = {&ui,    &view, &solver, &surroundings.processes, &surroundings.settings, &surroundings.clock,
-                 &window};
+    : document(ormel),
+      solver(ormel, ModelRunWHPAs),
+      window(ormel, ui),
+      view(ormel, &window.map()),
+      publisher(ormel, view) {
+  ormel.ports = {
+      &ui,     &view,     &solver,   &surroundings.processes, &surroundings.settings, &surroundings.clock,
+      &window, &document, &publisher};
   ui.SetSettings(&surroundings.settings);
   ormel.solution.restore_on_open = true;
   window.SetView(view);

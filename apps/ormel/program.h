@@ -4,8 +4,10 @@
 #include <string>
 
 #include "core/ormel.h"
+#include "document/document.h"
 #include "ormel/main_window.h"
 #include "ormel/qt_interface.h"
+#include "publish/qt_publisher.h"
 #include "solver/solver_bridge.h"
 #include "view/map_view_impl.h"
 
@@ -26,10 +28,12 @@ class Program {
   void Start(const std::string& project);
 
   Ormel ormel;
+  Document document;
   QtInterface ui;
   SolverBridge solver;
   MainWindow window;
   MapViewImpl view;
+  QtPublisher publisher;
 };
 
 }  // namespace ormel

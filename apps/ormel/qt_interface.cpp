@@ -22,6 +22,7 @@
 #include "ormel/qt_text.h"
 #include "ormel/text_viewer.h"
 #include "ormel/wait_box.h"
+#include "publish/chart_picture.h"
 #include "qtdevice/fonts.h"
 #include "qtdevice/painter_device.h"
 #include "shell/about.h"
@@ -308,6 +309,10 @@ bool QtInterface::eventFilter(QObject* target, QEvent* event) {
 
 void QtInterface::CopyText(std::string_view text) {
   QApplication::clipboard()->setText(ToQString(text));
+}
+
+void QtInterface::CopyChart(const Chart& chart) {
+  QApplication::clipboard()->setImage(ChartImage(chart, QSize(900, 650), 2.0));
 }
 
 void QtInterface::ViewTextFile(const std::string& path) {

@@ -48,6 +48,7 @@ class QtInterface final : public QObject, public UserInterface {
   void Progress(double fraction, std::string_view text) override;
   bool CancelRequested() override;
   void CopyText(std::string_view text) override;
+  void CopyChart(const Chart& chart) override;
   void ViewTextFile(const std::string& path) override;
   void ShowHelp(std::string_view topic) override;
   void MenusChanged() override;

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QEvent>
 
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "ormel/icons.h"
 #include "ormel/qt_text.h"
@@ -48,7 +49,7 @@ void ToolButtons::changeEvent(QEvent* event) {
 }
 
 void ToolButtons::Refresh() {
-  setVisible(ormel_.menus.Checked("layermenu", kLayerToolbar));
+  setVisible(ormel_.layers.On(Layer::kToolbar));
   for (const auto& [button, action] : buttons_) {
     action->setEnabled(ButtonEnabled(ormel_, *button));
     const MenuItem* item = FindMenuItem(button->control, button->index);

@@ -42,6 +42,7 @@ int Run(int argc, char** argv) {
   ormel::AddRenderCommand(app, program);
   ormel::AddQueryCommands(app, program);
   ormel::AddWhpaCommands(app, program);
+  ormel::AddAnalysisCommands(app, program);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {

@@ -23,8 +23,12 @@ void AddProjectCommands(CLI::App& app, Program& program);  ///< new, set, window
 void AddElementCommands(CLI::App& app, Program& program);  ///< add ...
 void AddSolveCommands(CLI::App& app, Program& program);    ///< solve, deck
 void AddRenderCommand(CLI::App& app, Program& program);
-void AddWhpaCommands(CLI::App& app, Program& program);   ///< whpa ...
-void AddQueryCommands(CLI::App& app, Program& program);  ///< sql, results
+void AddWhpaCommands(CLI::App& app, Program& program);      ///< whpa ...
+void AddQueryCommands(CLI::App& app, Program& program);     ///< sql, results
+void AddAnalysisCommands(CLI::App& app, Program& program);  ///< calibration, observe, report
+
+/// Switches the layers that a map shows when nobody names any.
+void ShowUsualLayers(Ormel& ormel, bool solved);
 
 /// "12.5,-3": two numbers.  Throws UserError naming `what`.
 MapPoint ParsePoint(const std::string& text, const std::string& what);

@@ -8,7 +8,7 @@
 #include "core/project.h"
 #include "ormelcmd/options.h"
 #include "ormelcmd/table.h"
-#include "shell/solve_stamp.h"
+#include "solver/solve_stamp.h"
 #include "store/database.h"
 #include "store/store_error.h"
 
@@ -68,11 +68,14 @@ int Results(const CommonOptions& common, const ResultsOptions& given) {
   ormel.project.db = std::make_unique<Database>(Database::Open(given.path, OpenMode::kReadOnly));
   ormel.project.DBName = given.path;
   ReadProjectState(ormel);
-  if (const std::string reason = WhyNotSolved(ormel); !reason.empty()) {
+  bool older = false;
+  if (const std::string reason = WhyNotSolved(ormel, &older); !reason.empty()) {
     if (!given.stale)
       throw UserError("there are no valid results: " + reason + "; run: ormelcmd solve \"" + given.path +
                       "\"");
     session.ui().Say("these results are not valid: " + reason);
+  } else if (older) {
+    session.ui().Say("these results are of an older model: it has been changed since it was solved");
   }
   for (const ResultTable& entry : kResultTables) {
     if (given.table != "all" && given.table != entry.name) continue;

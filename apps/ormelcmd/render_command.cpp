@@ -1,16 +1,18 @@
 // render
 #include <CLI/CLI.hpp>
-#include <QGuiApplication>
+#include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <iostream>
 #include <memory>
 
-#include "core/menu_state.h"
+#include "core/layers.h"
+#include "core/status.h"
 #include "ormelcmd/options.h"
+#include "ormelcmd/toolkit.h"
 #include "qtdevice/write_picture.h"
 #include "shell/open_steps.h"
-#include "shell/solve_stamp.h"
+#include "solver/solve_stamp.h"
+#include "store/database.h"
+#include "text/numbers.h"
 #include "text/strings.h"
 #include "view/map_output.h"
 #include "view/map_view_impl.h"
@@ -21,7 +23,7 @@ namespace {
 constexpr double kYear = 365.0;  // days
 
 struct RenderOptions {
-  std::string path, picture, size = "1600x1200", window;
+  std::string path, picture, size = "1600x1200", window, legend_at;
   std::vector<std::string> layers;
   int dpi = 96;
   double time_tics = 2 * kYear, elevation_tics = 0.0;
@@ -29,68 +31,59 @@ struct RenderOptions {
   MapSheet output;
 };
 
-/// A layer by its name on the command line: the menu item that switches it.
-struct LayerName {
-  std::string_view name, control;
-  int index;
-  bool usual;    ///< drawn when --layers is not given, if there is anything to draw
-  bool results;  ///< needs a solved model
-};
-constexpr std::array kLayers{
-    LayerName{"elements", "layermenu", kLayerElements, true, false},
-    LayerName{"contours", "layermenu", kLayerContours, true, true},
-    LayerName{"pathlines", "layermenu", kLayerPathlines, true, true},
-    LayerName{"testpoints", "TESTDISPLAY", kTestShow, true, false},
-    LayerName{"welllabels", "ShowWellLabels", 0, true, false},
-    LayerName{"whpas", "ShowWHPAs", 0, true, false},
-    LayerName{"capzones", "layermenu", kLayerWhpas, true, false},
-    LayerName{"hydrography", "layermenu", kLayerHydrographyLabels, true, false},
-    LayerName{"linesinkvertices", "ShowVertices", kLinesinkVertices, false, false},
-    LayerName{"domainvertices", "ShowVertices", kInhomogeneityVertices, false, false},
-};
-
-const LayerName* FindLayer(std::string_view name) {
-  for (const LayerName& layer : kLayers)
-    if (layer.name == name) return &layer;
-  return nullptr;
-}
+constexpr Layer kUsualSwitches[] = {Layer::kTestPoints, Layer::kWellLabels, Layer::kWhpas};
 
 std::string LayerNames() {
   std::string names;
-  for (const LayerName& layer : kLayers) {
+  for (const LayerRow& row : LayerRows()) {
+    if (row.kind != LayerKind::kMap) continue;
     if (!names.empty()) names += ", ";
-    names += layer.name;
+    names += row.name;
   }
   return names;
 }
 
-std::vector<std::string> WantedLayers(const RenderOptions& given) {
-  std::vector<std::string> wanted;
+std::vector<Layer> WantedLayers(const RenderOptions& given) {
+  std::vector<Layer> wanted;
   for (const std::string& text : given.layers)
     for (const std::string& name : ParseString(text, ',')) {
-      if (FindLayer(name) == nullptr)
+      const LayerRow* row = FindLayer(name);
+      if (row == nullptr)
         throw UserError("there is no layer \"" + name + "\"; the layers are " + LayerNames());
-      wanted.push_back(name);
+      wanted.push_back(row->layer);
     }
   return wanted;
 }
 
-void SwitchLayers(Ormel& ormel, const RenderOptions& given, bool solved) {
-  const std::vector<std::string> wanted = WantedLayers(given);
-  const auto named = [&wanted](const LayerName& layer) {
-    return std::find(wanted.begin(), wanted.end(), layer.name) != wanted.end();
+/// A layer that was named brings those that it is made of, and the one that it belongs to.
+bool IsWanted(const std::vector<Layer>& wanted, const LayerRow& row) {
+  const auto named = [&wanted](Layer layer) {
+    return std::find(wanted.begin(), wanted.end(), layer) != wanted.end();
   };
-  MenuState& menus = ormel.menus;
-  for (const LayerName& layer : kLayers) {
-    if (layer.control == "layermenu" && wanted.empty()) continue;  // as the project opens
-    const bool on = wanted.empty() ? layer.usual : named(layer);
-    menus.Check(layer.control, layer.index, on && (solved || !layer.results));
+  const bool with_parent = row.usual && named(row.parent);
+  const bool with_part = std::any_of(wanted.begin(), wanted.end(), [&](Layer part) {
+    return RowOf(part).parent == row.layer || RowOf(RowOf(part).parent).parent == row.layer;
+  });
+  return named(row.layer) || with_parent || with_part;
+}
+
+void SwitchLayers(Ormel& ormel, const RenderOptions& given, bool solved) {
+  const std::vector<Layer> wanted = WantedLayers(given);
+  LayerSwitches& layers = ormel.layers;
+  if (wanted.empty()) {  // as the project opens, with what explains it
+    for (const Layer layer : kUsualSwitches) layers.Switch(layer, true);
+    for (const Layer layer : {Layer::kLinesinkVertices, Layer::kDomainVertices}) layers.Switch(layer, false);
+  } else {
+    for (const LayerRow& row : LayerRows())
+      if (row.kind == LayerKind::kMap) layers.Switch(row.layer, IsWanted(wanted, row));
   }
-  menus.Check("layermenu", kLayerTestPoints, menus.Checked("TESTDISPLAY", kTestShow));
-  menus.Check("EDITORGRID", kGridShow, false);
-  menus.Check("TMARKS", kTimeMarksShow, given.time_tics > 0.0);
+  if (!solved)
+    for (const Layer layer : {Layer::kContours, Layer::kPathlines, Layer::kResultsOverlay})
+      layers.Switch(layer, false);
+  layers.Switch(Layer::kEditorGrid, false);
+  layers.Switch(Layer::kTimeTics, given.time_tics > 0.0);
   ormel.solution.TimeTicSpacing = given.time_tics;
-  menus.Check("ZMARKS", kElevationMarksShow, given.elevation_tics > 0.0);
+  layers.Switch(Layer::kElevationTics, given.elevation_tics > 0.0);
   ormel.solution.ElevationTicSpacing = given.elevation_tics;
 }
 
@@ -109,12 +102,34 @@ void ParseSize(const std::string& text, PictureSize& size) {
     throw UserError("--size: each side must be between 16 and 20000 pixels");
 }
 
+void ParseLegendPlace(const std::string& text, MapSheet& sheet) {
+  constexpr std::array kCorners{
+      std::pair{"lower-right", LegendCorner::kLowerRight}, std::pair{"upper-left", LegendCorner::kUpperLeft},
+      std::pair{"lower-left", LegendCorner::kLowerLeft}, std::pair{"upper-right", LegendCorner::kUpperRight}};
+  if (text.empty()) return;
+  sheet.legend = true;
+  for (const auto& [name, corner] : kCorners)
+    if (text == name) {
+      sheet.legend_corner = corner;
+      return;
+    }
+  const std::vector<std::string> shares = ParseString(text, ',');
+  const auto is_share = [](const std::string& s) { return IsNumeric(s) && Val(s) >= 0.0 && Val(s) <= 1.0; };
+  if (shares.size() != 2 || !is_share(shares[0]) || !is_share(shares[1]))
+    throw UserError(
+        "--legend-at takes lower-right, upper-left, lower-left, upper-right or two shares from 0 to "
+        "1 such as 0.7,0.05, not \"" +
+        text + "\"");
+  sheet.legend_at = {Val(shares[0]), Val(shares[1])};
+}
+
 int Render(const CommonOptions& common, RenderOptions given) {
   PictureSize size;
   ParseSize(given.size, size);
   size.dpi = given.dpi;
   if (!given.window.empty()) given.output.window = ParseWindow(given.window);
   WantedLayers(given);
+  ParseLegendPlace(given.legend_at, given.output);
   Session session(MakeBatchOptions(common));
   session.OpenProject(given.path);
   Ormel& ormel = session.ormel();
@@ -122,18 +137,14 @@ int Render(const CommonOptions& common, RenderOptions given) {
   if (!reason.empty())
     throw UserError("there are no valid results to draw: " + reason + "; run: ormelcmd solve \"" +
                     given.path + "\", or draw without them by --no-results");
+  if (const std::string notice = OlderModelNotice(ormel); !notice.empty()) session.ui().Say(notice);
   SwitchLayers(ormel, given, !given.no_results);
+  if (ormel.layers.On(
+          Layer::kResultsOverlay))  // without the window's dialog: what each line-sink takes or gives
+    session.view().state().overlay = {
+        "Strength", ormel.db().Scalar("select max(abs(Discharge)) from LSResults").AsDouble()};
 
-  // No window is shown: drawing needs no display unless the user asks for a platform.
-  if (std::getenv("QT_QPA_PLATFORM") == nullptr) setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  // What the toolkit has to say about the desktop concerns nobody here.
-  qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
-    if (type == QtCriticalMsg || type == QtFatalMsg) std::cerr << "ormelcmd: " << text.toStdString() << '\n';
-  });
-  char name[] = "ormelcmd";
-  char* arguments[] = {name, nullptr};
-  int count = 1;
-  const QGuiApplication application(count, arguments);
+  const Toolkit toolkit;
   bool drawn = false;
   const std::string failure = WritePicture(FullPath(ormel, given.picture), size, [&](DrawingDevice& device) {
     drawn = DrawMapOutput(ormel, session.view().state(), device, given.output);
@@ -144,6 +155,10 @@ int Render(const CommonOptions& common, RenderOptions given) {
 }
 
 }  // namespace
+
+void ShowUsualLayers(Ormel& ormel, bool solved) {
+  SwitchLayers(ormel, RenderOptions{}, solved);
+}
 
 void AddRenderCommand(CLI::App& app, Program& program) {
   auto given = std::make_shared<RenderOptions>();
@@ -163,6 +178,10 @@ void AddRenderCommand(CLI::App& app, Program& program) {
                       "Elevation between the marks on pathlines, 0 for none");
   command->add_option("--title", given->output.title, "Title above the map");
   command->add_flag("--legend", given->output.legend, "Legend of the layers shown");
+  command->add_option(
+      "--legend-at", given->legend_at,
+      "Corner of the legend: lower-right, upper-left, lower-left or upper-right; or X,Y, its upper "
+      "left corner as shares of the map; otherwise where it hides least of zones and wells");
   command->add_flag("--scale-bar", given->output.scale_bar, "Scale bar in map units");
   command->add_flag("--north-arrow", given->output.north_arrow, "North arrow");
   command->add_flag("--no-results", given->no_results, "Draw the elements only; the model may be unsolved");

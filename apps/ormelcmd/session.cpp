@@ -3,11 +3,13 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <array>
 #include <iostream>
 #include <optional>
 
 #include "core/command.h"
 #include "core/project.h"
+#include "publish/qt_publisher.h"
 #include "shell/lifecycle.h"
 #include "shell/open_steps.h"
 #include "solver/solver_bridge.h"
@@ -23,10 +25,17 @@ namespace {
 /// Whom an interrupt concerns; set only while a session lives.
 BatchInterface* g_interrupted = nullptr;
 
-/// The first interrupt ends the outside program cleanly, the second one ends this program.
+/// Ctrl+C, a closed terminal, a logout.
+constexpr std::array kEndings{SIGINT, SIGTERM, SIGHUP};
+
+void HandleEndings(void (*handler)(int)) {
+  for (const int number : kEndings) signal(number, handler);
+}
+
+/// The first one ends the outside program cleanly, the second one ends this program.
 void OnInterrupt(int) {
   if (g_interrupted != nullptr) g_interrupted->RequestCancel();
-  signal(SIGINT, SIG_DFL);
+  HandleEndings(SIG_DFL);
 }
 
 }  // namespace
@@ -51,19 +60,24 @@ BatchOptions MakeBatchOptions(const CommonOptions& common) {
   // Boxes with a choice that changes nothing.
   options.answers.push_back({"No head-specified conditions exist", "OK", true});
   options.answers.push_back({"Small Window", "OK", true});
+  // A wider window is for the caller to choose; the text says that there is a reason to.
+  options.answers.push_back({"Pathlines Cut", "No", true});
   return options;
 }
 
 Session::Session(BatchOptions options) : ui_(std::move(options), std::cerr, "ormelcmd") {
   view_ = std::make_unique<MapViewImpl>(ormel_, nullptr);
   solver_ = std::make_unique<SolverBridge>(ormel_, [](Ormel& ormel) { ormel::ModelRunWHPAs(ormel); });
-  ormel_.ports = {&ui_, view_.get(), solver_.get(), &processes_, &settings_, &clock_};
+  publisher_ = std::make_unique<QtPublisher>(ormel_, *view_);
+  ormel_.ports = {&ui_,       view_.get(), solver_.get(), &processes_,
+                  &settings_, &clock_,     nullptr,       publisher_.get()};
   g_interrupted = &ui_;
-  signal(SIGINT, OnInterrupt);
+  HandleEndings(OnInterrupt);
+  signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is a failed write, which is told
 }
 
 Session::~Session() {
-  signal(SIGINT, SIG_DFL);
+  HandleEndings(SIG_DFL);
   g_interrupted = nullptr;
   try {
     DetachProject(ormel_);

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "core/ormel.h"
+#include "core/publisher.h"
 #include "platform/file_settings.h"
 #include "platform/posix_processes.h"
 #include "platform/system_clock.h"
@@ -62,6 +63,7 @@ class Session {
   SystemClock clock_;
   std::unique_ptr<MapViewImpl> view_;
   std::unique_ptr<ormel::Solver> solver_;
+  std::unique_ptr<Publisher> publisher_;
   Ormel ormel_;
 };
 

@@ -5,11 +5,12 @@
 
 #include "core/command.h"
 #include "core/solver_port.h"
+#include "core/status.h"
 #include "ormelcmd/options.h"
 #include "shell/open_steps.h"
-#include "shell/solve_stamp.h"
-#include "solver/deck_writer.h"
+#include "solver/deck_export.h"
 #include "solver/extents.h"
+#include "solver/solve_stamp.h"
 #include "store/database.h"
 #include "text/files.h"
 
@@ -29,6 +30,7 @@ void Report(Session& session) {
                      " wells, " + count("LSResults") + " linesinks and " + count("TPResults") +
                      " test points";
   session.ui().Say(text);
+  if (const std::string notice = OlderModelNotice(session.ormel()); !notice.empty()) session.ui().Say(notice);
 }
 
 int Solve(const CommonOptions& common, const SolveOptions& given) {
@@ -55,7 +57,6 @@ int Solve(const CommonOptions& common, const SolveOptions& given) {
     session.ui().Say(given.path + " was not solved");
     return kExitSolver;
   }
-  WriteSolveStamp(ormel);
   if (!common.quiet) Report(session);
   return session.Finish();
 }

@@ -9,6 +9,7 @@
 
 #include "core/map_view.h"
 #include "model/digitize.h"
+#include "model/model_values.h"
 #include "solver/outside_programs.h"
 #include "store/bulk.h"
 #include "store/database.h"
@@ -134,11 +135,12 @@ bool WaitsForBoundary(const Ormel& ormel) {
 
 /// One line a row: well, and its circle or the file of its pathlines.
 void PrintRows(Ormel& ormel, const Kind& kind) {
+  const std::string traced = NumberText(ReadModel(ormel).TRACEMaxTime);
   for (const WhpaRow& row : ReadWhpaRows(ormel, kind.rows)) {
     std::cout << row.Well << ": ";
     if (row.Type != WhpaType::kArbitrary) std::cout << "T = " << NumberText(row.T) << ", ";
     if (row.Type == WhpaType::kMultiple || row.T > 1)
-      std::cout << "pathlines in " << WhpaStem(ormel) << ".PTH\n";
+      std::cout << "pathlines in " << WhpaStem(ormel) << ".PTH, traced for " << traced << " days\n";
     else
       std::cout << "circle of radius " << NumberText(row.Radius) << " map units\n";
   }

@@ -4,11 +4,14 @@
 #include <memory>
 
 #include "core/command.h"
+#include "core/status.h"
+#include "core/table.h"
 #include "ormelcmd/table.h"
 #include "ormelcmd/whpa.h"
-#include "shell/solve_stamp.h"
+#include "solver/solve_stamp.h"
 #include "store/database.h"
 #include "text/strings.h"
+#include "tools/zone_table.h"
 #include "whpa/outline_command.h"
 
 namespace ormel {
@@ -43,6 +46,7 @@ int Outline(const CommonOptions& common, const OutlineOptions& given) {
   if (const std::string reason = RestoreSolve(ormel); !reason.empty())
     throw UserError("capture zones need a solved model: " + reason + "; run: ormelcmd solve \"" + given.path +
                     "\"");
+  if (const std::string notice = OlderModelNotice(ormel); !notice.empty()) session.ui().Say(notice);
   OutlineRequest request;
   request.wells = Chosen(CaptureWells(ormel), given.wells, "pumping well");
   request.years = given.years;
@@ -60,14 +64,28 @@ int Outline(const CommonOptions& common, const OutlineOptions& given) {
   return session.Finish();
 }
 
+/// As the window shows it, headings in one line.
+TextTable TextOf(const Table& table) {
+  TextTable text;
+  for (const TableColumn& column : table.columns()) {
+    std::string caption = column.caption;
+    std::replace(caption.begin(), caption.end(), '\n', ' ');
+    text.columns.push_back({caption, column.number});
+  }
+  for (std::size_t row = 0; row < table.Rows(); ++row) {
+    std::vector<std::string> cells;
+    for (std::size_t column = 0; column < table.columns().size(); ++column)
+      cells.push_back(table.Text(row, column));
+    text.rows.push_back(std::move(cells));
+  }
+  return text;
+}
+
 int List(const std::string& path) {
   Database db = Database::Open(path, OpenMode::kReadOnly);
-  PrintAligned(std::cout,
-               ReadTable(db,
-                         "select Capzones.Label, count(*) as Points, min(X) as Left, max(X) as Right, "
-                         "min(Y) as Bottom, max(Y) as Top from Capzones inner join Vertices on "
-                         "Capzones.PID=Vertices.PID group by Capzones.PID order by Capzones.Label",
-                         8));
+  const std::shared_ptr<Table> zones =
+      ReadZoneTable(db, db.Scalar("select BasemapMeters from Model").AsBool());
+  PrintAligned(std::cout, TextOf(*zones));
   const TextTable areas = ReadTable(db, "select Well,Type,Radius,TimeOfTravel,T from WHPAs order by Well", 8);
   if (!areas.rows.empty()) {
     std::cout << '\n';
@@ -87,9 +105,7 @@ void DefineOutline(CLI::App& whpa, Program& program) {
   trace->add_option("--years", outline->years, "Times of travel")
       ->check(CLI::Range(0.001, 100000.0))
       ->capture_default_str();
-  trace
-      ->add_option("--tolerance", outline->tolerance,
-                   "Largest error of the line, in parts of a zone's diagonal")
+  trace->add_option("--tolerance", outline->tolerance, "Largest error of the line, in parts of a zone's size")
       ->check(CLI::Range(1e-5, 0.1))
       ->capture_default_str();
   trace->footer("Each zone becomes a polygon \"<well> <n> years\"; one of that label is replaced.");

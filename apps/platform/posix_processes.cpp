@@ -3,7 +3,9 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,7 +22,7 @@ namespace {
 
 using Time = std::chrono::steady_clock;
 
-constexpr int kPollMilliseconds = 50;
+constexpr int kPollMilliseconds = 20;
 /// A line without an end is handed on in pieces of this size, so that no program can fill our memory.
 constexpr std::size_t kLongestLine = 64U * 1024U;
 
@@ -43,6 +45,19 @@ class Descriptor {
 
  private:
   int fd_;
+};
+
+/// A locked file; its name goes while it is still held, so that nobody waits for one that is gone.
+class HeldLock {
+ public:
+  HeldLock(Descriptor file, std::string path) : file_(std::move(file)), path_(std::move(path)) {}
+  HeldLock(const HeldLock&) = delete;
+  HeldLock& operator=(const HeldLock&) = delete;
+  ~HeldLock() { unlink(path_.c_str()); }
+
+ private:
+  Descriptor file_;
+  std::string path_;
 };
 
 struct Pipe {
@@ -120,7 +135,7 @@ class Child {
 [[noreturn]] void BecomeProgram(const ProcessRequest& request, char* const* arguments, int null_device,
                                 int output, int failure, pid_t parent) {
   setpgid(0, 0);
-  prctl(PR_SET_PDEATHSIG, SIGTERM);
+  prctl(PR_SET_PDEATHSIG, SIGKILL);  // one that does not listen would write into the folder of a later run
   bool ready = getppid() == parent;
   ready = ready && (request.folder.empty() || chdir(request.folder.c_str()) == 0);
   ready = ready && dup2(null_device, STDIN_FILENO) >= 0 && dup2(output, STDOUT_FILENO) >= 0;
@@ -226,6 +241,20 @@ PosixProcesses::PosixProcesses(std::string program_folder) : program_folder_(std
 std::string PosixProcesses::Environment(const std::string& name) const {
   const char* value = std::getenv(name.c_str());
   return value == nullptr ? std::string() : std::string(value);
+}
+
+std::shared_ptr<void> PosixProcesses::Lock(const std::string& path) {
+  for (;;) {
+    Descriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666));
+    if (!file.open()) return Processes::Lock(path);
+    if (flock(file.get(), LOCK_EX | LOCK_NB) != 0) return nullptr;
+    struct stat held {};
+    struct stat named {};
+    const bool same = fstat(file.get(), &held) == 0 && stat(path.c_str(), &named) == 0 &&
+                      held.st_ino == named.st_ino && held.st_dev == named.st_dev;
+    if (!same) continue;  // the last holder has just removed the file
+    return std::make_shared<HeldLock>(std::move(file), path);
+  }
 }
 
 ProcessResult PosixProcesses::Run(const ProcessRequest& request,

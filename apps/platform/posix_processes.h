@@ -19,12 +19,14 @@ class PosixProcesses : public Processes {
 
   ProcessResult Run(const ProcessRequest& request, const std::function<void(const std::string&)>& line,
                     const std::function<bool()>& cancelled) override;
+  std::shared_ptr<void> Lock(const std::string& path) override;
   std::string ProgramFolder() const override { return program_folder_; }
   std::string Environment(const std::string& name) const override;
   std::string CurrentDirectory() const override { return current_directory_; }
 
-  /// Time between the interrupt and the kill.
-  std::chrono::milliseconds grace{3000};
+  /// Time between the interrupt and the kill.  Short, because a cancel is to be over in 0.2 s: what a killed
+  /// program leaves is undone by the run that started it.
+  std::chrono::milliseconds grace{120};
 
  private:
   std::string program_folder_, current_directory_;

@@ -107,6 +107,16 @@ std::vector<QPolygonF> ClipPolyline(std::span<const DevicePoint> points, const Q
   return runs;
 }
 
+std::vector<QPolygonF> ClipFineLine(std::span<const FinePoint> points, const QRectF& bounds) {
+  std::vector<QPolygonF> runs;
+  const auto at = [&](std::size_t i) { return QPointF(points[i].x, points[i].y); };
+  for (std::size_t i = 1; i < points.size(); ++i)
+    if (at(i) != at(i - 1)) AddSegment(runs, at(i - 1), at(i), bounds);
+  if (runs.empty() && !points.empty() && at(0) == at(points.size() - 1) && Contains(bounds, at(0)))
+    runs.push_back(QPolygonF({at(0)}));
+  return runs;
+}
+
 QPolygonF ClipPolygon(std::span<const DevicePoint> points, const QRectF& bounds) {
   QPolygonF polygon;
   polygon.reserve(static_cast<qsizetype>(points.size()));

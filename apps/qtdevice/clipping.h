@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/types.h"
+#include "view/drawing_device.h"
 
 namespace ormel {
 
@@ -18,6 +19,9 @@ namespace ormel {
 /// that lie within a pixel of the one before; its end stays.  A line that is one point stays a run of one
 /// point.
 std::vector<QPolygonF> ClipPolyline(std::span<const DevicePoint> points, const QRectF& bounds);
+
+/// The same for places between pixels; every point of the line stays.
+std::vector<QPolygonF> ClipFineLine(std::span<const FinePoint> points, const QRectF& bounds);
 
 /// The polygon cut to `bounds` (Sutherland and Hodgman 1974).  New edges run along the bounds, which are to
 /// lie far enough outside the surface for the outline not to show there.

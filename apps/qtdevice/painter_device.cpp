@@ -2,6 +2,7 @@
 
 #include <QFontMetricsF>
 #include <QImage>
+#include <QPainterPath>
 #include <QPolygonF>
 #include <QString>
 #include <algorithm>
@@ -162,6 +163,25 @@ void QPainterDevice::Stroke(const QPolygonF& line, const Pen& pen) {
     painter_.drawPolyline(line);
 }
 
+void QPainterDevice::FineLine(std::span<const FinePoint> points, const Pen& pen) {
+  if (pen.style == PenStyle::kNone) return;
+  for (QPolygonF& run : ClipFineLine(points, bounds_)) {
+    run.translate(ShiftOf(pen));
+    Stroke(run, pen);
+  }
+}
+
+void QPainterDevice::Area(std::span<const FinePoint> points, Color fill, double opacity) {
+  QPolygonF polygon;
+  polygon.reserve(static_cast<qsizetype>(points.size()));
+  for (const FinePoint& point : points) polygon.append(QPointF(point.x + 0.5, point.y + 0.5));
+  QColor paint = ToQColor(fill);
+  paint.setAlphaF(static_cast<float>(std::clamp(opacity, 0.0, 1.0)));
+  painter_.setPen(Qt::NoPen);
+  painter_.setBrush(paint);
+  painter_.drawPolygon(polygon);
+}
+
 void QPainterDevice::Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) {
   QPolygonF polygon = ClipPolygon(points, bounds_);
   if (polygon.size() < 2) return;
@@ -215,11 +235,28 @@ void QPainterDevice::Text(DevicePoint at, std::string_view text, const TextStyle
   if (style.align == TextAlign::kCentre) left = -TextWidth(text, style) / 2.0;
   if (style.align == TextAlign::kRight) left = -TextWidth(text, style);
   painter_.save();
-  painter_.setPen(ToQColor(style.color));
   painter_.translate(at.x, at.y);
   painter_.rotate(-style.angle);
+  if (style.halo) DrawHalo({left, 0.0}, ToQString(text));
+  painter_.setPen(ToQColor(style.color));
   painter_.drawText(QPointF(left, 0.0), ToQString(text));
   painter_.restore();
+}
+
+void QPainterDevice::DrawHalo(QPointF at, const QString& text) {
+  const double rim = 1.5 * std::max(1.0, dpi_x_ / kReferenceDpi);
+  if (raster_ == nullptr) {  // a file: one outline, which stays one object
+    QPainterPath letters;
+    letters.addText(at, painter_.font(), text);
+    return painter_.strokePath(letters,
+                               QPen(Qt::white, 2.0 * rim, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  }
+  painter_.setPen(Qt::white);  // letters from the painter's store are quicker than their outlines
+  constexpr double kDiagonal = 0.7071;
+  for (const QPointF side : {QPointF(1, 0), QPointF(-1, 0), QPointF(0, 1), QPointF(0, -1)}) {
+    painter_.drawText(at + side * rim, text);
+    painter_.drawText(at + QPointF(side.x() - side.y(), side.x() + side.y()) * (kDiagonal * rim), text);
+  }
 }
 
 int QPainterDevice::TextWidth(std::string_view text, const TextStyle& style) const {
@@ -236,6 +273,29 @@ void QPainterDevice::Cover(const DeviceRect& rect, Color color, double opacity) 
 void QPainterDevice::SetClip(const DeviceRect& rect) {
   painter_.setClipRect(RectOf(rect));
   if (raster_) raster_->SetClip(RectOf(rect).toRect());
+}
+
+namespace {
+
+struct KeptImage final : KeptPicture {
+  explicit KeptImage(QImage pixels) : image(std::move(pixels)) {}
+  QImage image;
+};
+
+}  // namespace
+
+std::shared_ptr<const KeptPicture> QPainterDevice::Keep() {
+  if (raster_ == nullptr) return nullptr;  // only an image can be read back
+  return std::make_shared<KeptImage>(static_cast<QImage*>(painter_.device())->copy());
+}
+
+bool QPainterDevice::Put(const KeptPicture& picture) {
+  const auto* kept = dynamic_cast<const KeptImage*>(&picture);
+  if (kept == nullptr || raster_ == nullptr || kept->image.size() != size_) return false;
+  painter_.setCompositionMode(QPainter::CompositionMode_Source);
+  painter_.drawImage(QPointF(0, 0), kept->image);
+  painter_.setCompositionMode(QPainter::CompositionMode_SourceOver);
+  return true;
 }
 
 void QPainterDevice::ClearClip() {

@@ -33,6 +33,8 @@ class QPainterDevice final : public DrawingDevice {
 
   void Clear(Color background) override;
   void Polyline(std::span<const DevicePoint> points, const Pen& pen) override;
+  void FineLine(std::span<const FinePoint> points, const Pen& pen) override;
+  void Area(std::span<const FinePoint> points, Color fill, double opacity) override;
   void Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) override;
   void Circle(DevicePoint centre, int radius, const Pen& pen, std::optional<Color> fill) override;
   void Text(DevicePoint at, std::string_view text, const TextStyle& style) override;
@@ -40,6 +42,8 @@ class QPainterDevice final : public DrawingDevice {
   void Cover(const DeviceRect& rect, Color color, double opacity) override;
   void SetClip(const DeviceRect& rect) override;
   void ClearClip() override;
+  std::shared_ptr<const KeptPicture> Keep() override;
+  bool Put(const KeptPicture& picture) override;
 
  private:
   double PenWidth(const Pen& pen) const;
@@ -50,6 +54,8 @@ class QPainterDevice final : public DrawingDevice {
   void UsePen(const Pen& pen);
   void Stroke(const QPolygonF& line, const Pen& pen);
 
+  /// The paper that shows between a label and the lines beneath it.
+  void DrawHalo(QPointF at, const QString& text);
   const QFont& FontOf(const TextStyle& style) const;
 
   QPainter& painter_;

@@ -17,6 +17,8 @@ namespace ormel {
 namespace {
 
 using Draw = std::function<void(DrawingDevice&)>;
+/// Paints with `fine` pixels of the surface for each asked for.
+using Paint = std::function<void(QPainter&, int fine)>;
 
 constexpr int kLargestSide = 32767;  ///< pixels
 constexpr int kVectorDpi = 600;
@@ -33,38 +35,38 @@ void DrawOn(QPainter& painter, const PictureSize& size, int fine, const Draw& dr
   draw(device);
 }
 
-QString WritePng(QIODevice& out, const PictureSize& size, const Draw& draw) {
+QString WritePng(QIODevice& out, const PictureSize& size, const char*, const Paint& paint) {
   QImage image(size.width, size.height, QImage::Format_RGB32);
   if (image.isNull()) return QStringLiteral("there is not enough memory for a picture of this size");
   image.setDotsPerMeterX(qRound(size.dpi / 0.0254));
   image.setDotsPerMeterY(qRound(size.dpi / 0.0254));
   image.fill(Qt::white);
   QPainter painter(&image);
-  DrawOn(painter, size, 1, draw);
+  paint(painter, 1);
   painter.end();
   return image.save(&out, "PNG") ? QString() : QStringLiteral("the picture could not be written");
 }
 
-QString WriteSvg(QIODevice& out, const PictureSize& size, const Draw& draw) {
+QString WriteSvg(QIODevice& out, const PictureSize& size, const char* title, const Paint& paint) {
   QSvgGenerator generator;
   generator.setOutputDevice(&out);
   generator.setSize(QSize(size.width, size.height));
   generator.setViewBox(QRect(0, 0, size.width, size.height));
   generator.setResolution(size.dpi);
-  generator.setTitle(QStringLiteral("Ormel map"));
+  generator.setTitle(QString::fromUtf8(title));
   const int fine = Fineness(size.dpi);
   QPainter painter;
   if (!painter.begin(&generator)) return QStringLiteral("the picture could not be written");
   painter.scale(1.0 / fine, 1.0 / fine);
-  DrawOn(painter, size, fine, draw);
+  paint(painter, fine);
   painter.end();
   return {};
 }
 
-QString WritePdf(QIODevice& out, const PictureSize& size, const Draw& draw) {
+QString WritePdf(QIODevice& out, const PictureSize& size, const char* title, const Paint& paint) {
   QPdfWriter writer(&out);
   writer.setCreator(QStringLiteral("Ormel"));
-  writer.setTitle(QStringLiteral("Ormel map"));
+  writer.setTitle(QString::fromUtf8(title));
   const int fine = Fineness(size.dpi);
   writer.setResolution(size.dpi * fine);
   const QSizeF points(size.width * 72.0 / size.dpi, size.height * 72.0 / size.dpi);
@@ -72,40 +74,40 @@ QString WritePdf(QIODevice& out, const PictureSize& size, const Draw& draw) {
   writer.setPageMargins(QMarginsF(0, 0, 0, 0));
   QPainter painter;
   if (!painter.begin(&writer)) return QStringLiteral("the picture could not be written");
-  DrawOn(painter, size, fine, draw);
+  paint(painter, fine);
   painter.end();
   return {};
 }
 
 struct Format {
   const char* extension;
-  QString (*write)(QIODevice&, const PictureSize&, const Draw&);
+  QString (*write)(QIODevice&, const PictureSize&, const char* title, const Paint&);
 };
 constexpr std::array kFormats = {Format{"png", WritePng}, Format{"svg", WriteSvg}, Format{"pdf", WritePdf}};
 
-std::string Failure(const QString& path, const QString& why, const char* remedy) {
-  return QStringLiteral("The picture \"%1\" was not written: %2.\n%3")
-      .arg(path, why, QString::fromUtf8(remedy))
+std::string Failure(const QString& path, const QString& why, const char* remedy,
+                    const char* what = "picture") {
+  return QStringLiteral("The %1 \"%2\" was not written: %3.\n%4")
+      .arg(QString::fromUtf8(what), path, why, QString::fromUtf8(remedy))
       .toStdString();
 }
 
 /// All of the bytes under the name, or the old file as it was.  The count is looked at because a disk that
 /// fills up takes a first part without an error.
-std::string SaveWhole(const QString& name, const QByteArray& bytes) {
+std::string SaveWhole(const QString& name, const QByteArray& bytes, const char* what) {
   QSaveFile file(name);
   if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-    return Failure(name, file.errorString(), "Choose a folder that exists and that you may write to.");
+    return Failure(name, file.errorString(), "Choose a folder that exists and that you may write to.", what);
   const bool whole = file.write(bytes) == bytes.size();
   if (!whole) file.cancelWriting();
   if (file.commit() && whole) return {};
   const QString why = file.error() == QFileDevice::NoError ? QStringLiteral("the disk took only a part of it")
                                                            : file.errorString();
-  return Failure(name, why, "Make room on the disk or choose another folder.");
+  return Failure(name, why, "Make room on the disk or choose another folder.", what);
 }
 
-}  // namespace
-
-std::string WritePicture(const std::string& path, const PictureSize& size, const Draw& draw) {
+std::string WritePainted(const std::string& path, const PictureSize& size, const char* title,
+                         const Paint& paint) {
   const QString name = QString::fromStdString(path);
   const QString extension = QFileInfo(name).suffix().toLower();
   const auto format = std::find_if(kFormats.begin(), kFormats.end(), [&](const Format& f) {
@@ -121,9 +123,28 @@ std::string WritePicture(const std::string& path, const PictureSize& size, const
 
   QBuffer picture;
   picture.open(QIODevice::WriteOnly);
-  const QString failure = format->write(picture, size, draw);
+  const QString failure = format->write(picture, size, title, paint);
   if (!failure.isEmpty()) return Failure(name, failure, "Choose a smaller size.");
-  return SaveWhole(name, picture.data());
+  return SaveWhole(name, picture.data(), "picture");
+}
+
+}  // namespace
+
+std::string WritePicture(const std::string& path, const PictureSize& size, const Draw& draw) {
+  return WritePainted(path, size, "Ormel map",
+                      [&](QPainter& painter, int fine) { DrawOn(painter, size, fine, draw); });
+}
+
+std::string WritePainting(const std::string& path, const PictureSize& size, const char* title,
+                          const std::function<void(QPainter&)>& paint) {
+  return WritePainted(path, size, title, [&](QPainter& painter, int fine) {
+    painter.scale(fine, fine);
+    paint(painter);
+  });
+}
+
+std::string SaveDocument(const std::string& path, const QByteArray& bytes) {
+  return SaveWhole(QString::fromStdString(path), bytes, "document");
 }
 
 const char* PictureFilter() {

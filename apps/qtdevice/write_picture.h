@@ -6,6 +6,9 @@
 
 #include "core/types.h"
 
+class QByteArray;
+class QPainter;
+
 namespace ormel {
 
 class DrawingDevice;
@@ -24,6 +27,14 @@ struct PictureSize {
 /// failed with which file, and what to do.
 std::string WritePicture(const std::string& path, const PictureSize& size,
                          const std::function<void(DrawingDevice&)>& draw);
+
+/// The same for what a painter draws in `size.width` by `size.height` pixels, already scaled to the file's
+/// own.
+std::string WritePainting(const std::string& path, const PictureSize& size, const char* title,
+                          const std::function<void(QPainter&)>& paint);
+
+/// All of the bytes under the name, or the old file as it was.  Gives an empty text, or what failed.
+std::string SaveDocument(const std::string& path, const QByteArray& bytes);
 
 /// "Picture Files (*.png)|*.png|..." as a file dialog takes it.
 const char* PictureFilter();

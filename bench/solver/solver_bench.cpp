@@ -5,11 +5,14 @@
 #include <string>
 
 #include "solver/contour_file.h"
-#include "solver/deck_writer.h"
+#include "solver/deck_labels.h"
+#include "solver/element_deck.h"
 #include "solver/extents.h"
 #include "solver/grid_file.h"
 #include "solver/path_file.h"
 #include "solver/result_loader.h"
+#include "solver/result_rows.h"
+#include "solver/text_sink.h"
 #include "support/test_project.h"
 #include "text/files.h"
 #include "text/masks.h"
@@ -41,7 +44,10 @@ struct LargeProject : TestProject {
   }
   void WriteDeck() {
     TextFileWriter deck(dir / "deck.DAT");
-    ToolsWriteVadoxElements(ormel, deck, true, false);
+    FileSink sink(deck);
+    const SolverInput input = ReadSolverInput(ormel);
+    ToolsWriteVadoxElements(input, sink, false);
+    SeedResultRows(ormel.db(), input);
     deck.Commit();
   }
   void WriteExtraction(int count) {

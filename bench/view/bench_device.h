@@ -13,6 +13,8 @@ class BenchDevice final : public DrawingDevice {
   int DpiY() const override { return 96; }
   void Clear(Color) override { calls = points = 0; }
   void Polyline(std::span<const DevicePoint> p, const Pen&) override { Count(p.size()); }
+  void FineLine(std::span<const FinePoint> p, const Pen&) override { Count(p.size()); }
+  void Area(std::span<const FinePoint> p, Color, double) override { Count(p.size()); }
   void Polygon(std::span<const DevicePoint> p, const Pen&, Color) override { Count(p.size()); }
   void Circle(DevicePoint, int, const Pen&, std::optional<Color>) override { Count(1); }
   void Text(DevicePoint, std::string_view, const TextStyle&) override { Count(1); }

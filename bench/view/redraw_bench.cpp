@@ -3,10 +3,12 @@
 // bench_qtdevice measures the same with it.
 #include <benchmark/benchmark.h>
 
+#include "solver/result_files.h"
+
 #include "bench_device.h"
+#include "solver/result_files.h"
 #include "town.h"
 #include "view/mouse.h"
-#include "view/result_files.h"
 
 namespace ormel {
 namespace {
@@ -21,11 +23,12 @@ BenchTown& TheTown() {
 /// The picture alone, as a command that redraws in place sees it.
 void RedrawTown(benchmark::State& state) {
   BenchTown& town = TheTown();
-  const long reads = town.map.state().files.reads();
+  const long reads = ormel::ResultFilesOf(town.ormel).reads();
   for (auto _ : state) town.map.Redraw();
   state.counters["calls"] = static_cast<double>(town.surface.device.calls);
   state.counters["points"] = static_cast<double>(town.surface.device.points);
-  if (town.map.state().files.reads() != reads) state.SkipWithError("a redraw read a result file again");
+  if (ormel::ResultFilesOf(town.ormel).reads() != reads)
+    state.SkipWithError("a redraw read a result file again");
 }
 BENCHMARK(RedrawTown)->Unit(benchmark::kMillisecond);
 

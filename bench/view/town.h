@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <string>
 
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "core/project.h"
 #include "quiet_interface.h"
@@ -51,10 +52,10 @@ struct Town {
     ormel.solution.TimeTicSpacing = 365.0;
     ormel.window.SolveWindow = {0.0, kSide, kSide, 0.0};
     map.SetUpLayers();
-    for (const LayerItem item : {kLayerElements, kLayerContours, kLayerPathlines})
-      ormel.menus.Check("layermenu", item, true);
-    ormel.menus.Check("TMARKS", kTimeMarksShow, true);
-    ormel.menus.Check("EDITORGRID", kGridShow, false);
+    for (const Layer layer : {Layer::kElements, Layer::kContours, Layer::kPathlines})
+      TurnOnLayer(ormel, layer);
+    ormel.layers.Switch(Layer::kTimeTics, true);
+    ormel.layers.Switch(Layer::kEditorGrid, false);
     map.ZoomActions(Zoom::kRedraw);
   }
   ~Town() { DetachProject(ormel); }

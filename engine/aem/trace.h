@@ -21,6 +21,7 @@
 
 #include <atomic>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -47,11 +48,22 @@ inline constexpr int kPathEnds = 9;
 /// "time", "well", ... in the order of PathEnd.
 const char* PathEndName(PathEnd end);
 
+/// The flow in plan at a place of a path.
+struct PathFlow {
+  Complex velocity{};         ///< of the water, whichever way the path goes [L/d]
+  double storage = 0.0;       ///< porosity times saturated thickness [L]
+  double net_recharge = 0.0;  ///< deck's sign, negative for infiltration [L/d]
+};
+
 struct PathPoint {
   Complex at;
   double elevation = 0.0;
   double time = 0.0;  ///< since the start, never negative, backward too [d]
   double head = kNotSet;
+  PathFlow flow{};                   ///< there
+  std::optional<PathFlow> behind{};  ///< where a line is passed: beyond it, in the direction of the path
+  /// At a line-sink that is passed: the flow behind it over the flow before it.
+  double passing = 1.0;
 };
 
 struct PathStart {

@@ -30,6 +30,7 @@ void PathTracer::CrossLine(const Crossing& crossing, const Motion& motion) {
   }
   place_.at += kNudge * options_.step * normal;
   motion_ = mover_.At(place_);
+  TellBehind();
   if (!motion_.ok) EndWithoutField(motion_.state.status);
 }
 
@@ -42,6 +43,7 @@ void PathTracer::CrossRim(const TraceWell& disk) {
   const bool outward = Dot(off, motion_.v) > 0.0;
   if (distance > 0.0) place_.at = disk.at + off / distance * (disk.radius + (outward ? nudge : -nudge));
   motion_ = mover_.At(place_);
+  TellBehind();
   if (!motion_.ok) EndWithoutField(motion_.state.status);
 }
 
@@ -61,6 +63,7 @@ bool PathTracer::TakenBy(const Crossing& crossing, const Motion& near_side, Comp
     return true;
   }
   place_.s *= near / far;
+  path_.points.back().passing = far / near;
   return false;
 }
 

@@ -164,8 +164,18 @@ void PathTracer::Arrive(const Event& event, const Motion& motion, double way) {
   }
 }
 
+PathFlow PathTracer::FlowOf(const PointState& state) {
+  const double storage = state.thickness * state.porosity;
+  return {storage > 0.0 ? state.discharge / storage : Complex{}, storage, state.net_recharge};
+}
+
 void PathTracer::AddPoint(const PointState& state) {
-  path_.points.push_back({place_.at, state.base + place_.s * state.thickness, place_.time, state.head});
+  path_.points.push_back({.at = place_.at,
+                          .elevation = state.base + place_.s * state.thickness,
+                          .time = place_.time,
+                          .head = state.head,
+                          .flow = FlowOf(state),
+                          .behind = {}});
 }
 
 /// Water leaves through the top into a pond, or to the air; backward, it came from there.

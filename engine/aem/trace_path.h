@@ -89,7 +89,12 @@ class PathTracer {
   void Slide(const Segment& line, Complex normal);
 
   double Remaining() const { return options_.longest_time - place_.time; }
+  static PathFlow FlowOf(const PointState& state);
   void AddPoint(const PointState& state);
+  /// The line at the last point has been passed: what flows on this side.
+  void TellBehind() {
+    if (motion_.ok) path_.points.back().behind = FlowOf(motion_.state);
+  }
   void AddPointHere();
   void End(PathEnd end, std::string label = {}) {
     ended_ = true;

@@ -16,7 +16,7 @@ void PathTracer::Begin() {
   const bool wet = state.status == PointStatus::kOk && state.thickness > 0.0;
   if (wet) place_.s = std::clamp((start.elevation - state.base) / state.thickness, 0.0, 1.0);
   if (!wet) {
-    path_.points.push_back({start.at, start.elevation, 0.0, kNotSet});
+    path_.points.push_back({.at = start.at, .elevation = start.elevation, .flow = {}, .behind = {}});
     EndWithoutField(state.status == PointStatus::kIgnored ? PointStatus::kIgnored : PointStatus::kDry);
   } else {
     AddPoint(state);

@@ -92,8 +92,21 @@ struct TraceCommand {
   std::vector<BoundaryLine> boundaries;
 };
 
+/// A well whose capture zones are asked for.
+struct ZoneWell {
+  aem::Complex at;
+  int line = 0;
+};
+struct ZonesCommand {
+  std::string file;
+  std::vector<double> times;        ///< ascending, above 0 [d]
+  std::optional<double> tolerance;  ///< of an outline, in parts of the zone's size
+  std::vector<ZoneWell> wells;
+  std::vector<BoundaryLine> boundaries;
+};
+
 using Action = std::variant<LogCommand, LayoutCommand, TimeCommand, SolveCommand, SaveCommand, LoadCommand,
-                            ExtractCommand, GridCommand, TraceCommand>;
+                            ExtractCommand, GridCommand, TraceCommand, ZonesCommand>;
 struct Command {
   int line = 0;
   Action action;

@@ -32,6 +32,7 @@ class Extraction {
     if (!command.points.empty()) TestPoints(command.points);
     for (const Section section : command.sections) WriteSection(section);
     if (!command.flux_lines.empty()) FluxLines(command.flux_lines);
+    Comment("End of results");  // who reads the file knows by it that nothing was cut off
     return std::move(text_);
   }
 

@@ -22,6 +22,7 @@ constexpr LevelName kLevelNames[] = {
     {Level::kPartialWells, "ppwell"}, {Level::kTheisWells, "twell"},      {Level::kDisks, "sinkdisk"},
     {Level::kLineSinks, "linesink"},  {Level::kExtract, "extract"},       {Level::kFlux, "flux"},
     {Level::kGrid, "grid"},           {Level::kTrace, "trace"},           {Level::kPoints, "points"},
+    {Level::kZones, "zones"},
 };
 
 std::string_view NameOf(Level level) {
@@ -67,6 +68,7 @@ const std::vector<Parser::Rule>& Parser::Rules() {
       {Level::kMain, "extract", &Parser::ExtractBlock},
       {Level::kMain, "grid", &Parser::GridBlock},
       {Level::kMain, "trace", &Parser::TraceBlock},
+      {Level::kMain, "zones", &Parser::ZonesBlock},
       {Level::kAquifer, "base", &Parser::Base},
       {Level::kAquifer, "permeability", &Parser::Permeability},
       {Level::kAquifer, "thickness", &Parser::Thickness},
@@ -111,6 +113,12 @@ const std::vector<Parser::Rule>& Parser::Rules() {
       {Level::kTrace, "well", &Parser::TraceWell},
       {Level::kTrace, "boundary", &Parser::Boundary},
       {Level::kTrace, "go", &Parser::RunTrace},
+      {Level::kZones, "file", &Parser::ZonesFile},
+      {Level::kZones, "times", &Parser::ZoneTimes},
+      {Level::kZones, "tolerance", &Parser::ZoneTolerance},
+      {Level::kZones, "well", &Parser::AddZoneWell},
+      {Level::kZones, "boundary", &Parser::ZoneBoundary},
+      {Level::kZones, "go", &Parser::RunZones},
   };
   return rules;
 }
@@ -177,6 +185,7 @@ void Parser::ReadData() {
     case Level::kAquifer:
     case Level::kLayout:
     case Level::kGrid:
+    case Level::kZones:
       break;
   }
   throw UnusableLine{fmt::format("Numbers cannot stand here ({})", NameOf(level_))};
@@ -312,6 +321,7 @@ void Parser::Quit() {
     case Level::kPartialWells:
     case Level::kTheisWells:
     case Level::kDisks:
+    case Level::kZones:
       return Leave();
   }
 }
@@ -320,7 +330,8 @@ void Parser::Stop() {
   // Open command blocks are closed as if by "quit".  An open block of elements means that lines are missing.
   for (int closed = 0; closed < 3 && level_ != Level::kMain; ++closed) {
     const bool command = level_ == Level::kFlux || level_ == Level::kExtract || level_ == Level::kGrid ||
-                         level_ == Level::kPoints || level_ == Level::kTrace || level_ == Level::kLogs;
+                         level_ == Level::kPoints || level_ == Level::kTrace || level_ == Level::kZones ||
+                         level_ == Level::kLogs;
     if (!command) throw UnusableLine{fmt::format("\"stop\" stands inside the block \"{}\"", NameOf(level_))};
     Quit();
   }

@@ -26,6 +26,7 @@ enum class Level {
   kGrid,
   kTrace,
   kPoints,
+  kZones,
 };
 
 /// Thrown inside the parser; becomes the deck's fault.
@@ -66,7 +67,9 @@ class Parser {
   void Leave();
   template <class T>
   void Add(T action) {
-    deck_.commands.push_back({line_, std::move(action)});
+    Command& command = deck_.commands.emplace_back();
+    command.line = line_;
+    command.action.emplace<T>(std::move(action));
   }
 
   // log-setting level
@@ -97,6 +100,7 @@ class Parser {
   void ExtractBlock();
   void GridBlock();
   void TraceBlock();
+  void ZonesBlock();
   void Stop();
 
   // aquifer and layout
@@ -155,8 +159,15 @@ class Parser {
   void TracePoints() { Enter(Level::kPoints); }
   void TraceWell();
   void Boundary();
+  BoundaryLine ReadBoundary() const;
   void AddPoint();
   void RunTrace();
+  void ZonesFile() { zones_.file = FileName(".ZNS"); }
+  void ZoneTimes();
+  void ZoneTolerance();
+  void AddZoneWell() { zones_.wells.push_back({Point(1), line_}); }
+  void ZoneBoundary() { zones_.boundaries.push_back(ReadBoundary()); }
+  void RunZones();
   void Quit();
 
   Deck deck_;
@@ -182,6 +193,7 @@ class Parser {
   TraceCommand trace_;
   bool trace_pending_ = false;  ///< particles wait for "go"
   bool trace_timed_ = false;    ///< "time" has stood in the block
+  ZonesCommand zones_;
 };
 
 /// The owner of an element's label: "HB_000012" of "HB_000012_0003"; empty for other forms.

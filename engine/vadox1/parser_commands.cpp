@@ -180,10 +180,14 @@ void Parser::TraceWell() {
   trace_pending_ = true;
 }
 
-void Parser::Boundary() {
+BoundaryLine Parser::ReadBoundary() const {
   const BoundaryLine line{Point(1), Point(3)};
   if (line.from == line.to) throw UnusableLine{"The two points of the boundary are one and the same"};
-  trace_.boundaries.push_back(line);
+  return line;
+}
+
+void Parser::Boundary() {
+  trace_.boundaries.push_back(ReadBoundary());
 }
 
 void Parser::RunTrace() {
@@ -191,6 +195,37 @@ void Parser::RunTrace() {
   if (!trace_timed_) throw UnusableLine{"\"time\" must stand before the paths are traced"};
   Add(trace_);
   trace_pending_ = false;
+}
+
+// --- capture zones ---
+
+void Parser::ZonesBlock() {
+  zones_ = {};
+  Enter(Level::kZones);
+}
+
+void Parser::ZoneTimes() {
+  zones_.times.clear();
+  for (std::size_t item = 1; item < items_.size(); ++item) {
+    const double time = Number(item);
+    if (!(time > 0.0)) throw UnusableLine{"A time of travel must be greater than zero"};
+    zones_.times.push_back(time);
+  }
+  std::sort(zones_.times.begin(), zones_.times.end());
+  zones_.times.erase(std::unique(zones_.times.begin(), zones_.times.end()), zones_.times.end());
+}
+
+void Parser::ZoneTolerance() {
+  zones_.tolerance = Number(1);
+  if (!(*zones_.tolerance > 0.0 && *zones_.tolerance <= 0.1))
+    throw UnusableLine{"The tolerance must be above zero and not above 0.1"};
+}
+
+void Parser::RunZones() {
+  if (zones_.file.empty()) throw UnusableLine{"\"file\" must stand before the zones are outlined"};
+  if (zones_.times.empty()) throw UnusableLine{"\"times\" must stand before the zones are outlined"};
+  Add(zones_);
+  zones_.wells.clear();
 }
 
 }  // namespace vadox1

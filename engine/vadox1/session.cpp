@@ -29,6 +29,7 @@ struct WorkWeight {
   double operator()(const SolveCommand&) const { return 60.0; }
   double operator()(const GridCommand&) const { return 20.0; }
   double operator()(const TraceCommand&) const { return 20.0; }
+  double operator()(const ZonesCommand&) const { return 60.0; }
   double operator()(const ExtractCommand&) const { return 4.0; }
   double operator()(const SaveCommand&) const { return 1.0; }
   double operator()(const LoadCommand&) const { return 4.0; }
@@ -207,7 +208,8 @@ void Session::Do(const ExtractCommand& command) {
   if (command.file.empty())
     throw Fatal("\"extract\" names no file. Write \"file\" and a name into its block.");
   std::vector<aem::Finding> findings;
-  files::WriteWholeFile(command.file, ExtractionText(solution, command, findings));
+  const std::string origin = fmt::format("* Origin {:.15g} {:.15g}\r\n", deck_.origin.x, deck_.origin.y);
+  files::WriteWholeFile(command.file, origin + ExtractionText(solution, command, findings));
   for (const aem::Finding& finding : findings) logs_.Report(finding, true);
 }
 

@@ -4,8 +4,10 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "aem/solution.h"
+#include "aem/trace_field.h"
 #include "vadox1/deck.h"
 #include "vadox1/logs.h"
 
@@ -46,6 +48,7 @@ class Session {
   void Do(const ExtractCommand& command);
   void Do(const GridCommand& command);
   void Do(const TraceCommand& command);
+  void Do(const ZonesCommand& command);
 
   /// The solution, built from the deck's model when there is none yet.  Throws Fatal when the model is
   /// refused.
@@ -74,6 +77,9 @@ class Session {
   int last_percent_ = -1;
   std::string last_text_;
 };
+
+/// The well or disk that stands at a place of the deck; null when none does.
+const aem::TraceWell* WellAt(const std::vector<aem::TraceWell>& wells, aem::Complex at);
 
 /// One line to standard output.
 void TellProgress(int percent, const std::string& text);

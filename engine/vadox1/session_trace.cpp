@@ -29,18 +29,6 @@ constexpr std::size_t kAtOnce = 64;
 
 constexpr double kTop = 1e30;  ///< an elevation above every water table
 
-/// A well or disk that particles start from.
-const aem::TraceWell* WellAt(const std::vector<aem::TraceWell>& wells, aem::Complex at) {
-  const aem::TraceWell* nearest = nullptr;
-  for (const aem::TraceWell& well : wells) {
-    if (nearest == nullptr || std::abs(well.at - at) < std::abs(nearest->at - at)) nearest = &well;
-  }
-  if (nearest == nullptr) return nullptr;
-  // The deck writes one place with different numbers of digits.
-  const double tolerance = std::max({nearest->radius, 1e-5 * std::abs(at), 1e-3});
-  return std::abs(nearest->at - at) <= tolerance ? nearest : nullptr;
-}
-
 double StepOf(const TraceCommand& command, const aem::Window& window, Logs& logs) {
   const double diagonal = std::hypot(window.right - window.left, window.top - window.bottom);
   const double standard = kDefaultStep * diagonal;
@@ -72,6 +60,17 @@ std::vector<aem::Path> TraceSome(const aem::TraceField& field, std::span<const a
 }
 
 }  // namespace
+
+const aem::TraceWell* WellAt(const std::vector<aem::TraceWell>& wells, aem::Complex at) {
+  const aem::TraceWell* nearest = nullptr;
+  for (const aem::TraceWell& well : wells) {
+    if (nearest == nullptr || std::abs(well.at - at) < std::abs(nearest->at - at)) nearest = &well;
+  }
+  if (nearest == nullptr) return nullptr;
+  // The deck writes one place with different numbers of digits.
+  const double tolerance = std::max({nearest->radius, 1e-5 * std::abs(at), 1e-3});
+  return std::abs(nearest->at - at) <= tolerance ? nearest : nullptr;
+}
 
 struct Session::Starts {
   std::vector<aem::PathStart> starts;

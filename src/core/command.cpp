@@ -19,14 +19,29 @@ void BeginIfOpen(Ormel& ormel) {
     ormel.command.transaction = std::make_unique<Transaction>(*db);
 }
 
-void ShowFailure(Ormel& ormel, std::string_view procedure, const char* description) {
-  std::string text = "Unhandled error in ";
-  text += procedure;
+void ShowFailureBox(Ormel& ormel, std::string_view first_line, const std::string& description) {
+  std::string text(first_line);
   text += "\nOrmel may have become unstable.  For best results, exit Ormel and restart";
   text += "\nIf the problem persists, Contact the ZRB\n";
   text += description;
   PleaseWaitHide(ormel);
   Inform(ormel, "Unhandled Error -- Contact the ZRB", text);
+}
+
+/// Tells what the command that ends has changed.
+void TellChanges(Ormel& ormel, std::string_view command, int connections) {
+  if (ormel.changes.empty()) return;
+  ChangeRecord record;
+  record.command = command;
+  record.project_replaced = ormel.project.connections != connections;
+  Database* db = ormel.project.db.get();
+  if (db != nullptr && db->IsOpen()) record.rows = db->TakeChanges();
+  if (record.project_replaced) record.rows.clear();
+  ormel.changes.Tell(record);
+}
+
+void ShowFailure(Ormel& ormel, std::string_view procedure, const std::string& description) {
+  ShowFailureBox(ormel, "Unhandled error in " + std::string(procedure), description);
 }
 
 /// What failed, in the words of the exception in flight.
@@ -50,12 +65,14 @@ bool RunCommand(Ormel& ormel, std::string_view name, const std::function<void()>
   }
   ++ormel.command.depth;
   ormel.command.failed_procedure.clear();
+  const int connections = ormel.project.connections;
   std::exception_ptr failure;
   try {
     const Named named(ormel, name);
     BeginIfOpen(ormel);
     body();
     EndTransaction(ormel);
+    TellChanges(ormel, name, connections);
   } catch (...) {
     failure = std::current_exception();
   }
@@ -65,18 +82,25 @@ bool RunCommand(Ormel& ormel, std::string_view name, const std::function<void()>
   std::string description = Describe(failure);
   try {
     EndTransaction(ormel);  // what was written stays
+    TellChanges(ormel, name, connections);
   } catch (const std::exception& e) {
     description += std::string("\n") + e.what();
   }
   const std::string& failed = ormel.command.failed_procedure;
-  ShowFailure(ormel, failed.empty() ? name : failed, description.c_str());
+  ShowFailure(ormel, failed.empty() ? name : failed, description);
   return false;
 }
 
 void ShowFailure(Ormel& ormel, std::string_view procedure) {
   const std::string description = Describe(std::current_exception());
   const std::string failed = std::exchange(ormel.command.failed_procedure, {});
-  ShowFailure(ormel, failed.empty() ? procedure : failed, description.c_str());
+  ShowFailure(ormel, failed.empty() ? procedure : failed, description);
+}
+
+void ShowFailureText(Ormel& ormel, std::string_view first_line) {
+  const std::string description = Describe(std::current_exception());
+  ormel.command.failed_procedure.clear();
+  ShowFailureBox(ormel, first_line, description);
 }
 
 Named::Named(Ormel& ormel, std::string_view name)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "core/chart.h"
 #include "core/ormel.h"
 #include "core/table.h"
 #include "core/user_interface.h"
@@ -115,6 +116,17 @@ void Form::SortTable(std::string_view name, std::size_t column, bool descending)
 void Form::CopyTable(std::string_view name) {
   const ControlState& state = State(name);
   if (state.table) ormel_.ui().CopyText(state.table->Tabbed(state.selected));
+}
+
+void Form::PointAt(std::string_view name, const ChartPick* pick) {
+  const std::string text = pick != nullptr ? PointText(name, *pick) : std::string();
+  if (Text(name) != text) Put(name, text);
+}
+
+void Form::PickPoint(std::string_view name, const ChartPick& pick) {
+  const ControlState& state = State(name);
+  if (!state.chart || !state.enabled || pick.series >= state.chart->series.size()) return;
+  if (pick.point < state.chart->series[pick.series].points.size()) PointPicked(name, pick);
 }
 
 void Form::EditCell(std::string_view name, std::size_t row, std::size_t column, std::string_view text) {

@@ -17,6 +17,8 @@
 
 namespace ormel {
 
+struct Chart;
+struct ChartPick;
 struct Ormel;
 class Table;
 
@@ -35,6 +37,7 @@ enum class ControlKind {
   kMultiList,  ///< any of `items`
   kNote,       ///< an explanatory paragraph
   kTable,      ///< rows and columns of `table`; its rows can be selected, sorted and copied
+  kChart,      ///< `chart`; `text` is the box about the point pointed at, its first line the title
 };
 
 enum class ButtonRole { kNone, kAccept, kReject };
@@ -62,6 +65,7 @@ struct ControlState {
   std::vector<int> selected;  ///< indices into `items`, or rows of the table
   std::shared_ptr<Table> table;
   bool editable = false;  ///< cells of the table can be typed over
+  std::shared_ptr<const Chart> chart;
 };
 
 class Form {
@@ -89,6 +93,10 @@ class Form {
   void SortTable(std::string_view name, std::size_t column, bool descending);
   /// The selected rows of a table, or all, to the clipboard.
   void CopyTable(std::string_view name);
+  /// The pointer stands at a point of a chart, or at none (null).
+  void PointAt(std::string_view name, const ChartPick* pick);
+  /// A point of a chart was clicked.
+  void PickPoint(std::string_view name, const ChartPick& pick);
   /// A cell of an editable table was typed over.
   void EditCell(std::string_view name, std::size_t row, std::size_t column, std::string_view text);
 
@@ -115,6 +123,10 @@ class Form {
   /// A cell got another text; the default leaves the table as it is.
   virtual void CellEdited(std::string_view /*name*/, std::size_t /*row*/, std::size_t /*column*/,
                           std::string_view /*text*/) {}
+
+  /// The box about a point of a chart: a title and the lines below it.
+  virtual std::string PointText(std::string_view /*name*/, const ChartPick& /*pick*/) { return {}; }
+  virtual void PointPicked(std::string_view /*name*/, const ChartPick& /*pick*/) {}
 
   /// Puts captions, units and visibility of the table into the states.  Call once in the constructor.
   void InitControls();

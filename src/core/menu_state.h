@@ -41,23 +41,6 @@ class MenuState {
   long revision_ = 0;
 };
 
-/// Items of `layermenu`, by their index.
-enum LayerItem : int {
-  kLayerElements = 1,
-  kLayerContours = 2,
-  kLayerPathlines = 3,
-  kLayerTestPoints = 4,
-  kLayerResultsOverlay = 5,
-  kLayerWhpas = 6,
-  kLayerHydrographyLabels = 7,
-  kLayerHypsographyLabels = 8,
-  kLayerShowVertices = 9,
-  kLayerToolbar = 10,
-  kLayerRefresh = 11,
-  kLayerManualRedraw = 12,
-  kLayerBaseMap = 13,
-};
-
 /// `TESTDISPLAY`, `TPSCALING`, `TMARKS`, `ZMARKS`, `ShowVertices` and `EDITORGRID`, by their index.
 enum TestDisplayItem : int { kTestShow = 0, kTestText = 1, kTestScaledSymbols = 2 };
 enum TestScalingItem : int { kTestScale5 = 0, kTestScale10 = 1, kTestScale20 = 2 };

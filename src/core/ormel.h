@@ -10,7 +10,9 @@
 #include <memory>
 #include <string>
 
+#include "core/changes.h"
 #include "core/gui_options.h"
+#include "core/layer_switches.h"
 #include "core/map_window.h"
 #include "core/menu_state.h"
 #include "core/mouse_state.h"
@@ -26,7 +28,9 @@ class Solver;
 class Processes;
 class Settings;
 class Clock;
+class Publisher;
 class WindowCommands;
+class Document;
 
 /// References to what stands outside; all of them outlive the controller.
 struct Ports {
@@ -37,6 +41,8 @@ struct Ports {
   ormel::Settings* settings = nullptr;
   ormel::Clock* clock = nullptr;
   WindowCommands* window = nullptr;  ///< null in a program without a window
+  Document* document = nullptr;      ///< null in a program that keeps no history
+  Publisher* publisher = nullptr;    ///< null in a program that draws nothing
 };
 
 class Transaction;
@@ -58,7 +64,9 @@ struct Ormel {
   SolutionState solution;
   GuiOptions gui;
   MenuState menus;
+  LayerSwitches layers;
   CommandState command;
+  ChangeFeed changes;
   Ports ports;
 
   // Panels of the status bar as last written, for their reading form.

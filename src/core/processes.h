@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,10 @@ class Processes {
   virtual ProcessResult Run(const ProcessRequest& request,
                             const std::function<void(const std::string&)>& line,
                             const std::function<bool()>& cancelled) = 0;
+  /// Holds the lock of a file, which is made for it, as long as the result lives; null while another program
+  /// holds it.  The lock goes with its holder's end, whatever that is.  A folder that takes no file has no
+  /// lock.
+  virtual std::shared_ptr<void> Lock(const std::string& /*path*/) { return std::make_shared<int>(0); }
   /// The folder that Ormel's own program and the two outside programs stand in, without final separator.
   virtual std::string ProgramFolder() const = 0;
   /// Value of an environment variable, empty when there is none.

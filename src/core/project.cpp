@@ -63,7 +63,9 @@ void ReadProjectState(Ormel& ormel) {
 
 void AttachProject(Ormel& ormel, const std::string& path) {
   auto db = std::make_unique<Database>(Database::Open(path));
+  if (!ormel.changes.tables.empty()) db->WatchChanges(ormel.changes.tables);
   ormel.project.db = std::move(db);
+  ++ormel.project.connections;
   ormel.project.DBName = path;
   ormel.project.folder = GetPathFromFile(path);
   ReadProjectState(ormel);
@@ -81,6 +83,7 @@ void DetachProject(Ormel& ormel) {
   for (const DataControl& control : kDataControls) (ormel.project.bound.*control.recordset).reset();
   if (ormel.project.db != nullptr) ormel.project.db->Close();
   ormel.project.db.reset();
+  ++ormel.project.connections;
 }
 
 }  // namespace ormel

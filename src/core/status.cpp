@@ -27,6 +27,17 @@ const std::string& Feedback(const Ormel& ormel) {
   return ormel.feedback;
 }
 
+void NoteSolution(Ormel& ormel) {
+  const SolutionState& solution = ormel.solution;
+  if (!solution.ValidSolution) return Note(ormel, "");
+  Note(ormel, solution.OfOlderModel ? "OLDER MODEL" : "CURRENT");
+}
+
+std::string OlderModelNotice(const Ormel& ormel) {
+  if (!ormel.solution.ValidSolution || !ormel.solution.OfOlderModel) return {};
+  return "These results are of an older model: it has been changed since it was solved.";
+}
+
 void SelectStatus(Ormel& ormel) {
   Activity(ormel, "Select");
   Feedback(ormel, "Click mouse button to select element");

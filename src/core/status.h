@@ -16,6 +16,11 @@ void Note(Ormel& ormel, std::string_view text);
 const std::string& Activity(const Ormel& ormel);
 const std::string& Feedback(const Ormel& ormel);
 
+/// Puts into the third panel what the results on view are: "CURRENT", "OLDER MODEL", or nothing.
+void NoteSolution(Ormel& ormel);
+/// What every table, report and picture of results says while they are those of an older model; else empty.
+std::string OlderModelNotice(const Ormel& ormel);
+
 /// "Select" and "Click mouse button to select element".
 void SelectStatus(Ormel& ormel);
 

@@ -11,6 +11,7 @@
 
 namespace ormel {
 
+struct Chart;
 class Form;
 
 enum class Buttons { kOk, kOkCancel, kYesNo, kYesNoCancel };
@@ -77,6 +78,8 @@ class UserInterface {
 
   /// Puts a text on the clipboard, where there is one.
   virtual void CopyText(std::string_view /*text*/) {}
+  /// Puts the picture of a chart on the clipboard, where there is one.
+  virtual void CopyChart(const Chart& /*chart*/) {}
   /// Opens a text file in a viewer; the program goes on.
   virtual void ViewTextFile(const std::string& path) = 0;
   /// Opens the user guide at a topic; empty for its contents.

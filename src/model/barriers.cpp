@@ -3,6 +3,7 @@
 #include <array>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/user_interface.h"
@@ -138,7 +139,7 @@ void ElemAddNoFlowString(Ormel& ormel) {
     if (form.Result != OkCancelForm::kOk) return;
     BeginDigitizing(ormel, Element::kBarrier, "Add No-flow");
     DigitizePolygon(ormel, StoreBarrier(ormel, form.Row(), {}));
-    TurnOnLayer(ormel, kLayerElements);
+    TurnOnLayer(ormel, Layer::kElements);
   });
 }
 

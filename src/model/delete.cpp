@@ -8,7 +8,9 @@
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/digitize.h"
+#include "model/image_wells.h"
 #include "model/move.h"
+#include "model/observations.h"
 #include "model/uniform_flow.h"
 #include "model/validity.h"
 #include "model/vertices.h"
@@ -67,18 +69,23 @@ void DeleteTestPoint(Ormel& ormel, const Selection& selected) {
 }
 
 void DeleteTextLabel(Ormel& ormel, const Selection& selected) {
-  const Bookmark label = ormel.project.bound.TextLabels->GetBookmark();
   if (!Confirmed(ormel, "Delete this label?")) return;
-  ormel.project.bound.TextLabels->SetBookmark(label);
   Erase(ormel, selected);
-  ormel.project.bound.TextLabels->Delete();
+  TextLabelRow row;
+  if (FindTextLabel(ormel, selected.vid, row)) ormel.project.bound.TextLabels->Delete();
   NothingSelected(ormel);
 }
 
 void DeleteWell(Ormel& ormel, const Selection& selected) {
   WellRow row;
   if (!FindWell(ormel, selected.vid, row) || !Confirmed(ormel, "Delete this element?")) return;
+  const bool has_area = !IsMirror(row.Label) && HasProtectionArea(ormel, row.Label);
+  if (has_area && !Confirmed(ormel,
+                             "A protection area is drawn for this well.  The area, its stream boundary and "
+                             "the image of the well go with it.  Delete them all?"))
+    return;
   Erase(ormel, selected);
+  if (has_area) RemoveAreasOf(ormel, row.Label);
   DeletePointRow(ormel, *ormel.project.bound.Wells, selected.vid);
   NothingSelected(ormel);
   if (!IsMirror(row.Label)) InvalidateSolution(ormel, true, true);

@@ -1,13 +1,14 @@
 // The bulk commands of "Delete All...".
 #include <array>
-#include <filesystem>
 #include <vector>
 
 #include "core/command.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
+#include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/area_runs.h"
 #include "model/delete.h"
 #include "model/digitize.h"
 #include "model/validity.h"
@@ -15,7 +16,6 @@
 #include "model/wells.h"
 #include "store/bulk.h"
 #include "store/database.h"
-#include "text/files.h"
 
 namespace ormel {
 namespace {
@@ -131,11 +131,7 @@ void DeleteArea(Ormel& ormel, const WhpaRow& row) {
   if (row.type != 1) DeleteImage(ormel, row.well);
   for (const Vid vid : {row.vid1, row.vid2})
     if (vid > 0) DeleteVertex(ormel, vid);
-  if (!row.ran || row.stem.empty() || row.stem == "NONE") return;
-  for (const char* extension : {".DAT", ".SOL", ".XTR", ".PTH", ".CTR", ".GRD"}) {
-    std::error_code ignored;  // not all of them exist
-    std::filesystem::remove(JoinPath(ormel.project.folder, row.stem + extension), ignored);
-  }
+  if (row.ran) LeaveAreaRun(ormel, row.stem);
 }
 
 }  // namespace

@@ -1,11 +1,11 @@
 #include "model/digitize.h"
 
-#include <array>
-
 #include "core/command.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
+#include "document/document.h"
+#include "document/kinds.h"
 #include "model/vertices.h"
 #include "store/database.h"
 
@@ -13,15 +13,6 @@ namespace ormel {
 namespace {
 
 constexpr int kArrow = 0, kCross = 2;
-
-struct PolygonElement {
-  Element element;
-  const char* table;
-};
-constexpr std::array kPolygonElements{
-    PolygonElement{Element::kLinesink, "LinesinkStrings"}, PolygonElement{Element::kBarrier, "NoFlowStrings"},
-    PolygonElement{Element::kInhomogeneity, "Inhomogeneities"},
-    PolygonElement{Element::kFluxLine, "FluxInspect"}, PolygonElement{Element::kCapzone, "Capzones"}};
 
 }  // namespace
 
@@ -101,10 +92,26 @@ void AbandonDigitizing(Ormel& ormel) {
   ormel.view().TurnOnMenus();
 }
 
+bool TakeBackVertex(Ormel& ormel) {
+  return RunEdit(ormel, "TakeBackVertex", [&] {
+    Document* document = ormel.ports.document;
+    if (document == nullptr || document->UndoPart().rows.empty()) return;
+    const std::vector<VertexRow> left = VerticesOf(ormel, ormel.mouse.CurrentPID);
+    ormel.mouse.LineInProgress = !left.empty();
+    ormel.mouse.NextSeq = left.empty() ? 1 : left.back().seq + 100;
+    // A redraw ends every mode: this one goes on.
+    const MouseState drawing = ormel.mouse;
+    const std::string activity = ormel.activity, feedback = ormel.feedback;
+    ormel.view().ZoomActions(Zoom::kRedrawInPlace);
+    ormel.mouse = drawing;
+    Activity(ormel, activity);
+    Feedback(ormel, feedback);
+  });
+}
+
 const char* PolygonTable(Element element) {
-  for (const PolygonElement& entry : kPolygonElements)
-    if (entry.element == element) return entry.table;
-  return nullptr;
+  const ElementKind* kind = FindKind(element);
+  return kind != nullptr && kind->Polygon() ? kind->table.data() : nullptr;
 }
 
 }  // namespace ormel

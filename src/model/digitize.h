@@ -33,6 +33,10 @@ Vid AddDigitizedVertex(Ormel& ormel, Element element, MapPoint at);
 /// Mode 0 and select status; gives the polygon that was digitized.
 Pid EndDigitizing(Ormel& ormel);
 
+/// While something is being drawn: takes its last vertex back, and drawing goes on.  True when the command
+/// came to its end.
+bool TakeBackVertex(Ormel& ormel);
+
 /// Leaves a mode without a half-drawn element: a string or domain that has no vertex yet is removed.
 void AbandonDigitizing(Ormel& ormel);
 

@@ -137,12 +137,12 @@ void EditCapzone(Ormel& ormel, const Selection& selected) {
 }
 
 void EditTextLabel(Ormel& ormel, const Selection& selected) {
-  const Bookmark label = ormel.project.bound.TextLabels->GetBookmark();
+  TextLabelRow row;
+  if (!FindTextLabel(ormel, selected.vid, row)) return;
   TextLabelDialog form(ormel);
-  form.Fill(CurrentTextLabel(ormel));
+  form.Fill(row);
   if (!Accepted(ormel, form)) return;
-  ormel.project.bound.TextLabels->SetBookmark(label);
-  Redrawn(ormel, selected, [&] { ChangeTextLabel(ormel, form.Row()); });
+  Redrawn(ormel, selected, [&] { ChangeTextLabel(ormel, selected.vid, form.Row()); });
 }
 
 struct Editor {

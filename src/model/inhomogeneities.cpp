@@ -1,6 +1,7 @@
 #include "model/inhomogeneities.h"
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/user_interface.h"
@@ -105,7 +106,7 @@ void ElemAddInhomogeneity(Ormel& ormel) {
     if (form.Result != OkCancelForm::kOk) return;
     BeginDigitizing(ormel, Element::kInhomogeneity, "Add Inhomogeneity");
     DigitizePolygon(ormel, StoreInhomogeneity(ormel, form.Row(), {}));
-    TurnOnLayer(ormel, kLayerElements);
+    TurnOnLayer(ormel, Layer::kElements);
     // The corners of the domains that stand show while a new one is drawn.
     RowReader domains(ormel.db(), "select PID from Inhomogeneities");
     while (domains.Next())

@@ -3,6 +3,7 @@
 #include <any>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/user_interface.h"
@@ -103,7 +104,7 @@ void ElemAddLinesinkString(Ormel& ormel) {
     row = form.Row();
     row.AutoSWIZC = LinesinkLocation::kUnknown;  // stored by the second dialog
     DigitizePolygon(ormel, StoreLinesink(ormel, row, {}));
-    TurnOnLayer(ormel, kLayerElements);
+    TurnOnLayer(ormel, Layer::kElements);
   });
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <filesystem>
 
 #include "core/command.h"
 #include "core/coordinates.h"
@@ -13,7 +12,6 @@
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/validity.h"
-#include "text/files.h"
 #include "text/numbers.h"
 
 namespace ormel {
@@ -255,24 +253,20 @@ ModelValues ModelSettings::Values() const {
   return values;
 }
 
-void ModelSettings::DeleteOutdatedFiles() {
+void ModelSettings::WithdrawOutdatedResults() {
   if (!ormel().solution.ValidSolution) return;
-  const std::string stem = JoinPath(ormel().project.OrmelBasePath, ormel().project.OrmelBaseName);
-  if (contours_changed_ && Checked("chkContour")) {
-    std::filesystem::remove(stem + ".GRD");
-    std::filesystem::remove(stem + ".CTR");
+  if (contours_changed_ && Checked("chkContour"))
     ormel().solution.GridValid = ormel().solution.ContoursValid = false;
-  }
   if (paths_changed_ && Checked("chkComputePaths")) {
-    std::filesystem::remove(stem + ".PTH");
     ormel().solution.PathlinesValid = false;
+    ormel().layers.Switch(Layer::kPathlines, false);
   }
 }
 
 bool ModelSettings::Ok() {
   FillEmptyNumbers();
   if (!Check()) return false;
-  DeleteOutdatedFiles();
+  WithdrawOutdatedResults();
   stored_ = Values();
   WriteModel(ormel(), stored_);
   ormel().solution.use_default_step = Checked("chkDefaultStep");

@@ -44,7 +44,7 @@ class ModelSettings final : public OkCancelForm {
  private:
   bool Check();
   bool CheckContours();
-  void DeleteOutdatedFiles();
+  void WithdrawOutdatedResults();
   ModelValues Values() const;
   void OfferContourFields();
   void ClearFlags();

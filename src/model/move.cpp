@@ -1,47 +1,31 @@
 #include "model/move.h"
 
-#include <array>
-#include <filesystem>
 #include <string_view>
 
 #include "core/command.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
+#include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "document/kinds.h"
+#include "model/area_runs.h"
 #include "model/digitize.h"
+#include "model/image_wells.h"
 #include "model/model_values.h"
+#include "model/observations.h"
 #include "model/validity.h"
 #include "model/vertices.h"
 #include "model/wells.h"
 #include "store/bulk.h"
 #include "store/database.h"
-#include "store/recordset.h"
-#include "text/files.h"
 
 namespace ormel {
 namespace {
 
-struct MoveActivity {
-  Element element;
-  const char* text;
-};
-constexpr std::array kActivities{
-    MoveActivity{Element::kWell, "Move Well"}, MoveActivity{Element::kTestPoint, "Move Test Point"},
-    MoveActivity{Element::kParticle, "Move Particle"}, MoveActivity{Element::kTextLabel, "Move Text"}};
-
-const char* ActivityOf(Element element) {
-  for (const MoveActivity& entry : kActivities)
-    if (entry.element == element) return entry.text;
-  return "Move Vertex";
-}
-
-void MoveLabel(Ormel& ormel, MapPoint to) {
-  Recordset& labels = *ormel.project.bound.TextLabels;
-  labels.Edit();
-  labels["X"] = to.x;
-  labels["Y"] = to.y;
-  labels.Update();
+std::string_view ActivityOf(Element element) {
+  const ElementKind* kind = FindKind(element);
+  return kind == nullptr ? "Move Vertex" : kind->moving;
 }
 
 void MoveReference(Ormel& ormel, MapPoint to) {
@@ -49,15 +33,6 @@ void MoveReference(Ormel& ormel, MapPoint to) {
   model.UNIFLOWRefX = to.x;
   model.UNIFLOWRefY = to.y;
   WriteModel(ormel, model);
-}
-
-/// The run files of a protection area whose boundary has moved show what is no more.
-void DeleteRunFiles(const Ormel& ormel, const std::string& stem) {
-  if (stem.empty() || stem == "NONE") return;
-  for (const char* extension : {".DAT", ".SOL", ".XTR", ".PTH", ".CTR", ".GRD"}) {
-    std::error_code ignored;  // most of them do not exist
-    std::filesystem::remove(JoinPath(ormel.project.folder, stem + extension), ignored);
-  }
 }
 
 struct BoundaryRow {
@@ -96,9 +71,8 @@ void MoveBoundary(Ormel& ormel, Vid vid, MapPoint to) {
       const MapPoint at{well.Double(0), well.Double(1)};
       MirrorWell(ormel, row.well, row.point1, row.point2, at);
     }
-    DeleteRunFiles(ormel, row.stem);
+    OutdateAreaRun(ormel, row.stem);
   }
-  DeleteRunFiles(ormel, ormel.project.OrmelBaseName);
   InvalidateSolution(ormel, true, true);
 }
 
@@ -106,6 +80,9 @@ void MoveBoundary(Ormel& ormel, Vid vid, MapPoint to) {
 void FollowUp(Ormel& ormel, Element element, Vid vid, MapPoint to) {
   switch (element) {
     case Element::kWell:
+      RemakeImageWells(ormel);
+      InvalidateSolution(ormel, true, true);
+      break;
     case Element::kLinesink:
     case Element::kBarrier:
     case Element::kInhomogeneity:
@@ -164,7 +141,7 @@ void ElemMoveVertex(Ormel& ormel, MapPoint to) {
   const Selection selected = ormel.selection;
   ormel.view().DrawElement(selected.SelectedType, selected.vid, selected.pid, DrawMode::kErase);
   if (selected.SelectedType == Element::kTextLabel) {
-    MoveLabel(ormel, to);
+    MoveTextLabel(ormel, selected.vid, to);
   } else {
     if (selected.SelectedType == Element::kInhomogeneity)
       for (const Vid corner : SharedCorners(ormel, selected.vid)) PutVertex(ormel, corner, to);

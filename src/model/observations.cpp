@@ -1,6 +1,7 @@
 #include "model/observations.h"
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
@@ -84,18 +85,16 @@ bool FindParticle(Ormel& ormel, Vid vid, ParticleRow& found) {
   return true;
 }
 
-TextLabelRow CurrentTextLabel(Ormel& ormel) {
-  const Recordset& rows = *ormel.project.bound.TextLabels;
-  return {.Text = rows.Get<std::string>("Text"),
-          .font = {rows.Get<std::string>("FontName"), rows.Get<int>("FontSize"), rows.Get<bool>("FontBold"),
-                   rows.Get<bool>("FontItalic")},
-          .type = static_cast<LabelType>(rows.Get<int>("LabelType")),
-          .ScalerX = rows.Get<double>("ScalerX")};
-}
-
-MapPoint CurrentTextLabelPlace(Ormel& ormel) {
-  const Recordset& rows = *ormel.project.bound.TextLabels;
-  return {rows.Get<double>("X"), rows.Get<double>("Y")};
+bool FindTextLabel(Ormel& ormel, std::int64_t row, TextLabelRow& found) {
+  if (ormel.db().Scalar("select count(*) from TextLabels where rowid=?", {row}).AsLong() == 0) return false;
+  Recordset& rows = *ormel.project.bound.TextLabels;
+  rows.SetBookmark({row});
+  found = {.Text = rows.Get<std::string>("Text"),
+           .font = {rows.Get<std::string>("FontName"), rows.Get<int>("FontSize"), rows.Get<bool>("FontBold"),
+                    rows.Get<bool>("FontItalic")},
+           .type = static_cast<LabelType>(rows.Get<int>("LabelType")),
+           .ScalerX = rows.Get<double>("ScalerX")};
+  return true;
 }
 
 Vid StoreTestPoint(Ormel& ormel, const TestPointRow& row, MapPoint at) {
@@ -108,7 +107,7 @@ Vid StoreParticle(Ormel& ormel, const ParticleRow& row, MapPoint at) {
                     [&](Recordset& rows) { PutParticle(rows, row); });
 }
 
-void StoreTextLabel(Ormel& ormel, const TextLabelRow& row, MapPoint at) {
+std::int64_t StoreTextLabel(Ormel& ormel, const TextLabelRow& row, MapPoint at) {
   Recordset& rows = *ormel.project.bound.TextLabels;
   try {
     rows.AddNew();
@@ -121,6 +120,7 @@ void StoreTextLabel(Ormel& ormel, const TextLabelRow& row, MapPoint at) {
     rows.CancelUpdate();
     throw;
   }
+  return rows.GetBookmark().row;
 }
 
 Pid StoreFluxLine(Ormel& ormel, const std::string& label, std::span<const MapPoint> points) {
@@ -148,10 +148,22 @@ void ChangeParticle(Ormel& ormel, Vid vid, const ParticleRow& row) {
   rows.Update();
 }
 
-void ChangeTextLabel(Ormel& ormel, const TextLabelRow& row) {
+void ChangeTextLabel(Ormel& ormel, std::int64_t row, const TextLabelRow& label) {
+  TextLabelRow stored;
+  if (!FindTextLabel(ormel, row, stored)) return;
   Recordset& rows = *ormel.project.bound.TextLabels;
   rows.Edit();
-  PutTextLabel(rows, row);
+  PutTextLabel(rows, label);
+  rows.Update();
+}
+
+void MoveTextLabel(Ormel& ormel, std::int64_t row, MapPoint to) {
+  TextLabelRow stored;
+  if (!FindTextLabel(ormel, row, stored)) return;
+  Recordset& rows = *ormel.project.bound.TextLabels;
+  rows.Edit();
+  rows["X"] = to.x;
+  rows["Y"] = to.y;
   rows.Update();
 }
 
@@ -220,12 +232,12 @@ void ModelAddText(Ormel& ormel) {
     if (form.Result == OkCancelForm::kOk) {
       row = form.Row();
       row.ScalerX = ormel.window.SolveWindow.Width();
-      StoreTextLabel(ormel, row, LastClick(ormel));
+      const std::int64_t label = StoreTextLabel(ormel, row, LastClick(ormel));
       if (row.type == LabelType::kHydrography) {
-        TurnOnLayer(ormel, kLayerHydrographyLabels);
+        TurnOnLayer(ormel, Layer::kHydrographyLabels);
         ormel.view().ZoomActions(Zoom::kRedrawInPlace);
       } else {
-        ormel.view().DrawElement(Element::kTextLabel, -1, kSinglePoint, DrawMode::kNormal);
+        ormel.view().DrawElement(Element::kTextLabel, label, kSinglePoint, DrawMode::kNormal);
       }
     }
     EndPlacing(ormel);
@@ -251,8 +263,8 @@ void ModelAddFluxInspect(Ormel& ormel) {
     if (!AskName(ormel, "Flux Inspection Line Properties", label)) return;
     BeginDigitizing(ormel, Element::kFluxLine, "Add Flux");
     DigitizePolygon(ormel, StoreFluxLine(ormel, label, {}));
-    TurnOnLayer(ormel, kLayerElements);
-    TurnOnLayer(ormel, kLayerTestPoints);
+    TurnOnLayer(ormel, Layer::kElements);
+    TurnOnLayer(ormel, Layer::kTestPoints);
   });
 }
 
@@ -276,8 +288,8 @@ void ModelAddCapzone(Ormel& ormel) {
     if (!AskName(ormel, "Capzone Properties", label)) return;
     BeginDigitizing(ormel, Element::kCapzone, "Add Capture Zone");
     DigitizePolygon(ormel, StoreCapzone(ormel, label, {}));
-    TurnOnLayer(ormel, kLayerElements);
-    TurnOnLayer(ormel, kLayerTestPoints);
+    TurnOnLayer(ormel, Layer::kElements);
+    TurnOnLayer(ormel, Layer::kTestPoints);
   });
 }
 

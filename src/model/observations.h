@@ -35,21 +35,21 @@ struct TextLabelRow {
 /// Each puts the bound recordset on the row; false when there is none.
 bool FindTestPoint(Ormel& ormel, Vid vid, TestPointRow& found);
 bool FindParticle(Ormel& ormel, Vid vid, ParticleRow& found);
-/// The label that the bound recordset stands on.
-TextLabelRow CurrentTextLabel(Ormel& ormel);
-MapPoint CurrentTextLabelPlace(Ormel& ormel);
+/// A label is known by the number of its row.
+bool FindTextLabel(Ormel& ormel, std::int64_t row, TextLabelRow& found);
 
 /// Each adds an object without a question, with its vertices, and leaves the bound recordsets on it.
 Vid StoreTestPoint(Ormel& ormel, const TestPointRow& row, MapPoint at);
 Vid StoreParticle(Ormel& ormel, const ParticleRow& row, MapPoint at);
-void StoreTextLabel(Ormel& ormel, const TextLabelRow& row, MapPoint at);
+std::int64_t StoreTextLabel(Ormel& ormel, const TextLabelRow& row, MapPoint at);
 Pid StoreFluxLine(Ormel& ormel, const std::string& label, std::span<const MapPoint> points);
 Pid StoreCapzone(Ormel& ormel, const std::string& label, std::span<const MapPoint> points);
 
 void ChangeTestPoint(Ormel& ormel, Vid vid, const TestPointRow& row, MapPoint at);
 void ChangeParticle(Ormel& ormel, Vid vid, const ParticleRow& row);
-/// Writes the label that the bound recordset stands on; place and scale stay.
-void ChangeTextLabel(Ormel& ormel, const TextLabelRow& row);
+/// Place and scale stay.
+void ChangeTextLabel(Ormel& ormel, std::int64_t row, const TextLabelRow& label);
+void MoveTextLabel(Ormel& ormel, std::int64_t row, MapPoint to);
 
 /// The traces on view do not show the particles as they stand: the next solve traces anew.
 void PathlinesOutdated(Ormel& ormel);

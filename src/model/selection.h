@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/types.h"
+#include "document/kinds.h"
 
 namespace ormel {
 
@@ -14,13 +15,8 @@ struct Ormel;
 /// captions and state of `EDIT_CMDS`, feedback line.  Nothing in range clears the selection.
 void ElemSelectElement(Ormel& ormel);
 
-/// Who owns a vertex, and under which polygon; kNone for a vertex without an owner.
-struct Owner {
-  Element element = Element::kNone;
-  Vid vid = -1;
-  Pid pid = kSinglePoint;
-};
-Owner OwnerOf(Ormel& ormel, Vid vid);
+/// Selects the owner of a vertex, as a click on it does.
+void SelectVertex(Ormel& ormel, Vid vid);
 
 /// The feedback line of the selected element.
 std::string DescribeSelection(Ormel& ormel);

@@ -128,8 +128,11 @@ std::string DescribeSelection(Ormel& ormel) {
       return DescribeTestPoint(ormel, vid);
     case Element::kParticle:
       return DescribeParticle(ormel, vid);
-    case Element::kTextLabel:
-      return "Text: " + CurrentTextLabel(ormel).Text;
+    case Element::kTextLabel: {
+      TextLabelRow label;
+      FindTextLabel(ormel, vid, label);
+      return "Text: " + label.Text;
+    }
     case Element::kUniformFlow:
       return "Uniform flow";
     default:

@@ -4,6 +4,7 @@
 
 #include "core/command.h"
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
@@ -135,7 +136,7 @@ void ElemAddUniformFlow(Ormel& ormel, bool edit_only) {
         StoreUniformFlow(ormel, LastClick(ormel), form.Head(), form.Gradient(), form.Orientation());
       ormel.view().ZoomActions(Zoom::kRedrawInPlace);
       ormel.menus.Enable("ELEM_CMDS", 3, true);
-      TurnOnLayer(ormel, kLayerElements);
+      TurnOnLayer(ormel, Layer::kElements);
       InvalidateSolution(ormel, true, true);
     } else {
       Inform(ormel, kProgramTitle, "Uniform Flow settings have not been changed.");

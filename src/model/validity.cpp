@@ -1,41 +1,20 @@
 #include "model/validity.h"
 
-#include <array>
 #include <cmath>
-#include <string_view>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
+#include "core/result_items.h"
 #include "core/solver_port.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "document/fingerprint.h"
 #include "store/database.h"
+#include "text/files.h"
 
 namespace ormel {
-namespace {
-
-struct MenuItem {
-  std::string_view control;
-  int index;
-};
-
-/// What a user can do only with results.
-constexpr std::array kNeedResults{MenuItem{"MODELRUNFILES", 0},        MenuItem{"RESULTS_TABLE", 0},
-                                  MenuItem{"CALIBRATION_STATS", 0},    MenuItem{"MODEL_CMDS", 3},
-                                  MenuItem{"SolverIntegrityCheck", 0}, MenuItem{"SolverIntegrityCheck", 1}};
-
-}  // namespace
-
-void TurnOnLayer(Ormel& ormel, LayerItem layer) {
-  ormel.menus.Enable("layermenu", layer, true);
-  ormel.menus.Check("layermenu", layer, true);
-}
-
-void TurnOffLayer(Ormel& ormel, LayerItem layer) {
-  ormel.menus.Enable("layermenu", layer, false);
-  ormel.menus.Check("layermenu", layer, false);
-}
 
 void InvalidateSolution(Ormel& ormel, bool ask, bool redraw) {
   const Named named(ormel, "InvalidateSolution");
@@ -44,20 +23,86 @@ void InvalidateSolution(Ormel& ormel, bool ask, bool redraw) {
                        Lines({"This change may make the current solution inconsistent with your",
                               "current element layout.  Do you want to remove the current solution",
                               "and results from view and invalidate the solution?  "}),
-                       Icon::kQuestion))
+                       Icon::kQuestion)) {
+    ormel.solution.OfOlderModel = true;
+    NoteSolution(ormel);
     return;
+  }
 
-  TurnOffLayer(ormel, kLayerContours);
-  TurnOffLayer(ormel, kLayerPathlines);
-  if (ormel.db().RowCount("TestPoints") == 0) TurnOffLayer(ormel, kLayerTestPoints);
-  ormel.menus.Check("layermenu", kLayerResultsOverlay, false);
-  ormel.menus.Check("layermenu", kLayerWhpas, false);
-  for (const MenuItem& item : kNeedResults) ormel.menus.Enable(item.control, item.index, false);
+  TurnOffLayer(ormel, Layer::kContours);
+  TurnOffLayer(ormel, Layer::kPathlines);
+  if (ormel.db().RowCount("TestPoints") == 0) TurnOffLayer(ormel, Layer::kTestPoints);
+  ormel.layers.Switch(Layer::kResultsOverlay, false);
+  ormel.layers.Switch(Layer::kCapzones, false);
+  EnableResultItems(ormel, false);
   ormel.solution.ValidSolution = false;
+  ormel.solution.OfOlderModel = false;
   ormel.solution.results_drawn = false;
   ormel.solution.traced_lines.clear();
   if (redraw) ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   Note(ormel, "");
+}
+
+namespace {
+
+/// Of a valid solution: on offer in any case, and in view or not.
+void ShowLayer(Ormel& ormel, Layer layer, bool on) {
+  TurnOnLayer(ormel, layer);
+  ormel.layers.Switch(layer, on);
+}
+
+}  // namespace
+
+void ShowSolution(Ormel& ormel) {
+  SolutionState& solution = ormel.solution;
+  solution.ValidSolution = true;
+  ShowLayer(ormel, Layer::kContours, solution.ContoursValid);
+  ShowLayer(ormel, Layer::kPathlines, solution.PathlinesValid);
+  SetLayer(ormel, Layer::kTestPoints, ormel.db().RowCount("TestPoints") > 0);
+  EnableResultItems(ormel, true);
+}
+
+namespace {
+
+/// The files that are read while the solution is on view.
+bool FilesStand(const Ormel& ormel) {
+  const std::string stem = JoinPath(ormel.project.OrmelBasePath, ormel.project.OrmelBaseName);
+  const SolvedModel& solved = *ormel.solution.solved;
+  return FileExists(stem + ".XTR") && (!solved.GridValid || FileExists(stem + ".GRD")) &&
+         (!solved.PathlinesValid || FileExists(stem + ".PTH"));
+}
+
+}  // namespace
+
+void MatchSolution(Ormel& ormel, const Fingerprint& before) {
+  const Named named(ormel, "MatchSolution");
+  SolutionState& solution = ormel.solution;
+  const bool has_run = solution.solved && FilesStand(ormel);
+  if (!has_run && !solution.ValidSolution) return;
+  const Fingerprint now = FingerprintOf(ormel);
+  const SolvedModel solved = has_run ? *solution.solved : SolvedModel{};
+  const bool again = has_run && now.solution == solved.model.solution;
+  if (!again && now.solution != before.solution) InvalidateSolution(ormel, true, false);
+  if (!again && !solution.ValidSolution) return;
+  const SolutionState was = solution;
+  if (has_run && now.contours == solved.model.contours) {
+    solution.GridValid = solved.GridValid;
+    solution.ContoursValid = solved.ContoursValid;
+  } else if (now.contours != before.contours) {
+    solution.GridValid = solution.ContoursValid = false;
+  }
+  if (has_run && now.paths == solved.model.paths) {
+    solution.PathlinesValid = solved.PathlinesValid;
+  } else if (now.paths != before.paths) {
+    solution.PathlinesValid = false;
+  }
+  solution.OfOlderModel = has_run ? !again : solution.OfOlderModel;
+  NoteSolution(ormel);
+  // Where nothing has changed the user's own choice of layers stays.
+  if (!was.ValidSolution) return ShowSolution(ormel);
+  if (was.ContoursValid != solution.ContoursValid) ShowLayer(ormel, Layer::kContours, solution.ContoursValid);
+  if (was.PathlinesValid != solution.PathlinesValid)
+    ShowLayer(ormel, Layer::kPathlines, solution.PathlinesValid);
 }
 
 void InvalidateContours(Ormel& ormel) {
@@ -72,7 +117,7 @@ void InvalidateContours(Ormel& ormel) {
     CommitSoFar(ormel);
     ormel.solver().RunContour();
   }
-  ormel.menus.Check("layermenu", kLayerContours, recompute);
+  ormel.layers.Switch(Layer::kContours, recompute);
   ormel.view().ZoomActions(Zoom::kRedrawInPlace);
 }
 

@@ -1,9 +1,9 @@
 #include "model/vertices.h"
 
-#include <limits>
-
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
+#include "document/document.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "store/recordset.h"
@@ -16,6 +16,13 @@ constexpr Seq kSeqStep = 100;
 double DistanceSquared(MapPoint a, MapPoint b) {
   const double dx = a.x - b.x, dy = a.y - b.y;
   return dx * dx + dy * dy;
+}
+
+/// By the index where there is one, else by a look at every vertex.
+HitIndex::Hit NearestVertex(Ormel& ormel, MapPoint at) {
+  if (ormel.ports.document != nullptr) return ormel.ports.document->NearestVertex(at);
+  HitIndex once;
+  return once.Nearest(ormel, at);
 }
 
 }  // namespace
@@ -108,33 +115,23 @@ void Resequence(Ormel& ormel, Pid pid, Vid vid) {
 
 Vid ElemFindVertex(Ormel& ormel, MapPoint at) {
   const Named named(ormel, "ElemFindVertex");
-  double nearest = std::numeric_limits<double>::infinity();
-  Vid found = kNothingFound;
-  RowReader vertices(ormel.db(), "select VID,X,Y from Vertices");
-  while (vertices.Next()) {
-    const double distance = DistanceSquared(at, {vertices.Double(1), vertices.Double(2)});
-    if (distance < nearest) {
-      nearest = distance;
-      found = vertices.Long(0);
-    }
-  }
+  auto [found, nearest] = NearestVertex(ormel, at);
   if (found != kNothingFound) ormel.project.bound.Vertices->FindKey("VID", found);
 
-  Recordset& labels = *ormel.project.bound.TextLabels;
-  const bool hydrography = ormel.menus.Checked("layermenu", kLayerHydrographyLabels);
+  const bool hydrography = ormel.layers.On(Layer::kHydrographyLabels);
   Bookmark nearest_label;
-  labels.Requery();
-  for (; labels.HasRow(); labels.MoveNext()) {
-    const int type = labels.Get<int>("LabelType");
+  RowReader labels(ormel.db(), "select rowid,LabelType,X,Y from TextLabels order by rowid");
+  while (labels.Next()) {
+    const std::int64_t type = labels.Long(1);
     if (type != 0 && !(type == 1 && hydrography)) continue;
-    const double distance = DistanceSquared(at, {labels.Get<double>("X"), labels.Get<double>("Y")});
+    const double distance = DistanceSquared(at, {labels.Double(2), labels.Double(3)});
     if (distance < nearest) {
       nearest = distance;
       found = kLabelFound;
-      nearest_label = labels.GetBookmark();
+      nearest_label.row = labels.Long(0);
     }
   }
-  if (found == kLabelFound) labels.SetBookmark(nearest_label);
+  if (found == kLabelFound) ormel.project.bound.TextLabels->SetBookmark(nearest_label);
 
   if (!(nearest < ormel.selection.radius_squared)) found = kNothingFound;
   ormel.selection.found_vid = found;

@@ -1,12 +1,14 @@
 #include "model/wells.h"
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/digitize.h"
 #include "model/geometry.h"
+#include "model/image_wells.h"
 #include "model/validity.h"
 #include "model/vertices.h"
 #include "model/well_form.h"
@@ -77,10 +79,14 @@ Vid StoreWell(Ormel& ormel, const WellRow& row, MapPoint at) {
 void ChangeWell(Ormel& ormel, Vid vid, const WellRow& row, MapPoint at) {
   Recordset& wells = *ormel.project.bound.Wells;
   if (!wells.FindKey("VID", vid)) return;
+  const std::string label = wells.Get("Label").AsText();
   wells.Edit();
   PutFields(wells, row);
   wells.Update();
   PutVertex(ormel, vid, at);
+  if (IsMirror(label)) return;
+  if (label != row.Label) RenameInAreas(ormel, label, row.Label);
+  if (HasProtectionArea(ormel, row.Label)) RemakeImageWells(ormel);
 }
 
 bool WellLimitReached(Ormel& ormel, std::string_view last_line) {
@@ -119,7 +125,7 @@ void ElemAddWell(Ormel& ormel) {
       const MapPoint at = ElemCheckVertices(ormel, form.At());
       const Vid vid = StoreWell(ormel, row, at);
       ormel.view().DrawElement(Element::kWell, vid, kSinglePoint, DrawMode::kNormal);
-      TurnOnLayer(ormel, kLayerElements);
+      TurnOnLayer(ormel, Layer::kElements);
     }
     ormel.view().Refresh();
     LeaveMouseMode(ormel);  // before a redraw, which may have something to say in the panels
@@ -135,7 +141,8 @@ bool MirrorWell(Ormel& ormel, const std::string& label, MapPoint point1, MapPoin
            "The two points of the stream boundary are the same.  Cannot create the mirrored well");
     return false;
   }
-  if (WellLimitReached(ormel, "Cannot create the mirrored well")) return false;
+  const Value present = ormel.db().Scalar("select VID from Wells where Label=?", {MirrorLabel(label)});
+  if (present.IsNull() && WellLimitReached(ormel, "Cannot create the mirrored well")) return false;
   Recordset source = ormel.db().OpenRecordset("select * from Wells where Label='" + SQLSafe(label) + "'");
   if (!source.HasRow()) return false;
   WellRow image = ReadWell(source);
@@ -144,12 +151,13 @@ bool MirrorWell(Ormel& ormel, const std::string& label, MapPoint point1, MapPoin
   if (image.NParticles > 0) image.NParticles = -image.NParticles;
   image.PathlineColor = kDefaultPathlineColor;
 
-  // The earlier image goes first: one image to a well.
-  ormel.db().Execute("delete from Wells where Label='Mirror_" + SQLSafe(label) + "'");
   const MapPoint at = ReflectInLine(well, point1, point2);
   ormel.view().DrawWell(at, image.Setback, image.Radius, DrawMode::kImageWell);
   ormel.view().Refresh();
-  StoreWell(ormel, image, at);
+  if (present.IsNull())
+    StoreWell(ormel, image, at);
+  else
+    ChangeWell(ormel, present.AsLong(), image, at);  // one image to a well
   return true;
 }
 

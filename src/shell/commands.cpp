@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "analysis/calibration_form.h"
+#include "analysis/report_form.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/solver_port.h"
@@ -20,6 +22,7 @@
 #include "model/move.h"
 #include "model/observations.h"
 #include "model/refine.h"
+#include "model/undo.h"
 #include "model/uniform_flow.h"
 #include "shell/about.h"
 #include "shell/gui_options_form.h"
@@ -28,32 +31,18 @@
 #include "shell/integrity.h"
 #include "shell/lifecycle.h"
 #include "shell/recent_projects.h"
-#include "shell/solve_stamp.h"
 #include "solver/driver.h"
 #include "solver/extents.h"
 #include "solver/inspection.h"
 #include "text/files.h"
 #include "tools/db_viewer.h"
 #include "tools/result_viewer.h"
+#include "tools/zone_table.h"
 #include "view/map_view_impl.h"
 #include "whpa/commands.h"
 #include "whpa/outline_command.h"
 
 namespace ormel::command {
-namespace {
-
-/// Lets other programs, and the next opening, know the solve; not results of another time than the project
-/// starts with.  A folder that takes no file has lost nothing by that.
-void StampSolve(Ormel& ormel) {
-  if (!ormel.solution.ValidSolution || ormel.solution.SolutionTime != 0.0) return;
-  try {
-    WriteSolveStamp(ormel);
-  } catch (const FileError& e) {
-    Inform(ormel, kProgramTitle, e.what(), Icon::kWarning);
-  }
-}
-
-}  // namespace
 
 void File(Ormel& ormel, int index) {
   switch (index) {
@@ -88,6 +77,15 @@ void SaveMapAs(Ormel& ormel, int /*index*/) {
   ormel.ports.window->SaveMapAs();
 }
 
+void Report(Ormel& ormel, int /*index*/) {
+  std::string reason;
+  if (!ormel.solution.ValidSolution) {
+    reason = WhyNotSolved(ormel);
+    if (reason.empty()) reason = "the saved solution has not been taken up; solve the model";
+  }
+  REPORT(ormel, reason);
+}
+
 void AddText(Ormel& ormel, int /*index*/) {
   ormel.view().ElemTurnOffSelection();
   BeginPlacing(ormel, Element::kTextLabel, "Add Text", "Click mouse at location for new text");
@@ -95,6 +93,14 @@ void AddText(Ormel& ormel, int /*index*/) {
 
 void DrawCapzone(Ormel& ormel, int /*index*/) {
   ModelAddCapzone(ormel);
+}
+
+void Undo(Ormel& ormel, int /*index*/) {
+  EditUndo(ormel);
+}
+
+void Redo(Ormel& ormel, int /*index*/) {
+  EditRedo(ormel);
 }
 
 void Edit(Ormel& ormel, int index) {
@@ -151,11 +157,9 @@ void Model(Ormel& ormel, int index) {
       return ormel.view().SetUpLayers();
     case 2:
       ormel.solver().ModelRunVadox({.AskFirst = true, .ZoomAfter = true, .ViewLogs = true});
-      if (ormel.solution.ValidSolution) Note(ormel, "CURRENT");
-      return StampSolve(ormel);
+      return NoteSolution(ormel);
     case 3:
-      ormel.solver().ModelRunVadox({true, true, true, true, true});
-      return StampSolve(ormel);
+      return ormel.solver().ModelRunVadox({true, true, true, true, true});
     case 4:
       return BeginParticle(ormel);
     case 5:
@@ -169,7 +173,6 @@ void Model(Ormel& ormel, int index) {
 
 void SolutionTime(Ormel& ormel, int /*index*/) {
   ormel::SolutionTime(ormel);
-  StampSolve(ormel);
 }
 
 void ModelSize(Ormel& ormel, int /*index*/) {
@@ -178,6 +181,10 @@ void ModelSize(Ormel& ormel, int /*index*/) {
 
 void ResultsTable(Ormel& ormel, int /*index*/) {
   ViewResultsTable(ormel);
+}
+
+void CalibrationStatistics(Ormel& ormel, int /*index*/) {
+  CALIBRATION_STATS(ormel);
 }
 
 void RunFile(Ormel& ormel, int index) {
@@ -196,7 +203,8 @@ void ImportAreas(Ormel& ormel, int /*index*/) {
   ImportWHPA(ormel);
 }
 
-void OutlineZone(Ormel& ormel, int /*index*/) {
+void OutlineZone(Ormel& ormel, int index) {
+  if (index == 1) return ViewZoneTable(ormel);
   OutlineCaptureZone(ormel);
 }
 

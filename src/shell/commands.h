@@ -11,8 +11,11 @@ namespace command {
 void File(Ormel& ormel, int index);
 void Recent(Ormel& ormel, int index);
 void SaveMapAs(Ormel& ormel, int index);
+void Report(Ormel& ormel, int index);
 
 // &Edit
+void Undo(Ormel& ormel, int index);
+void Redo(Ormel& ormel, int index);
 void Edit(Ormel& ormel, int index);
 void DeleteAll(Ormel& ormel, int index);
 void DeleteWhpas(Ormel& ormel, int index);
@@ -42,6 +45,7 @@ void Model(Ormel& ormel, int index);
 void SolutionTime(Ormel& ormel, int index);
 void ModelSize(Ormel& ormel, int index);
 void ResultsTable(Ormel& ormel, int index);
+void CalibrationStatistics(Ormel& ormel, int index);
 void RunFile(Ormel& ormel, int index);
 
 // &Tools

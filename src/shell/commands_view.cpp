@@ -1,6 +1,5 @@
 // The commands of the menu "View".
-#include <string_view>
-
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "shell/commands.h"
@@ -12,15 +11,6 @@
 namespace ormel::command {
 namespace {
 
-void Toggle(Ormel& ormel, std::string_view control, int index) {
-  ormel.menus.Check(control, index, !ormel.menus.Checked(control, index));
-}
-
-/// One item of a control checked, `count` others not.
-void CheckOnly(Ormel& ormel, std::string_view control, int index, int count) {
-  for (int i = 0; i < count; ++i) ormel.menus.Check(control, i, i == index);
-}
-
 void RedrawInPlace(Ormel& ormel) {
   ormel.view().ZoomActions(ormel::Zoom::kRedrawInPlace);
 }
@@ -30,7 +20,7 @@ void RedrawInPlace(Ormel& ormel) {
 void Layer(Ormel& ormel, int index) {
   if (index == kLayerRefresh) return ormel.view().ZoomActions(ormel::Zoom::kRedraw);
   if (index == kLayerResultsOverlay) return ResultsOverlayCommand(ormel);
-  Toggle(ormel, "layermenu", index);
+  if (const auto layer = layermenu(index)) ormel.layers.Toggle(*layer);
   if (index != kLayerToolbar) RedrawInPlace(ormel);
 }
 
@@ -51,27 +41,28 @@ void ElevationMarks(Ormel& ormel, int index) {
 }
 
 void TestDisplay(Ormel& ormel, int index) {
-  Toggle(ormel, "TESTDISPLAY", index);
+  if (const auto layer = LayerOf("TESTDISPLAY", index)) ormel.layers.Toggle(*layer);
   RedrawInPlace(ormel);
 }
 
 void TestScaling(Ormel& ormel, int index) {
-  CheckOnly(ormel, "TPSCALING", index, 3);
+  for (int i = 0; i < 3; ++i)
+    if (const auto layer = LayerOf("TPSCALING", i)) ormel.layers.Switch(*layer, i == index);
   RedrawInPlace(ormel);
 }
 
 void ShowVertices(Ormel& ormel, int index) {
-  Toggle(ormel, "ShowVertices", index);
+  if (const auto layer = LayerOf("ShowVertices", index)) ormel.layers.Toggle(*layer);
   RedrawInPlace(ormel);
 }
 
-void Haze(Ormel& ormel, int index) {
-  Toggle(ormel, "Haze", index);
+void Haze(Ormel& ormel, int /*index*/) {
+  ormel.layers.Toggle(Layer::kHaze);
   RedrawInPlace(ormel);
 }
 
-void WellLabels(Ormel& ormel, int index) {
-  Toggle(ormel, "ShowWellLabels", index);
+void WellLabels(Ormel& ormel, int /*index*/) {
+  ormel.layers.Toggle(Layer::kWellLabels);
   RedrawInPlace(ormel);
 }
 

@@ -3,13 +3,17 @@
 #include <filesystem>
 #include <optional>
 
+#include "analysis/calibration_form.h"
 #include "core/command.h"
 #include "core/directory_memory.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/project.h"
+#include "core/result_items.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/area_runs.h"
 #include "model/delete.h"
 #include "model/vertices.h"
 #include "shell/base_maps.h"
@@ -19,7 +23,8 @@
 #include "shell/project_copy.h"
 #include "shell/project_settings.h"
 #include "shell/recent_projects.h"
-#include "shell/solve_stamp.h"
+#include "solver/run.h"
+#include "solver/solve_stamp.h"
 #include "store/database.h"
 #include "store/schema.h"
 #include "store/store_error.h"
@@ -80,7 +85,7 @@ void MakeProject(Ormel& ormel, const std::string& path, const NewDatabaseWizard&
 void ShowStoredWhpas(Ormel& ormel) {
   ReadWhpaState(ormel);
   if (ormel.db().RowCount("WHPAs") == 0) return;
-  ormel.menus.Check("ShowWHPAs", true);
+  ormel.layers.Switch(Layer::kWhpas, true);
   ormel.menus.Enable("WHPA", true);
 }
 
@@ -91,17 +96,19 @@ void ResetSolution(Ormel& ormel) {
   ormel.solution.GridValid = false;
   ormel.solution.ContoursValid = false;
   ormel.solution.results_drawn = false;
+  ormel.solution.solved.reset();
+  ormel.solution.OfOlderModel = false;
+  ormel.solution.outdated_runs.clear();
   ormel.solution.traced_lines.clear();
   ormel.solution.SolutionTime = fresh.SolutionTime;
-  for (const char* control : {"RESULTS_TABLE", "MODELRUNFILES", "CALIBRATION_STATS"})
-    ormel.menus.Enable(control, false);
-  ormel.menus.Enable("MODEL_CMDS", 3, false);
+  EnableResultItems(ormel, false);
 }
 
 /// Everything behind the tests and the connection.
 void LoadProject(Ormel& ormel, const std::string& path, bool isNew) {
   if (isNew) ShowNewProjectSettings(ormel);
   RepairBasePath(ormel);
+  TakeBackInterruptedRun(ormel);
   Extents maps;
   const bool has_maps = LoadBaseMaps(ormel, maps);
   LoadDataControls(ormel);
@@ -113,15 +120,16 @@ void LoadProject(Ormel& ormel, const std::string& path, bool isNew) {
   ormel.project.ProjectOpen = true;
   EnableProjectCommands(ormel, true);
   ormel.view().TurnOnMenus();
-  const bool solved = ormel.solution.restore_on_open && RestoreSolve(ormel).empty();
+  if (ormel.solution.restore_on_open) RestoreSolve(ormel);
   ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   EnableMouse(ormel);
   for (int index = 0; index < 2; ++index) ormel.menus.Enable("SolverIntegrityCheck", index, true);
   ShowStoredWhpas(ormel);
+  CALIBRATION_STATS(ormel, true);
   ormel.gui.VertexTolerance = DefaultVertexTolerance(ormel);
   ShowTitle(ormel);
   SelectStatus(ormel);
-  Note(ormel, solved ? "CURRENT" : "");
+  NoteSolution(ormel);
   ormel.view().SetUpToolbar();
   DBIntegrity(ormel);
   RememberProject(ormel, path);
@@ -159,8 +167,8 @@ void FileOpenProject(Ormel& ormel, const std::string& path, bool isNew) {
   chosen = FullPath(ormel, chosen);
   if (ormel.project.ProjectOpen) FileCloseProject(ormel);
   WriteDefaultDirectory(ormel, kOpenProjectPathKey, FolderOf(chosen));
-  ormel.menus.Check("ShowWHPAs", false);
-  ormel.menus.Check("Haze", false);
+  ormel.layers.Switch(Layer::kWhpas, false);
+  ormel.layers.Switch(Layer::kHaze, false);
   EnableMouse(ormel);
   if (!TestProjectFile(ormel, chosen)) return;
   DisableMouse(ormel);
@@ -251,17 +259,17 @@ void FileCloseProject(Ormel& ormel) {
   MenuState& menus = ormel.menus;
   ormel.view().ElemTurnOffSelection();
   CloseAll(ormel);
-  for (int index = 0; index < 3; ++index) menus.Check("PATHLINES", index, false);
+  ormel.layers.Switch(Layer::kPathlines, false);
   ormel.view().TurnOffMenus();
   ormel.view().SetUpToolbar();
   menus.Enable("FILEMENU", true);
   menus.Enable("HELPMENU", true);
-  for (int index = 0; index < 3; ++index) menus.Check("EDITORGRID", index, false);
+  ormel.layers.Switch(Layer::kEditorGrid, false);
+  menus.Check("EDITORGRID", kGridSnap, false);
   EnableProjectCommands(ormel, false);
-  for (int index = 0; index < 2; ++index) {
-    menus.Check("SolverIntegrityCheck", index, false);
-    menus.Check("ShowVertices", index, false);
-  }
+  for (int index = 0; index < 2; ++index) menus.Check("SolverIntegrityCheck", index, false);
+  for (const Layer layer : {Layer::kLinesinkVertices, Layer::kDomainVertices})
+    ormel.layers.Switch(layer, false);
   ormel.project.folder.clear();  // the program's folder from now on
 }
 
@@ -271,6 +279,7 @@ void CloseAll(Ormel& ormel) {
     ormel.project.ProjectOpen = false;
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   }
+  if (ormel.project.db != nullptr && ormel.project.db->IsOpen()) DeleteOutdatedRuns(ormel);
   DetachProject(ormel);
   ResetSolution(ormel);
   ormel.view().ClearMouseMode();

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "core/user_interface.h"
 #include "shell/recent_projects.h"
@@ -34,7 +35,9 @@ struct RestReason {
   std::string_view reason;
 };
 constexpr std::string_view kSolveFirst = "solve the model first", kNothing = "the project has none";
-constexpr std::array kRestReasons{RestReason{"EDIT_CMDS", -1, "select an element on the map first"},
+constexpr std::array kRestReasons{RestReason{"UNDO", -1, "nothing has been changed"},
+                                  RestReason{"REDO", -1, "nothing has been undone"},
+                                  RestReason{"EDIT_CMDS", -1, "select an element on the map first"},
                                   RestReason{"ZOOM_CMDS", -1, "the map is as close as it gets"},
                                   RestReason{"layermenu", kLayerContours, kSolveFirst},
                                   RestReason{"layermenu", kLayerPathlines, kSolveFirst},
@@ -47,6 +50,12 @@ constexpr std::array kRestReasons{RestReason{"EDIT_CMDS", -1, "select an element
                                   RestReason{"RESULTS_TABLE", -1, kSolveFirst},
                                   RestReason{"CALIBRATION_STATS", -1, kSolveFirst},
                                   RestReason{"SolverIntegrityCheck", -1, kSolveFirst}};
+
+/// Procedures may enable and disable it; a layer's item follows its switch.
+bool StateOf(const Ormel& ormel, std::string_view control, int index) {
+  const auto layer = LayerOf(control, index);
+  return ormel.menus.Enabled(control, index) && (!layer || ormel.layers.Offered(*layer));
+}
 
 }  // namespace
 
@@ -72,7 +81,9 @@ bool HasSubmenu(const MenuItem& item) {
 std::string ItemCaption(const Ormel& ormel, const MenuItem& item) {
   if (item.control != "RECENT") {
     std::string caption = ormel.menus.Caption(item.control, item.index);
-    return caption.empty() ? std::string(item.caption) : caption;
+    if (!caption.empty()) return caption;
+    const auto layer = item.caption.empty() ? LayerOf(item.control, item.index) : std::nullopt;
+    return std::string(layer ? RowOf(*layer).caption : item.caption);
   }
   const std::vector<std::string> paths = RecentProjects(ormel);
   const auto number = static_cast<std::size_t>(item.index);
@@ -91,7 +102,7 @@ std::string_view ItemTip(const Ormel& ormel, const MenuItem& item) {
   if (!StateAllows(ormel, item.flags & kNeedsProject)) return "open a project first";
   if (!StateAllows(ormel, item.flags)) return "solve the model first";
   for (const MenuItem* at = &item; at != nullptr; at = ParentOf(*at)) {
-    if (ormel.menus.Enabled(at->control, at->index)) continue;
+    if (StateOf(ormel, at->control, at->index)) continue;
     for (const RestReason& row : kRestReasons)
       if (row.control == at->control && (row.index < 0 || row.index == at->index)) return row.reason;
   }
@@ -100,9 +111,14 @@ std::string_view ItemTip(const Ormel& ormel, const MenuItem& item) {
 
 bool ItemEnabled(const Ormel& ormel, const MenuItem& item) {
   if (!HasSubmenu(item) && !IsAvailable(ormel, item.run, item.flags)) return false;
-  if (!StateAllows(ormel, item.flags) || !ormel.menus.Enabled(item.control, item.index)) return false;
+  if (!StateAllows(ormel, item.flags) || !StateOf(ormel, item.control, item.index)) return false;
   const MenuItem* parent = ParentOf(item);
   return parent == nullptr || ItemEnabled(ormel, *parent);
+}
+
+bool ItemChecked(const Ormel& ormel, const MenuItem& item) {
+  const auto layer = LayerOf(item.control, item.index);
+  return layer ? ormel.layers.On(*layer) : ormel.menus.Checked(item.control, item.index);
 }
 
 bool ButtonEnabled(const Ormel& ormel, const ToolbarButton& button) {

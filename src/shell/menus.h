@@ -28,11 +28,11 @@ using MenuCommand = void (*)(Ormel&, int index);
 struct MenuItem {
   std::string_view control{};  ///< name of the control; also of the procedure: <control>_Click
   int index = 0;               ///< in the control's array; 0 for a control without one
-  std::string_view caption{};  ///< with "&" before its mnemonic
+  std::string_view caption{};  ///< with "&" before its mnemonic; "" for that of the layer that it switches
   std::string_view parent{};   ///< control of the item whose submenu it is in; "" for a top menu
   int parent_index = 0;
   unsigned flags = kPlain;
-  std::string_view shortcut{};  ///< "Ctrl+N"
+  std::string_view shortcut{};  ///< "Ctrl+N"; several with "; " between them
   MenuCommand run = nullptr;    ///< null for a submenu, and for a command that this version does not have
 };
 
@@ -57,10 +57,13 @@ bool HasSubmenu(const MenuItem& item);
 
 /// The caption as shown; that of a recent project depends on the settings, and is empty when there is none.
 std::string ItemCaption(const Ormel& ormel, const MenuItem& item);
-/// Why the command rests, "not available in this version" for one that is missing; empty when it can be given.
+/// Why the command rests, "not available in this version" for one that is missing; empty when it can be
+/// given.
 std::string_view ItemTip(const Ormel& ormel, const MenuItem& item);
 /// By the table, the state that procedures have set, the project, and the menus above it.
 bool ItemEnabled(const Ormel& ormel, const MenuItem& item);
+/// A layer's item follows its switch.
+bool ItemChecked(const Ormel& ormel, const MenuItem& item);
 bool ButtonEnabled(const Ormel& ormel, const ToolbarButton& button);
 
 /// Runs the command of an item, with the failure policy.  False when there is no such item, or it is

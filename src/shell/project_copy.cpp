@@ -11,6 +11,7 @@
 #include <system_error>
 #include <utility>
 
+#include "core/run_files.h"
 #include "store/database.h"
 #include "store/schema.h"
 #include "text/files.h"
@@ -93,7 +94,8 @@ void DuplicateProject(const std::string& source, const std::string& target) {
   CopyBytes(source, copy.path());
   {
     Database db = Database::Open(copy.path());
-    db.Execute("update Project set OrmelBaseName=?", {std::filesystem::path(target).stem().string()});
+    db.Execute("update Project set OrmelBaseName=?",
+               {FreeStem(GetPathFromFile(target), std::filesystem::path(target).stem().string())});
     db.Close();
   }
   copy.BecomeThe(target);

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/settings.h"
@@ -44,7 +45,7 @@ void OpenFirstProject(Ormel& ormel, const std::string& command_line) {
 void ResetForm(Ormel& ormel) {
   ormel.mouse = MouseState{};
   ormel.selection = Selection{};
-  ormel.menus.Check("TPSCALING", 0, true);  // +/- 5
+  ormel.layers.Switch(Layer::kTestScale5, true);  // +/- 5
   EnableProjectCommands(ormel, false);
   ormel.view().TurnOffMenus();
   ormel.menus.Enable("FILEMENU", true);
@@ -81,7 +82,7 @@ void Form_Load(Ormel& ormel, const std::string& command_line, const StartSteps& 
     ormel.ui().SetCaption(std::string(kProgramTitle) + " - Version " + VersionText());
     const Placement placement = ReadPlacement(ormel);
     if (steps.place) steps.place(placement);
-    ormel.menus.Check("layermenu", kLayerToolbar, placement.Toolbar);
+    ormel.layers.Switch(Layer::kToolbar, placement.Toolbar);
     ShowSplash(ormel);
     if (steps.show) steps.show();
     ResetForm(ormel);

@@ -7,20 +7,27 @@
 #include <string>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
+#include "core/result_items.h"
+#include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "document/fingerprint.h"
 #include "model/model_settings.h"
 #include "model/model_values.h"
 #include "model/validity.h"
-#include "solver/deck_writer.h"
+#include "solver/element_deck.h"
 #include "solver/extents.h"
-#include "solver/kept_files.h"
 #include "solver/outside_programs.h"
+#include "solver/pathline_tics.h"
 #include "solver/result_loader.h"
-#include "solver/run_deck.h"
+#include "solver/result_rows.h"
+#include "solver/run.h"
+#include "solver/solve_stamp.h"
 #include "solver/solve_state.h"
+#include "solver/text_sink.h"
 #include "store/database.h"
 #include "text/files.h"
 #include "text/numbers.h"
@@ -36,33 +43,41 @@ int IterationsOf(const std::string& text) {
   return static_cast<int>(std::clamp(std::trunc(Val(text)), 0.0, kMostIterations));
 }
 
-/// One run from its decision to its redraw.
+/// A solve or a reload, from its decision to its redraw.
 class SolveRun {
  public:
   SolveRun(Ormel& ormel, const SolveRequest& request)
-      : ormel_(ormel), request_(request), view_logs_(request.ViewLogs), before_(ormel) {}
+      : ormel_(ormel), request_(request), view_logs_(request.ViewLogs) {}
 
   void Run() {
+    const StateBeforeRun before(ormel_);
     ormel_.menus.Enable("RESULTS_TABLE", false);
     ormel_.menus.Enable("MODELRUNFILES", false);
     ormel_.view().ClearMouseMode();
     const std::optional<bool> is_new = Decide();
     if (!is_new) return;
     new_ = *is_new;
-    // What the user has done so far stays whatever becomes of the run; the run's own rows do only when it
-    // counts.
-    CommitSoFar(ormel_);
-    Transaction rows(ormel_.db());
+    if (!OwnsStem()) return before.Restore(ormel_);
+    solves_ = new_ || request_.ContinueSolve;
     model_ = ReadModel(ormel_);
-    if (!Prepare(rows)) {
-      Undo(rows);
-      return;
+    // Only a solve says from which model a solution is; a reload hands on what was said.
+    const SolutionState& solution = ormel_.solution;
+    if (!new_)
+      saved_model_ = solution.ValidSolution && solution.solved ? solution.solved->model.solution
+                                                               : ModelOfSavedSolution(ormel_);
+    RunOutcome outcome;
+    try {
+      outcome = RunBy(ormel_, Plan());
+    } catch (...) {
+      before.Restore(ormel_);
+      throw;
     }
-    if (!RunPrograms(rows)) return;
-    kept_.Finish();
-    rows.Commit();
-    Contours();
-    ShowResults();
+    if (outcome.end == RunEnd::kDone) return ShowResults();
+    before.Restore(ormel_);
+    if (outcome.end == RunEnd::kCancelled)
+      Feedback(ormel_, "The run was cancelled: results and files are as they were before");
+    if (outcome.end == RunEnd::kNotStarted) TellStartFailed(ormel_, outcome.process);
+    if (outcome.end == RunEnd::kStopped) GiveUpSolution(before.had_solution());
   }
 
  private:
@@ -82,57 +97,89 @@ class SolveRun {
     return false;
   }
 
-  void ClearDrawnFlags() {
-    ormel_.solution.PathlinesValid = ormel_.solution.ContoursValid = ormel_.solution.GridValid = false;
+  /// False when the files of this stem are another project's and the user keeps it so.
+  bool OwnsStem() {
+    const std::string other = OtherOwnerOfStem(ormel_);
+    if (other.empty()) return true;
+    ProjectState& project = ormel_.project;
+    const std::string whose = "The model files \"" + project.OrmelBaseName + "\" in the folder\n" +
+                              project.OrmelBasePath + "\nare those of the project " + other + ".";
+    if (!new_) {
+      Inform(ormel_, kProgramTitle, whose + "\nThis project has no saved solution there.  Solve it anew.",
+             Icon::kWarning);
+      return false;
+    }
+    const std::string title = FileTitle(project.DBName);
+    const std::string stem = FreeStem(project.OrmelBasePath, title.substr(0, title.rfind('.')));
+    if (!AskYesNo(ormel_, "Model Files in Use",
+                  whose +
+                      "\nSolving would replace its results.  Give this project files of its own, named \"" +
+                      stem + "\"?",
+                  Icon::kQuestion))
+      return false;
+    ormel_.db().Execute("update Project set OrmelBaseName=?", {stem});
+    project.OrmelBaseName = stem;
+    return true;
   }
 
-  /// What was drawn from another solution must not be taken for this one's, also by those who read the file.
-  void SetDrawnFileAside(const char* extension, bool renewed) {
-    if (new_ || request_.ContinueSolve)
-      kept_.Delete(StemFile(ormel_, extension));
-    else if (renewed)
-      kept_.Replace(StemFile(ormel_, extension));
+  /// Another project may have been solved under the same stem while this run waited for the folder.
+  bool StillOwnsStem() {
+    if (OtherOwnerOfStem(ormel_).empty()) return true;
+    Inform(
+        ormel_, kProgramTitle,
+        "Another project has just been solved with the same name of its model files.  Solve again: you will "
+        "be asked for another name.",
+        Icon::kWarning);
+    return false;
   }
 
-  void SetFilesAside() {
+  RunPlan Plan() {
+    const std::string& stem = ormel_.project.OrmelBaseName;
+    RunPlan plan;
+    plan.deck = new_ ? stem + ".DAT" : std::string(kRegridDeck);
+    plan.argument = new_ ? stem : std::string(kRegridDeck);
+    plan.wait_text = "Solving the model...";
+    plan.writing_text = "Writing Data to Solver...";
+    plan.files = Files();
+    plan.results = StemFile(ormel_, ".XTR");
+    plan.write = [this](TextSink& deck) { return WriteDeck(deck); };
+    plan.begin = [this] { return StillOwnsStem(); };
+    plan.accept = [this] { return Accept(); };
+    plan.record = [this] { Record(); };
+    return plan;
+  }
+
+  std::vector<RunFile> Files() {
+    using How = RunFile::How;
+    std::vector<RunFile> files;
+    const auto add = [&files](const std::string& path, How how) { files.push_back({path, how}); };
     if (new_) {
-      kept_.Delete(StemFile(ormel_, ".DAT"));
-      kept_.Delete(StemFile(ormel_, ".SOL"));
-      kept_.Delete(ModelFile(ormel_, "ERROR.LOG"));
-      kept_.Delete(ModelFile(ormel_, "MESSAGE.LOG"));
+      add(StemFile(ormel_, ".DAT"), How::kWords);
+      add(StemFile(ormel_, ".SOL"), How::kSetAside);
+      add(ModelFile(ormel_, "ERROR.LOG"), How::kWords);
+      add(ModelFile(ormel_, "MESSAGE.LOG"), How::kWords);
     } else if (request_.ContinueSolve) {
-      kept_.Copy(StemFile(ormel_, ".SOL"));
+      add(StemFile(ormel_, ".SOL"), How::kCopy);
     }
-    if (new_ || request_.ContinueSolve) {
-      ClearDrawnFlags();
-      ormel_.solution.traced_lines.clear();
-    }
-    kept_.Delete(StemFile(ormel_, ".XTR"));
-    SetDrawnFileAside(".GRD", model_.CONTOURShow != 0);
-    SetDrawnFileAside(".CTR", model_.CONTOURShow != 0);
-    SetDrawnFileAside(".PTH", model_.TRACECompute != 0);
-    DeleteTolerantly(ModelFile(ormel_, "VADOX1.INI"));
-    DeleteTolerantly(ModelFile(ormel_, "VADOX.OPS"));
-  }
-
-  /// False when the user gives up.  A failure here has not run anything: all stays as it was.
-  bool Prepare(Transaction& rows) {
-    try {
-      SetFilesAside();
-      return WriteDeck();
-    } catch (...) {
-      Undo(rows);
-      throw;
-    }
+    add(StemFile(ormel_, ".RUN"), How::kSetAside);
+    add(StemFile(ormel_, ".XTR"), How::kSetAside);
+    // What was drawn from another solution must not be taken for this one's, also by those who read the file.
+    const auto drawn = [&](const char* extension, bool renewed) {
+      if (solves_)
+        add(StemFile(ormel_, extension), How::kSetAside);
+      else if (renewed)
+        add(StemFile(ormel_, extension), How::kReplace);
+    };
+    drawn(".GRD", model_.CONTOURShow != 0);
+    if (solves_ || model_.CONTOURShow != 0) add(StemFile(ormel_, ".CTR"), How::kSetAside);
+    drawn(".PTH", model_.TRACECompute != 0);
+    return files;
   }
 
   /// False when the user gives up.
-  bool WriteDeck() {
-    const std::string& folder = ormel_.project.OrmelBasePath;
-    const std::string name = new_ ? ormel_.project.OrmelBaseName + ".DAT" : std::string(kRegridDeck);
-    TextFileWriter deck(JoinPath(folder, name));
-    const bool regrid_log = request_.KeepSolution && !new_ && !request_.ContinueSolve;
-    WriteRunHead(deck, regrid_log ? "regrid.log" : "message.log");
+  bool WriteDeck(TextSink& deck) {
+    const bool regrid_log = request_.KeepSolution && !solves_;
+    WriteHead(deck, {.message = regrid_log ? "regrid.log" : "message.log"});
     if (new_) {
       ModelCheckExtents(ormel_, false, false);
       StoreModelOrigin(ormel_);
@@ -140,22 +187,33 @@ class SolveRun {
       ModelRestoreModelOrigin(ormel_);
     }
     ormel_.window.solved = ormel_.window.model;
+    if (solves_) ormel_.solution.traced_lines.clear();
     if (new_) WriteModelSection(deck);
-    WriteLayout(ormel_, deck);
-    const bool goes_on = new_ ? WriteNewSolve(deck) : WriteReload(deck);
-    if (goes_on) {
-      WriteExtract(ormel_, deck);
-      WriteGridAndTrace(deck);
-      deck.Line(" stop");
+    const OutputInput output = ReadOutputInput(ormel_);
+    WriteLayout(deck, output.window);
+    if (new_) {
+      deck.Line(" time 0");
+      WriteSolveAndSave(deck, model_.SOLVERIterations, output.stem);
+    } else {
+      WriteLoad(deck, output.stem);
     }
-    deck.Commit();
-    return goes_on;
+    WriteTimeAtZone(deck, output.solution_time);
+    if (request_.ContinueSolve && !new_ && !WriteContinuation(deck)) return false;
+    WriteOutput(output, deck);
+    deck.Line(" stop");
+    SetDrawnFlags(output);
+    return true;
   }
 
-  void WriteModelSection(TextFileWriter& deck) {
+  void WriteModelSection(TextSink& deck) {
     InvalidateSolution(ormel_, false, false);
-    ToolsWriteVadoxElements(ormel_, deck, true, false);
-    // The writer's own recommendation is left aside: the solver converges in two steps as a rule.
+    const SolverInput input = ReadSolverInput(ormel_);
+    ToolsWriteVadoxElements(input, deck, false);
+    {
+      const Named named(ormel_, "SeedResultRows");
+      SeedResultRows(ormel_.db(), input);
+    }
+    // What the elements recommend is left aside: the solver converges in two steps as a rule.
     if (kRecommendedIterations <= model_.SOLVERIterations) return;
     const auto answer = ormel_.ui().Ask(InputBox{"Warning",
                                                  Lines({"Your problem may require more iterations than you",
@@ -167,114 +225,79 @@ class SolveRun {
     ormel_.db().Execute("update Model set SOLVERIterations=?", {model_.SOLVERIterations});
   }
 
-  bool WriteNewSolve(TextFileWriter& deck) {
-    deck.Line(" time 0");
-    WriteSolveAndSave(ormel_, deck, model_.SOLVERIterations);
-    WriteSolutionTime(ormel_, deck);
-    return true;
-  }
-
-  bool WriteReload(TextFileWriter& deck) {
-    deck.Line(" load " + ormel_.project.OrmelBaseName);
-    WriteSolutionTime(ormel_, deck);
-    if (!request_.ContinueSolve) return true;
+  bool WriteContinuation(TextSink& deck) {
     const auto answer = ormel_.ui().Ask(InputBox{
         "Continue Solution", "Number of additional iterations:", std::to_string(model_.SOLVERIterations)});
     const int iterations = IterationsOf(answer.value_or(""));
     if (iterations < 1) return false;
-    WriteSolveAndSave(ormel_, deck, iterations);
+    WriteSolveAndSave(deck, iterations, ormel_.project.OrmelBaseName);
     return true;
   }
 
-  void WriteGridAndTrace(TextFileWriter& deck) {
-    if (model_.CONTOURShow != 0) {
-      ormel_.solution.GridValid = true;
-      ormel_.solution.ContoursValid = false;  // those that stand belong to the grid before this one
-      WriteGrid(ormel_, deck, model_);
+  void SetDrawnFlags(const OutputInput& output) {
+    SolutionState& solution = ormel_.solution;
+    if (solves_) ClearDrawnFlags();
+    if (output.grid_points) {
+      solution.GridValid = true;
+      solution.ContoursValid = false;  // those that stand belong to the grid before this one
     }
-    if (model_.TRACECompute != 0) {
-      ormel_.solution.PathlinesValid = true;
-      WriteTrace(ormel_, deck, model_);
+    if (output.trace) solution.PathlinesValid = true;
+  }
+
+  RunEnd Accept() {
+    SolutionState& solution = ormel_.solution;
+    const LoadReport report = ModelLoadVadoxResults(ormel_);
+    if (const std::string fault = FaultOf(report, ModelFile(ormel_, "ERROR.LOG")); !fault.empty()) {
+      Inform(ormel_, "Fatal execution error",
+             Lines({"The results file", StemFile(ormel_, ".XTR"), "is damaged: " + fault + ".",
+                    "The results that stood before stay as they were."}),
+             Icon::kStop);
+      return RunEnd::kRefused;
+    }
+    // Without a grid of this solution there is nothing to contour: an older one would give wrong lines.
+    if (!solution.ContoursValid && solution.GridValid)
+      solution.ContoursValid = RunContourProgram(ormel_, ormel_.project.OrmelBaseName) == ContourEnd::kDone;
+    if (solution.GridValid && !solution.ContoursValid) DeleteTolerantly(StemFile(ormel_, ".CTR"));
+    solution.ValidSolution = true;
+    Fingerprint now = FingerprintOf(ormel_);
+    const std::uint64_t model = new_ ? now.solution : saved_model_;
+    solution.OfOlderModel = model != now.solution;
+    now.solution = model;
+    solution.solved = SolvedModel{now, solution.GridValid, solution.ContoursValid, solution.PathlinesValid};
+    return RunEnd::kDone;
+  }
+
+  /// Lets other programs, and the next opening, know the run; not results of another time than the project
+  /// starts with.  A folder that takes no file has lost nothing by that.
+  void Record() {
+    if (ormel_.solution.SolutionTime != 0.0) return;
+    try {
+      WriteSolveStamp(ormel_);
+    } catch (const FileError& e) {
+      Inform(ormel_, kProgramTitle, e.what(), Icon::kWarning);
     }
   }
 
-  /// The solver.  False when the run ends here; the user has been told why.
-  bool RunPrograms(Transaction& rows) {
-    noexecutable(ormel_, kSolverProgram);
-    const int size = ModelGetSize(ormel_, false);
-    const ProcessResult result =
-        RunSolver(ormel_, size, new_ ? ormel_.project.OrmelBaseName : kRegridDeck, "Solving the model...");
-    if (!result.started) {
-      Undo(rows);
-      TellStartFailed(ormel_, result);
-      return false;
-    }
-    if (result.cancelled) {
-      Undo(rows);
-      Feedback(ormel_, "The run was cancelled: results and files are as they were before");
-      return false;
-    }
-    if (TellFatalStop(ormel_, result) || !ResultsFileStands()) {
-      kept_.Finish();
-      rows.Commit();
-      GiveUpSolution();
-      return false;
-    }
-    return true;
+  void ClearDrawnFlags() {
+    ormel_.solution.PathlinesValid = ormel_.solution.ContoursValid = ormel_.solution.GridValid = false;
   }
 
-  void Undo(Transaction& rows) {
-    rows.Rollback();
-    kept_.Restore();
-    DeleteTolerantly(ModelFile(ormel_, "VADOX.OPS"));
-    before_.Restore(ormel_);
-  }
-
-  bool ResultsFileStands() {
-    const std::string path = StemFile(ormel_, ".XTR");
-    if (FileExists(path)) return true;
-    Inform(ormel_, "Fatal execution error",
-           Lines({std::string(kSolverProgram) + " ended without its results file", path,
-                  "No results were loaded."}),
-           Icon::kStop);
-    return false;
-  }
-
-  void GiveUpSolution() {
+  void GiveUpSolution(bool had_solution) {
     InvalidateSolution(ormel_, false, false);
     ormel_.solution.ValidSolution = false;
     ClearDrawnFlags();
     // The picture may show what is not valid any more.
-    if (before_.had_solution()) ormel_.view().ZoomActions(Zoom::kRedrawInPlace);
-  }
-
-  void Contours() {
-    for (const char* item : {"RESULTS_TABLE", "MODELRUNFILES", "CALIBRATION_STATS"})
-      ormel_.menus.Enable(item, true);
-    // Without a grid of this solution there is nothing to contour: an older one would give wrong lines.
-    if (ormel_.solution.ContoursValid || !ormel_.solution.GridValid) return;
-    DeleteTolerantly(StemFile(ormel_, ".CTR"));
-    ormel_.solution.ContoursValid = RunContourProgram(ormel_, ormel_.project.OrmelBaseName);
-  }
-
-  void SetLayer(LayerItem layer, bool on) {
-    if (on)
-      TurnOnLayer(ormel_, layer);
-    else
-      TurnOffLayer(ormel_, layer);
+    if (had_solution) ormel_.view().ZoomActions(Zoom::kRedrawInPlace);
   }
 
   void ShowResults() {
-    SetLayer(kLayerContours, model_.CONTOURShow != 0);
-    SetLayer(kLayerPathlines, model_.TRACECompute != 0);
-    SetLayer(kLayerTestPoints, ormel_.db().RowCount("TestPoints") > 0);
-    ormel_.solution.ValidSolution = true;
-    ormel_.menus.Enable("SolverIntegrityCheck", 0, true);
-    ormel_.menus.Enable("SolverIntegrityCheck", 1, true);
-    ModelLoadVadoxResults(ormel_);
-    if (!request_.KeepSolution) Note(ormel_, "CURRENT");
+    EnableResultItems(ormel_, true);
+    SetLayer(ormel_, Layer::kContours, model_.CONTOURShow != 0);
+    SetLayer(ormel_, Layer::kPathlines, model_.TRACECompute != 0);
+    SetLayer(ormel_, Layer::kTestPoints, ormel_.db().RowCount("TestPoints") > 0);
+    WriteTicFiles(ormel_);
+    if (ormel_.solution.OfOlderModel || !request_.KeepSolution) NoteSolution(ormel_);
     ormel_.view().ZoomActions(request_.ZoomAfter ? Zoom::kRedraw : Zoom::kRedrawInPlace);
-    ormel_.menus.Enable("MODEL_CMDS", 3, true);
     OfferLogs();
   }
 
@@ -288,10 +311,10 @@ class SolveRun {
   Ormel& ormel_;
   const SolveRequest request_;
   bool view_logs_;
-  const StateBeforeRun before_;
-  KeptFiles kept_;
   ModelValues model_;
+  std::uint64_t saved_model_ = 0;  ///< fingerprint of the model that the saved solution is of; 0: unknown
   bool new_ = false;
+  bool solves_ = false;  ///< writes a solution: a new one, or the saved one continued
 };
 
 }  // namespace
@@ -340,7 +363,7 @@ void RUN_FILES(Ormel& ormel, int index) {
 }
 
 void RunContour(Ormel& ormel) {
-  ormel.solution.ContoursValid = RunContourProgram(ormel, ormel.project.OrmelBaseName);
+  ormel.solution.ContoursValid = RunContourProgram(ormel, ormel.project.OrmelBaseName) == ContourEnd::kDone;
 }
 
 void OrmelErrorAnalysis(Ormel& ormel, std::string_view text, int number) {

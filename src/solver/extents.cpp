@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
@@ -63,10 +64,9 @@ Extents ExtentsOfVertices(Database& db) {
 }
 
 /// Makes room for the circles of the protection areas that are shown.
-void IncludeProtectionAreas(Ormel& ormel) {
-  if (!ormel.menus.Checked("ShowWHPAs")) return;
+void IncludeProtectionAreas(Ormel& ormel, Extents& model) {
+  if (!ormel.layers.On(Layer::kWhpas)) return;
   Database& db = ormel.db();
-  Extents& model = ormel.window.model;
   RowReader areas(db, "select * from WHPAs");
   const int well_column = areas.Column("Well");
   const int radius_column = areas.Column("Radius");
@@ -149,13 +149,32 @@ void ModelCheckExtents(Ormel& ormel, bool /*StartFromEmpty*/, bool ReplaceMapExt
     SetReferenceHead(ormel);
     window.model = ExtentsOfVertices(ormel.db());
   }
-  IncludeProtectionAreas(ormel);
+  IncludeProtectionAreas(ormel, window.model);
   ReplaceSmallExtents(ormel);
   if (ReplaceMapExtents)
     window.full = window.model;
   else
     Grow(window.full, window.model);
   StoreOriginUnlessSolved(ormel);
+}
+
+void FindMapExtents(Ormel& ormel) {
+  constexpr double kFar = 1e30;
+  Extents found{kFar, -kFar, kFar, -kFar};
+  if (const auto maps = ormel.view().ShownMapExtents()) Grow(found, *maps);
+  if (ormel.db().RowCount("Vertices") > 0) Grow(found, ExtentsOfVertices(ormel.db()));
+  IncludeProtectionAreas(ormel, found);
+  const double side = std::max(found.x_max - found.x_min, found.y_max - found.y_min);
+  if (!(side > 0.0)) return;
+  constexpr double kLeast = 0.05;  // share of the long side that a map on one line gets beside it
+  const auto widen = [side](double& low, double& high) {
+    if (high > low) return;
+    low -= kLeast * side;
+    high += kLeast * side;
+  };
+  widen(found.x_min, found.x_max);
+  widen(found.y_min, found.y_max);
+  ormel.window.full = found;
 }
 
 void StoreModelOrigin(Ormel& ormel) {

@@ -24,6 +24,11 @@ void ModelRestoreModelOrigin(Ormel& ormel);
 /// Widens the map extents (`window.full`) to hold the base maps that are shown.
 void ModelCheckMapExtents(Ormel& ormel);
 
+/// What there is to see, found afresh: the maps that are shown, all vertices, and the circles of the
+/// protection areas while these are shown.  The map extents become that, so that they come back after a
+/// window that was large.  Without anything that has a size they stay.
+void FindMapExtents(Ormel& ormel);
+
 /// What the model consists of.  A "line doublet" is one side of a domain or barrier.
 struct ModelSize {
   int wells = 0;  ///< two-dimensional, steady

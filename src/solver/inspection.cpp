@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <any>
 #include <array>
+#include <functional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -19,6 +20,8 @@
 #include "solver/inspection_forms.h"
 #include "solver/outside_programs.h"
 #include "solver/path_file.h"
+#include "solver/run.h"
+#include "solver/text_sink.h"
 #include "store/database.h"
 #include "text/files.h"
 #include "text/masks.h"
@@ -29,26 +32,29 @@ namespace ormel {
 namespace {
 
 constexpr const char* kFormName = "Inspector";
-constexpr const char* kFatalFile = "VADOX.OPS";
 
-/// Runs the solver on a deck whose results file is `results`.  False when there are none; the user has been
-/// told why.
-bool RunQuery(Ormel& ormel, std::string_view deck, std::string_view results, std::string_view wait_text) {
-  CommitSoFar(ormel);  // the run may be long, and may be the one that ends badly
-  for (const std::string_view file : {results, std::string_view(kFatalFile)})
-    DeleteTolerantly(ModelFile(ormel, file));
-  noexecutable(ormel, kSolverProgram);
-  const ProcessResult result = RunSolver(ormel, ModelGetSize(ormel, false), deck, wait_text);
-  if (!result.started) {
-    TellStartFailed(ormel, result);
-    return false;
-  }
-  if (result.cancelled) {
-    DeleteTolerantly(ModelFile(ormel, kFatalFile));
-    Feedback(ormel, "The query was cancelled");
-    return false;
-  }
-  return !TellFatalStop(ormel, result);
+/// What a query asks and where its answer stands.
+struct Query {
+  const char* deck;
+  const char* results;
+  const char* wait_text;
+  std::function<void(TextSink&)> write;
+};
+
+/// Runs a query.  False when there is no answer; the user has been told why.
+bool RunQuery(Ormel& ormel, const Query& query) {
+  RunPlan plan;
+  plan.deck = plan.argument = query.deck;
+  plan.wait_text = query.wait_text;
+  plan.scratch = {ModelFile(ormel, query.results)};
+  plan.write = [&query](TextSink& deck) {
+    query.write(deck);
+    return true;
+  };
+  const RunOutcome outcome = RunBy(ormel, plan);
+  if (outcome.end == RunEnd::kNotStarted) TellStartFailed(ormel, outcome.process);
+  if (outcome.end == RunEnd::kCancelled) Feedback(ormel, "The query was cancelled");
+  return outcome.end == RunEnd::kDone;
 }
 
 // --- results at a point ---
@@ -59,8 +65,8 @@ void TellBadRecords(Ormel& ormel, std::string_view first_line) {
 
 /// The records of a query, as many as were asked for; none when that failed.
 std::vector<PointRecord> Ask(Ormel& ormel, const PointQuery& query) {
-  WriteInspectDeck(ormel, query);
-  if (!RunQuery(ormel, kInspectDeck, kInspectResults, "Inspecting...")) return {};
+  const auto write = [&](TextSink& deck) { WriteInspectDeck(ormel, deck, query); };
+  if (!RunQuery(ormel, {kInspectDeck, kInspectResults, "Inspecting...", write})) return {};
   const std::string path = ModelFile(ormel, kInspectResults);
   const auto read = ReadPointRecords(path);
   if (const auto* damage = std::get_if<FileDamage>(&read)) {
@@ -104,6 +110,7 @@ void ShowReport(Ormel& ormel, PointRecord record) {
   if (record.head == kNoHead)
     text += "\nNothing is computed at this point: the aquifer is dry there, or the region is ignored.\n";
   text += "\nAll data are in computational units, except\nthe x,y-coordinates, which are in map units.";
+  if (const std::string notice = OlderModelNotice(ormel); !notice.empty()) text += "\n\n" + notice;
   Inform(ormel, "Model Results", text);
 }
 
@@ -185,8 +192,10 @@ void Trace(Ormel& ormel, MapPoint at) {
   ModelRestoreModelOrigin(ormel);
   // A start above the water table begins at it.
   const double elevation = settings.at_top ? model.AquiferTop() : settings.Elevation;
-  WriteTraceDeck(ormel, model, at, elevation, settings.trace_backwards);
-  if (!RunQuery(ormel, kTraceDeck, kTracePaths, "Tracing...")) return;
+  const auto write = [&](TextSink& deck) {
+    WriteTraceDeck(ormel, deck, model, at, elevation, settings.trace_backwards);
+  };
+  if (!RunQuery(ormel, {kTraceDeck, kTracePaths, "Tracing...", write})) return;
   bool any = false;
   const ReadOutcome damage = ReadPathFile(ModelFile(ormel, kTracePaths), [&](const Pathline& path) {
     if (path.points.size() < 2) return;

@@ -7,52 +7,14 @@
 #include "core/coordinates.h"
 #include "core/ormel.h"
 #include "model/model_values.h"
-#include "solver/deck_sections.h"
-#include "solver/deck_writer.h"
+#include "solver/deck_blocks.h"
 #include "solver/guarded_read.h"
-#include "solver/run_deck.h"
+#include "solver/input.h"
 #include "text/numbers.h"
 #include "text/strings.h"
 
 namespace ormel {
 namespace {
-
-constexpr std::array<std::string_view, 8> kInspectHead{
-    " error temperror.log", " yes", " message tempmess.log", " yes", " echo echo.log", " yes", " quit", " "};
-constexpr std::array<std::string_view, 3> kInspectBlock{" extract ", " file _INSPECT.XTR", " y"};
-constexpr std::array<std::string_view, 10> kTraceHead{"* Instant Trace",
-                                                      " error temperr.log",
-                                                      " yes",
-                                                      " message tempmess.log",
-                                                      " yes",
-                                                      " echo tempecho.log",
-                                                      " yes",
-                                                      " picture off",
-                                                      " quit",
-                                                      " "};
-constexpr std::array<std::string_view, 2> kBlockEnd{" quit ", " stop"};
-
-template <std::size_t n>
-void WriteLines(TextFileWriter& deck, const std::array<std::string_view, n>& lines) {
-  for (const std::string_view line : lines) deck.Line(line);
-}
-
-void WriteLoad(const Ormel& ormel, TextFileWriter& deck) {
-  deck.Line(" load " + ormel.project.OrmelBaseName);
-  deck.Line(" time " + NumberText(ormel.solution.SolutionTime));
-}
-
-/// "  x y" and, where there is one, the elevation.
-DeckLine PointLine(const Ormel& ormel, MapPoint at, std::optional<double> elevation) {
-  static const NumberMask place_blank("0.0000000E+00 ");
-  static const NumberMask place("0.0000000E+00");
-  static const NumberMask height(" #######0.00");
-  const ModelPoint model = WToM(ormel, at);
-  DeckLine line("  ");
-  line.Number(place_blank, model.x).Number(place, model.y);
-  if (elevation) line.Number(height, *elevation);
-  return line;
-}
 
 /// Unit steps of the star behind its centre.
 struct Direction {
@@ -61,18 +23,13 @@ struct Direction {
 constexpr std::array<Direction, kStarPoints - 1> kStar{
     {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}, {0, 0, -1}}};
 
-void WriteStar(const Ormel& ormel, TextFileWriter& deck, const PointQuery& query) {
-  static const NumberMask mask("0.0000000E+00 ");
-  const ModelPoint centre = WToM(ormel, query.at);
-  const double d = 0.5 * query.star;
+/// The points of the star around a centre.
+std::vector<std::array<double, 3>> StarOf(ModelPoint centre, double elevation, double width) {
+  std::vector<std::array<double, 3>> points;
+  const double d = 0.5 * width;
   for (const Direction& to : kStar)
-    deck.Line(DeckLine("")
-                  .Number(mask, centre.x + to.x * d)
-                  .Text(" ")
-                  .Number(mask, centre.y + to.y * d)
-                  .Text(" ")
-                  .Number(mask, *query.elevation + to.z * d)
-                  .str());
+    points.push_back({centre.x + to.x * d, centre.y + to.y * d, elevation + to.z * d});
+  return points;
 }
 
 /// Fields of a record, from 1.
@@ -108,35 +65,31 @@ std::optional<PointRecord> ParseRecord(std::string_view text) {
 
 }  // namespace
 
-void WriteInspectDeck(const Ormel& ormel, const PointQuery& query) {
-  TextFileWriter deck(JoinPath(ormel.project.OrmelBasePath, kInspectDeck));
-  deck.Line(DeckHeadLine());
-  WriteLines(deck, kInspectHead);
-  WriteLoad(ormel, deck);
-  WriteLines(deck, kInspectBlock);
-  deck.Line(PointLine(ormel, query.at, query.elevation).str());
-  if (query.star > 0.0 && query.elevation) WriteStar(ormel, deck, query);
-  WriteLines(deck, kBlockEnd);
-  deck.Commit();
+void WriteInspectDeck(const Ormel& ormel, TextSink& deck, const PointQuery& query) {
+  WriteHead(deck, {.error = "temperror.log", .message = "tempmess.log", .picture_off = false});
+  WriteLoad(deck, ormel.project.OrmelBaseName);
+  WriteTime(deck, ormel.solution.SolutionTime);
+  const ModelPoint at = WToM(ormel, query.at);
+  const bool star = query.star > 0.0 && query.elevation;
+  WriteQuery(deck, kInspectResults, {at, query.elevation},
+             star ? StarOf(at, *query.elevation, query.star) : std::vector<std::array<double, 3>>{});
 }
 
-void WriteTraceDeck(const Ormel& ormel, const ModelValues& model, MapPoint at, double elevation,
-                    bool backward) {
-  static const NumberMask direction(" #0.0");
-  TextFileWriter deck(JoinPath(ormel.project.OrmelBasePath, kTraceDeck));
-  deck.Line(DeckHeadLine());
-  WriteLines(deck, kTraceHead);
-  WriteLoad(ormel, deck);
-  WriteLayout(ormel, deck);
-  deck.Line(" trace ");
-  deck.Line(" picture off");
-  deck.Line(" time " + NumberText(model.TRACEMaxTime));
-  deck.Line(" step " + NumberText(TracingStep(ormel, model)));
-  deck.Line(" file " + std::string(kTracePaths));
-  deck.Line(" y");
-  deck.Line(PointLine(ormel, at, elevation).Number(direction, backward ? -1.0 : 1.0).str());
-  WriteLines(deck, kBlockEnd);
-  deck.Commit();
+void WriteTraceDeck(const Ormel& ormel, TextSink& deck, const ModelValues& model, MapPoint at,
+                    double elevation, bool backward) {
+  WriteHead(deck, {.comment = "* Instant Trace",
+                   .error = "temperr.log",
+                   .message = "tempmess.log",
+                   .echo = "tempecho.log"});
+  WriteLoad(deck, ormel.project.OrmelBaseName);
+  WriteTime(deck, ormel.solution.SolutionTime);
+  WriteLayout(deck, LayoutWindow(ormel));
+  WriteStreamline(deck, {.file = kTracePaths,
+                         .longest_time = model.TRACEMaxTime,
+                         .step = TracingStep(ormel, model.TRACEStep),
+                         .from = WToM(ormel, at),
+                         .elevation = elevation,
+                         .backward = backward});
 }
 
 std::variant<std::vector<PointRecord>, BadRecord, FileDamage> ReadPointRecords(const std::string& path) {

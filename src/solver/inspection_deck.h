@@ -16,6 +16,7 @@ namespace ormel {
 
 struct Ormel;
 struct ModelValues;
+class TextSink;
 
 inline constexpr const char* kInspectDeck = "_INSPECT.DAT";
 inline constexpr const char* kInspectResults = "_INSPECT.XTR";
@@ -47,12 +48,12 @@ struct PointRecord {
 /// Head of a point where nothing is computed: dry, or inside an ignored region.
 inline constexpr double kNoHead = -9999.0;
 
-/// Writes _INSPECT.DAT.  Needs the origin of the last solve (ModelRestoreModelOrigin).  Throws FileError.
-void WriteInspectDeck(const Ormel& ormel, const PointQuery& query);
-/// Writes _TRACE.DAT for one path, traced inside the present window with the step and the longest time of the
-/// model settings.
-void WriteTraceDeck(const Ormel& ormel, const ModelValues& model, MapPoint at, double elevation,
-                    bool backward);
+/// The deck of a query.  Needs the origin of the last solve (ModelRestoreModelOrigin).
+void WriteInspectDeck(const Ormel& ormel, TextSink& deck, const PointQuery& query);
+/// The deck of one path, traced inside the present window with the step and the longest time of the model
+/// settings.
+void WriteTraceDeck(const Ormel& ormel, TextSink& deck, const ModelValues& model, MapPoint at,
+                    double elevation, bool backward);
 
 /// A record that has fewer fields than it should have, or a field that is no number.
 struct BadRecord {

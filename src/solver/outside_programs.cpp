@@ -1,10 +1,6 @@
 #include "solver/outside_programs.h"
 
 #include <algorithm>
-#include <array>
-#include <cctype>
-#include <filesystem>
-#include <system_error>
 
 #include "core/ormel.h"
 #include "core/status.h"
@@ -20,18 +16,6 @@ namespace {
 
 constexpr const char* kFatalFile = "VADOX.OPS";
 constexpr std::string_view kProgressWord = "PROGRESS ";
-
-std::string LowerAscii(std::string_view text) {
-  std::string lower(text);
-  std::ranges::transform(lower, lower.begin(),
-                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return lower;
-}
-
-/// Either spelling of an extension or fixed name: programs of other systems write capitals.
-std::string ExistingOf(const std::string& exact, const std::string& lower) {
-  return !FileExists(exact) && FileExists(lower) ? lower : exact;
-}
 
 void ShowProgress(Ormel& ormel, std::string_view line) {
   if (!line.starts_with(kProgressWord)) return;
@@ -57,21 +41,6 @@ std::string HowItEnded(const ProcessResult& result) {
 }
 
 }  // namespace
-
-std::string ModelFile(const Ormel& ormel, std::string_view name) {
-  const std::string& folder = ormel.project.OrmelBasePath;
-  return ExistingOf(JoinPath(folder, name), JoinPath(folder, LowerAscii(name)));
-}
-
-std::string StemFile(const Ormel& ormel, std::string_view extension) {
-  const std::string stem = JoinPath(ormel.project.OrmelBasePath, ormel.project.OrmelBaseName);
-  return ExistingOf(stem + std::string(extension), stem + LowerAscii(extension));
-}
-
-void DeleteTolerantly(const std::string& path) {
-  std::error_code ignored;
-  if (FileExists(path)) std::filesystem::remove(path, ignored);
-}
 
 bool noexecutable(Ormel& ormel, std::string_view name) {
   if (FileExists(JoinPath(ormel.processes().ProgramFolder(), name))) return true;
@@ -102,7 +71,7 @@ void TellStartFailed(Ormel& ormel, const ProcessResult& result) {
   InvalidateSolution(ormel, true, false);
 }
 
-bool RunContourProgram(Ormel& ormel, std::string_view stem) {
+ContourEnd RunContourProgram(Ormel& ormel, std::string_view stem) {
   const ModelValues model = ReadModel(ormel);
   noexecutable(ormel, kContourProgram);
   const ProcessResult result =
@@ -110,20 +79,20 @@ bool RunContourProgram(Ormel& ormel, std::string_view stem) {
                    {std::string(stem), NumberText(model.CONTOURMinimum), NumberText(model.CONTOURInterval),
                     NumberText(model.CONTOURMaximum)},
                    "Computing contours...");
-  if (result.cancelled) return false;
+  if (result.cancelled) return ContourEnd::kCancelled;
   const std::string name = kContourProgram;
   if (!result.started) {
     Inform(ormel, kProgramTitle,
            Lines({name + " could not be started, so that there are no contours:", result.failure}),
            Icon::kStop);
-    return false;
+    return ContourEnd::kFailed;
   }
-  if (result.signal == 0 && result.exit_code == 0) return true;
+  if (result.signal == 0 && result.exit_code == 0) return ContourEnd::kDone;
   Inform(ormel, kProgramTitle,
          Lines({name + " " + HowItEnded(result) + ", so that there are no contours.",
                 "Check the contour levels of the model settings and solve again."}),
          Icon::kStop);
-  return false;
+  return ContourEnd::kFailed;
 }
 
 bool TellFatalStop(Ormel& ormel, const ProcessResult& result) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/processes.h"
+#include "core/run_files.h"
 
 namespace ormel {
 
@@ -13,14 +14,6 @@ struct Ormel;
 
 inline constexpr const char* kSolverProgram = "VADOX1.EXE";
 inline constexpr const char* kContourProgram = "CONTOUR.EXE";
-
-/// Full path of a file in the model folder.  A file that stands there under the same name in other capitals
-/// is the one meant.
-std::string ModelFile(const Ormel& ormel, std::string_view name);
-/// Full path of `<stem><extension>` in the model folder, e.g. ".XTR".
-std::string StemFile(const Ormel& ormel, std::string_view extension);
-/// Deletes the file when it is there; a failure is no error.
-void DeleteTolerantly(const std::string& path);
 
 /// Tells the user when the program's folder does not hold the file.  True when it does.  The caller goes on
 /// either way: the start that follows fails and tells why.
@@ -38,9 +31,10 @@ ProcessResult RunSolver(Ormel& ormel, int size_number, std::string_view deck, st
 /// Tells why the solver did not start, and asks whether the solution should go.
 void TellStartFailed(Ormel& ormel, const ProcessResult& result);
 
-/// CONTOUR.EXE on `<stem>.GRD` with the levels of the settings.  False, and the user has been told, when it
-/// could not be run or failed.
-bool RunContourProgram(Ormel& ormel, std::string_view stem);
+enum class ContourEnd { kDone, kCancelled, kFailed };
+/// CONTOUR.EXE on `<stem>.GRD` with the levels of the settings.  kFailed when it could not be run or failed;
+/// the user has been told.
+ContourEnd RunContourProgram(Ormel& ormel, std::string_view stem);
 
 /// True when the solver stopped before its end: VADOX.OPS is there, or the program crashed.  Tells the user
 /// why and deletes VADOX.OPS.

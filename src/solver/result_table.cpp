@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "solver/deck_writer.h"
+#include "solver/deck_labels.h"
+#include "solver/result_rows.h"
 #include "store/database.h"
 #include "text/strings.h"
 
@@ -15,6 +16,8 @@ ResultTable::ResultTable(Database& db, std::string_view table, std::string_view 
   for (; rows_.HasRow(); rows_.MoveNext()) {
     Row row{rows_.GetBookmark()};
     if (heads) row.expected = rows_.Get("SpecifiedHead").AsDouble() != kNoSpecifiedHead;
+    row.label = rows_.Get(label).AsText();
+    if (table == "TPResults") row.label = VertexLabel("TP_", rows_.Get(label).AsLong());
     by_label_.try_emplace(FoldCase(rows_.Get(label).AsText()), row);
   }
 }
@@ -27,9 +30,11 @@ bool ResultTable::Find(std::string_view label) {
   return true;
 }
 
-std::size_t ResultTable::Unanswered() const {
-  return static_cast<std::size_t>(std::ranges::count_if(
-      by_label_, [](const auto& entry) { return entry.second.expected && !entry.second.met; }));
+void ResultTable::AddUnanswered(std::vector<std::string>& labels) const {
+  const std::size_t first = labels.size();
+  for (const auto& [label, row] : by_label_)
+    if (row.expected && !row.met) labels.push_back(row.label);
+  std::sort(labels.begin() + static_cast<std::ptrdiff_t>(first), labels.end());
 }
 
 }  // namespace ormel

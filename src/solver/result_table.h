@@ -24,12 +24,13 @@ class ResultTable {
   void Set(std::string_view column, double value) { rows_.Set(column, Value(value)); }
   double Number(std::string_view column) const { return rows_.Get(column).AsDouble(); }
   void Update() { rows_.Update(); }
-  /// Rows that expect a result and that Find has not met.
-  std::size_t Unanswered() const;
+  /// Adds the keys of the rows that expect a result and that Find has not met, in their order.
+  void AddUnanswered(std::vector<std::string>& labels) const;
 
  private:
   struct Row {
     Bookmark mark;
+    std::string label{};
     bool expected = true;
     bool met = false;
   };

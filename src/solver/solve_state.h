@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "core/layer_switches.h"
 #include "core/map_window.h"
 #include "core/solution_state.h"
 
@@ -18,13 +19,11 @@ class StateBeforeRun {
   bool had_solution() const { return solution_.ValidSolution; }
 
  private:
-  struct Item {
-    bool enabled, checked;
-  };
   SolutionState solution_;
   MapWindow window_;
   std::string note_;
-  std::vector<Item> items_;
+  LayerSwitches layers_;
+  std::vector<bool> enabled_;  ///< the items of core/result_items.h
 };
 
 }  // namespace ormel

@@ -38,6 +38,13 @@ void Connection::Install() {
         static_cast<Connection*>(self)->RowChanged(operation, table, row);
       },
       this);
+  // Installed before any statement is prepared: without it a deletion of all rows goes unseen.
+  log_ = std::make_unique<ChangeLog>(handle_);
+  sqlite3_preupdate_hook(
+      handle_,
+      [](void* log, sqlite3*, int operation, const char*, const char* table, sqlite3_int64 row,
+         sqlite3_int64 new_row) { static_cast<ChangeLog*>(log)->Touch(operation, table, row, new_row); },
+      log_.get());
   sqlite3_rollback_hook(
       handle_, [](void* self) { static_cast<Connection*>(self)->ForgetCounts(); }, this);
 }
@@ -173,13 +180,14 @@ const TableInfo& Connection::Table(std::string_view name) {
   }
   std::string defaults;
   int key_column = -1;
-  PreparedStatement query(shared_from_this(), "select name, type, dflt_value, pk from pragma_table_info(?)");
+  PreparedStatement query(shared_from_this(),
+                          "select name, type, dflt_value, pk, \"notnull\" from pragma_table_info(?)");
   for (query.Bind(1, Value(info->name)); query.Step();) {
     if (query.ColumnLong(3) == 1) key_column = static_cast<int>(info->columns.size());
     defaults += (defaults.empty() ? "select " : ",");
     defaults += query.ColumnIsNull(2) ? "null" : "(" + std::string(query.ColumnText(2)) + ")";
-    info->columns.push_back(
-        {info->name, std::string(query.ColumnText(0)), TypeFromDeclaration(query.ColumnText(1)), Value()});
+    info->columns.push_back({info->name, std::string(query.ColumnText(0)),
+                             TypeFromDeclaration(query.ColumnText(1)), Value(), query.ColumnLong(4) != 0});
   }
   if (info->automatic == 0) info->automatic = key_column;
   PreparedStatement values(shared_from_this(), defaults);

@@ -11,6 +11,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "store/change_log.h"
 #include "store/schema.h"
 #include "store/store_error.h"
 #include "store/value.h"
@@ -28,6 +29,7 @@ struct ColumnInfo {
   std::string name;
   schema::FieldType type = schema::FieldType::kText;
   Value default_value;
+  bool required = false;
 };
 
 struct TableInfo {
@@ -113,6 +115,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// Reserves an automatic number.
   std::int64_t NextNumber(const TableInfo& table);
   std::uint64_t change_count() const { return change_count_; }
+  ChangeLog& changes() { return *log_; }
   /// After statements whose effect on whole tables is not seen row by row.
   void ForgetCounts();
   /// After statements that changed the tables themselves.
@@ -146,6 +149,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   int depth_ = 0;
   std::uint64_t change_count_ = 0;
   std::uint64_t clock_ = 0;
+  std::unique_ptr<ChangeLog> log_;
   std::unordered_map<std::string, std::shared_ptr<PreparedStatement::Entry>> cache_;
   std::unordered_set<PreparedStatement::Entry*> live_;
   std::unordered_map<std::string, std::unique_ptr<TableInfo>> tables_;  // by folded name

@@ -123,6 +123,15 @@ bool Database::InTransaction() const {
   return connection_ && connection_->depth() > 0;
 }
 
+void Database::WatchChanges(const std::vector<std::string>& tables) {
+  Opened(connection_).changes().Watch(tables);
+}
+
+std::vector<RowChange> Database::TakeChanges() {
+  Connection& connection = Opened(connection_);
+  return connection.changes().Take(connection);
+}
+
 Transaction::Transaction(Database& database)
     : connection_(database.connection()), exceptions_(std::uncaught_exceptions()) {
   Opened(connection_).Begin();

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "store/change_log.h"
 #include "store/recordset.h"
 #include "store/store_error.h"
 #include "store/value.h"
@@ -56,6 +57,11 @@ class Database {
   std::uint64_t change_count() const;
 
   bool InTransaction() const;
+
+  /// From now on the changes of these tables' rows are kept for TakeChanges.
+  void WatchChanges(const std::vector<std::string>& tables);
+  /// The rows that are not as they were at the last call.
+  std::vector<RowChange> TakeChanges();
 
   /// For the other files of the store.
   const std::shared_ptr<Connection>& connection() const { return connection_; }

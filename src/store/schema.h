@@ -10,6 +10,8 @@
 
 namespace ormel {
 
+class Database;
+
 namespace schema {
 
 inline constexpr int kProjectVersion = 208;
@@ -53,6 +55,9 @@ const Field* FindField(const Table& table, std::string_view name);
 std::string TypeName(const Field& field);
 /// The field as CREATE TABLE and ALTER TABLE ADD COLUMN take it, with the rules that hold for its contents.
 std::string FieldDeclaration(const Table& table, const Field& field);
+/// Gives a project of an older version a field that it lacks, with its default; one that has it stays as it
+/// is. For fields that may be empty or have a default.  Throws StoreError.
+void EnsureField(Database& database, std::string_view table, std::string_view field);
 std::string CreateTableSql(const Table& table);
 /// All indexes of the table, as "create index" statements.
 std::vector<std::string> CreateIndexSql(const Table& table);

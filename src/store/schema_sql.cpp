@@ -3,6 +3,7 @@
 #include <array>
 
 #include "store/connection.h"
+#include "store/database.h"
 #include "store/schema.h"
 #include "text/strings.h"
 
@@ -110,6 +111,15 @@ std::string FieldDeclaration(const Table& table, const Field& field) {
   if (field.required) out += " NOT NULL";
   if (field.has_default) out += " DEFAULT " + DefaultSql(field);
   return out + Check(table, field);
+}
+
+void EnsureField(Database& database, std::string_view table, std::string_view field) {
+  if (database.HasField(table, field)) return;
+  const Table& of = *FindTable(table);
+  const std::string sql =
+      "ALTER TABLE " + QuoteName(of.name) + " ADD COLUMN " + FieldDeclaration(of, *FindField(of, field));
+  database.connection()->Exec(sql.c_str());
+  database.connection()->ForgetTables();
 }
 
 std::string CreateTableSql(const Table& table) {

@@ -123,7 +123,9 @@ constexpr std::array kInhomogeneities{Given("PID", kLong, "0"),
 constexpr std::array kParticles{Given("VID", kLong, "0"), Number("Elevation", "0.0"),
                                 Given("SatdThick", kInteger, "1"), Given("Forward", kInteger, "1")};
 
-constexpr std::array kPolygons{Automatic("PID"), Given("Closed", kInteger, "0")};
+constexpr std::array kPolygons{Automatic("PID"), Given("Closed", kInteger, "0"),
+                               // appended
+                               Field{"ObsDischarge", kDouble, 0, {}, false, kOptional, false}};
 
 constexpr std::array kProject{GivenText("Description", 255, "New Ormel Model", kOptional),
                               Required("Updated", kDate), Text("OrmelBaseName"), Text("OrmelBasePath"),
@@ -147,26 +149,14 @@ constexpr std::array kTextLabels{GivenText("Text", 255, "", kOptional),
 constexpr std::array kVertices{Automatic("VID"), Given("PID", kLong, "-1"), Given("Seq", kLong, "-1"),
                                Number("X", "0.0"), Number("Y", "0.0")};
 
-constexpr std::array kWells{Required("VID", kLong),
-                            Number("Head", "0.0"),
-                            Number("Radius", "1.0"),
-                            Given("NParticles", kLong, "-1"),
-                            // 64: an image well's label is "Mirror_" and that of its source; the dialog allows 32
-                            GivenText("Label", 64, "", kOptional),
-                            Number("Setback", "1.0"),
-                            Given("Transient", kLong, "0"),
-                            Given("Cyclic", kLong, "0"),
-                            Given("Cycles", kLong, "0"),
-                            Number("SS", "0.0"),
-                            Number("Time", "0.0"),
-                            Number("TopElev", "0.0"),
-                            Number("BottomElev", "0.0"),
-                            Given("HeadSpecified", kLong, "0"),
-                            Given("PPWell", kLong, "0"),
-                            Number("StartHead", "0.0"),
-                            Number("StartElev", "0.0"),
-                            Given("Pond", kLong, "0"),
-                            Given("PathlineColor", kLong, "-99", kOptional)};
+constexpr std::array kWells{
+    Required("VID", kLong), Number("Head", "0.0"), Number("Radius", "1.0"), Given("NParticles", kLong, "-1"),
+    // 64: an image well's label is "Mirror_" and that of its source; the dialog allows 32
+    GivenText("Label", 64, "", kOptional), Number("Setback", "1.0"), Given("Transient", kLong, "0"),
+    Given("Cyclic", kLong, "0"), Given("Cycles", kLong, "0"), Number("SS", "0.0"), Number("Time", "0.0"),
+    Number("TopElev", "0.0"), Number("BottomElev", "0.0"), Given("HeadSpecified", kLong, "0"),
+    Given("PPWell", kLong, "0"), Number("StartHead", "0.0"), Number("StartElev", "0.0"),
+    Given("Pond", kLong, "0"), Given("PathlineColor", kLong, "-99", kOptional)};
 
 constexpr std::array kLSResults{
     Text("Label", 255), Text("VadoxLabel", 255), Number("X1"), Number("Y1"), Number("X2"), Number("Y2"),
@@ -218,20 +208,33 @@ constexpr std::array kTPResults{
 
 constexpr std::array kFIResults{Text("Label", 32, kOptional), Required("PID", kLong), Number("TotalFlux")};
 
-constexpr std::array kWLResults{Text("Label", 64, kOptional),  // as Wells.Label
-                                Text("VadoxLabel", 32, kOptional),
-                                Number("X"),
-                                Number("Y"),
-                                Number("Radius"),
-                                Number("SpecifiedHead"),
-                                Number("Discharge"),
-                                Number("Head")};
+constexpr std::array kWLResults{
+    Text("Label", 64, kOptional),  // as Wells.Label
+    Text("VadoxLabel", 32, kOptional), Number("X"),         Number("Y"),   Number("Radius"),
+    Number("SpecifiedHead"),           Number("Discharge"), Number("Head")};
 
 constexpr std::array kSavedWindows{Text("Name", 64), Number("X1"), Number("Y1"), Number("X2"),
                                    Number("Y2", "0.0", kOptional)};
 
 constexpr std::array kFluxInspect{Text("Label", 32), Required("PID", kLong)};
 constexpr std::array kCapzones{Text("Label", 32), Required("PID", kLong)};
+/// How each outlined capture zone was made and what its checks said; hand-drawn ones have no row.
+constexpr std::array kZones{Required("PID", kLong),
+                            Text("Well", 64),
+                            Given("Part", kInteger, "0", kOptional),
+                            Number("Years", "0.0", kOptional),
+                            Number("Area", "0.0", kOptional),
+                            Number("Pumped", "0.0", kOptional),
+                            Number("Pores", "0.0", kOptional),
+                            Number("Recharge", "0.0", kOptional),
+                            Number("Surface", "0.0", kOptional),
+                            Number("Edge", "0.0", kOptional),
+                            Number("LeftOut", "0.0", kOptional),
+                            Number("Shared", "0.0", kOptional),
+                            Number("Balance", "0.0", kOptional),
+                            Number("Tolerance", "0.0", kOptional),
+                            GivenText("Ends", 255, "", kOptional),
+                            GivenText("Made", 32, "", kOptional)};
 constexpr std::array kMapLabels{GivenText("MapName", 255, ""), GivenText("TextField", 255, "")};
 
 constexpr std::array kWHPAs{Text("Well", 64), Number("Radius"), Number("TimeOfTravel"), Number("Porosity"),
@@ -273,6 +276,7 @@ constexpr std::array kTables{
     Table{"SavedWindows", kSavedWindows, {}, {}},
     Table{"FluxInspect", kFluxInspect, {}, {}},
     Table{"Capzones", kCapzones, {}, {}},
+    Table{"Zones", kZones, Key("PID"), {}},
     Table{"MapLabels", kMapLabels, {"MapName", false, false}, {}},
     Table{"WHPAs", kWHPAs, {}, {}}};
 

@@ -8,13 +8,13 @@
 #include "core/project.h"
 #include "core/status.h"
 #include "core/table.h"
+#include "core/table_file.h"
 #include "core/user_interface.h"
 #include "model/validity.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "store/recordset.h"
 #include "text/strings.h"
-#include "tools/table_file.h"
 
 namespace ormel {
 namespace {

@@ -4,6 +4,7 @@
 
 #include "core/command.h"
 #include "core/ormel.h"
+#include "core/status.h"
 #include "core/user_interface.h"
 
 namespace ormel {
@@ -38,6 +39,23 @@ void ShowInfoPanel(Ormel& ormel, Element element, Pid pid) {
   const Named named(ormel, "ShowInfoPanel");
   if (element == Element::kLinesink) ShowPanel<LSInfo>(ormel, pid);
   if (element == Element::kInhomogeneity) ShowPanel<INInfo>(ormel, pid);
+}
+
+namespace {
+
+std::string WithNotice(const Ormel& ormel, const char* title) {
+  const std::string notice = OlderModelNotice(ormel);
+  return notice.empty() ? title : std::string(title) + " - " + notice;
+}
+
+}  // namespace
+
+std::string LSInfo::Title() const {
+  return WithNotice(ormel(), "Linesink Information");
+}
+
+std::string INInfo::Title() const {
+  return WithNotice(ormel(), "Inhomogeneity Information");
 }
 
 }  // namespace ormel

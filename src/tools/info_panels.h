@@ -25,7 +25,8 @@ class InfoPanel : public Form {
 class LSInfo final : public InfoPanel {
  public:
   explicit LSInfo(Ormel& ormel);
-  std::string Title() const override { return "Linesink Information"; }
+  /// The name, and while the results are those of an older model that they are.
+  std::string Title() const override;
   std::string_view Name() const override { return "LSInfo"; }
   std::span<const ControlSpec> Controls() const override;
 
@@ -44,7 +45,7 @@ class LSInfo final : public InfoPanel {
 class INInfo final : public InfoPanel {
  public:
   explicit INInfo(Ormel& ormel);
-  std::string Title() const override { return "Inhomogeneity Information"; }
+  std::string Title() const override;
   std::string_view Name() const override { return "INInfo"; }
   std::span<const ControlSpec> Controls() const override;
 

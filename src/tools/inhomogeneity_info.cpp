@@ -6,16 +6,16 @@
 #include <vector>
 
 #include "core/ormel.h"
+#include "core/quantities.h"
 #include "core/table.h"
 #include "model/geometry.h"
 #include "model/vertices.h"
-#include "solver/deck_writer.h"
+#include "solver/deck_labels.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/masks.h"
 #include "text/numbers.h"
 #include "tools/info_panels.h"
-#include "tools/quantities.h"
 
 namespace ormel {
 namespace {

@@ -3,12 +3,13 @@
 #include <array>
 
 #include "core/ormel.h"
+#include "core/status.h"
 #include "core/table.h"
+#include "core/table_file.h"
 #include "core/user_interface.h"
 #include "store/database.h"
 #include "text/masks.h"
 #include "tools/results_tables.h"
-#include "tools/table_file.h"
 
 namespace ormel {
 namespace {
@@ -35,6 +36,11 @@ ResultViewer::ResultViewer(Ormel& ormel) : Form(ormel) {
   }
   tables_.resize(ResultsTables().size());
   Show(first < tables_.size() ? first : 0);
+}
+
+std::string ResultViewer::Title() const {
+  const std::string notice = OlderModelNotice(ormel());
+  return notice.empty() ? "Results Table" : "Results Table - " + notice;
 }
 
 std::span<const ControlSpec> ResultViewer::Controls() const {

@@ -13,7 +13,8 @@ namespace ormel {
 class ResultViewer final : public Form {
  public:
   explicit ResultViewer(Ormel& ormel);
-  std::string Title() const override { return "Results Table"; }
+  /// "Results Table", and while they are those of an older model that they are.
+  std::string Title() const override;
   std::string_view Name() const override { return "ResultViewer"; }
   std::span<const ControlSpec> Controls() const override;
 

@@ -9,7 +9,7 @@
 
 #include "core/ormel.h"
 #include "core/table.h"
-#include "solver/deck_writer.h"
+#include "solver/result_rows.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/numbers.h"

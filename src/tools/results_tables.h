@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-#include "tools/quantities.h"
+#include "core/quantities.h"
 
 namespace ormel {
 
@@ -28,8 +28,8 @@ struct ResultsTable {
 std::span<const ResultsTable> ResultsTables();
 
 /// All rows, as they are now.  A field that an older project lacks is left out.  Heads of dry places read
-/// "dry"; the specified head of an element that has none stays empty, as do the results of line-sinks of given
-/// discharge, which the solver's records do not reach.
+/// "dry"; the specified head of an element that has none stays empty, as do the results of line-sinks of
+/// given discharge, which the solver's records do not reach.
 std::shared_ptr<Table> ReadResults(Ormel& ormel, const ResultsTable& results);
 
 }  // namespace ormel

@@ -7,10 +7,12 @@ namespace ormel {
 
 struct Ormel;
 class VgGdi;
+class LabelPlacer;
 
 struct MapCanvas {
   Ormel& ormel;
   VgGdi& vg;
+  LabelPlacer* labels = nullptr;  ///< keeps labels apart; null where one element is drawn by itself
 };
 
 /// The paper of the map; erasing paints in it.

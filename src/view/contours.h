@@ -12,6 +12,8 @@ class ResultFiles;
 /// belong to the solution; and in red those of the wellhead protection areas while these are shown.  Each
 /// polyline gets one label, at the first midpoint of two neighbours that lies inside the label box.
 void ModelDrawContours(const MapCanvas& canvas, ResultFiles& files);
+/// Their levels, each once a line where there is room.
+void ModelDrawContourLabels(const MapCanvas& canvas, ResultFiles& files);
 
 /// Part of the window that takes labels; the wider margin at the top is meant.
 Extents ContourLabelBox(const MapRect& window);

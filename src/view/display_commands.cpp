@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
@@ -39,7 +40,7 @@ void ResultsOverlayCommand(Ormel& ormel) {
     ormel.ui().ShowForm(form);
     if (form.Result != 1) return;
     view->state().overlay = form.Settings();
-    ormel.menus.Check("layermenu", kLayerResultsOverlay, view->state().overlay.LSMode != "off");
+    ormel.layers.Switch(Layer::kResultsOverlay, view->state().overlay.LSMode != "off");
     view->ZoomActions(Zoom::kRedrawInPlace);
   });
 }
@@ -48,8 +49,7 @@ void EDITORGRID(Ormel& ormel, int index) {
   RunCommand(ormel, "EDITORGRID_Click", [&] {
     switch (index) {
       case kGridShow:
-        ormel.db().Execute("update Model set EDITGRIDShow=?",
-                           {!ormel.menus.Checked("EDITORGRID", kGridShow)});
+        ormel.db().Execute("update Model set EDITGRIDShow=?", {!ormel.layers.On(Layer::kEditorGrid)});
         break;
       case kGridSnap:
         ormel.db().Execute("update Model set EDITGRIDSnap=?",

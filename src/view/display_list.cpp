@@ -28,6 +28,19 @@ void DisplayList::Polyline(std::span<const DevicePoint> points, const Pen& pen) 
   call.pen = pen;
 }
 
+void DisplayList::FineLine(std::span<const FinePoint> points, const Pen& pen) {
+  DrawCall& call = Add(DrawKind::kFineLine);
+  call.fine.assign(points.begin(), points.end());
+  call.pen = pen;
+}
+
+void DisplayList::Area(std::span<const FinePoint> points, Color fill, double opacity) {
+  DrawCall& call = Add(DrawKind::kArea);
+  call.fine.assign(points.begin(), points.end());
+  call.fill = fill;
+  call.opacity = opacity;
+}
+
 void DisplayList::Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) {
   DrawCall& call = Add(DrawKind::kPolygon);
   call.points.assign(points.begin(), points.end());
@@ -65,8 +78,8 @@ void DisplayList::ClearClip() {
   Add(DrawKind::kClearClip);
 }
 
-void DisplayList::Replay(DrawingDevice& device) const {
-  for (const DrawCall& call : calls_) {
+void Replay(const std::vector<DrawCall>& calls, DrawingDevice& device) {
+  for (const DrawCall& call : calls) {
     switch (call.kind) {
       case DrawKind::kClear:
         device.Clear(*call.fill);
@@ -76,6 +89,12 @@ void DisplayList::Replay(DrawingDevice& device) const {
         break;
       case DrawKind::kPolyline:
         device.Polyline(call.points, call.pen);
+        break;
+      case DrawKind::kFineLine:
+        device.FineLine(call.fine, call.pen);
+        break;
+      case DrawKind::kArea:
+        device.Area(call.fine, *call.fill, call.opacity);
         break;
       case DrawKind::kPolygon:
         device.Polygon(call.points, call.pen, *call.fill);

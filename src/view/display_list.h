@@ -4,18 +4,32 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "view/drawing_device.h"
 
 namespace ormel {
 
-enum class DrawKind { kClear, kLayer, kPolyline, kPolygon, kCircle, kText, kCover, kSetClip, kClearClip };
+enum class DrawKind {
+  kClear,
+  kLayer,
+  kPolyline,
+  kFineLine,
+  kArea,
+  kPolygon,
+  kCircle,
+  kText,
+  kCover,
+  kSetClip,
+  kClearClip
+};
 
 /// One call.  Which fields count depends on the kind.
 struct DrawCall {
   DrawKind kind = DrawKind::kClear;
   std::vector<DevicePoint> points;  ///< the line or polygon; one point for circle and text
+  std::vector<FinePoint> fine;      ///< of fine line and area
   Pen pen;
   std::optional<Color> fill;  ///< of polygon and circle; the colour of clear and cover
   int radius = 0;
@@ -23,7 +37,11 @@ struct DrawCall {
   TextStyle style;
   DeviceRect rect;  ///< of cover and clip
   double opacity = 1.0;
+  friend bool operator==(const DrawCall&, const DrawCall&) = default;
 };
+
+/// Paints the calls on a device, in order.
+void Replay(const std::vector<DrawCall>& calls, DrawingDevice& device);
 
 class DisplayList : public DrawingDevice {
  public:
@@ -39,6 +57,8 @@ class DisplayList : public DrawingDevice {
   void Clear(Color background) override;
   void BeginLayer(std::string_view name) override;
   void Polyline(std::span<const DevicePoint> points, const Pen& pen) override;
+  void FineLine(std::span<const FinePoint> points, const Pen& pen) override;
+  void Area(std::span<const FinePoint> points, Color fill, double opacity) override;
   void Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) override;
   void Circle(DevicePoint centre, int radius, const Pen& pen, std::optional<Color> fill) override;
   void Text(DevicePoint at, std::string_view text, const TextStyle& style) override;
@@ -47,10 +67,11 @@ class DisplayList : public DrawingDevice {
   void ClearClip() override;
 
   const std::vector<DrawCall>& calls() const { return calls_; }
+  std::vector<DrawCall> TakeCalls() { return std::exchange(calls_, {}); }
   bool empty() const { return calls_.empty(); }
   void Reset() { calls_.clear(); }
   /// Paints everything on another device, in order.
-  void Replay(DrawingDevice& device) const;
+  void Replay(DrawingDevice& device) const { ormel::Replay(calls_, device); }
 
  private:
   DrawCall& Add(DrawKind kind);

@@ -4,6 +4,7 @@
 // the world; a device only paints.  Calls paint at once and in order.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -15,10 +16,17 @@ namespace ormel {
 
 enum class PenStyle : int { kSolid = 0, kDash = 1, kDot = 2, kDashDot = 3, kNone = 5 };
 
+/// A place between pixels.
+struct FinePoint {
+  double x = 0.0, y = 0.0;
+  friend bool operator==(const FinePoint&, const FinePoint&) = default;
+};
+
 struct Pen {
   PenStyle style = PenStyle::kSolid;
   double width = 1.0;  ///< pixels at 96 dots per inch; a device of another resolution scales it
   Color color{};
+  friend bool operator==(const Pen&, const Pen&) = default;
 };
 
 enum class TextAlign : int { kLeft = 0, kCentre = 1, kRight = 2 };
@@ -30,11 +38,18 @@ struct TextStyle {
   Color color{};
   double angle = 0.0;  ///< degrees, counter-clockwise as seen on the map
   TextAlign align = TextAlign::kLeft;
+  bool halo = false;  ///< a rim of paper around the letters, so that they are read over lines
+  friend bool operator==(const TextStyle&, const TextStyle&) = default;
 };
 
 struct DeviceRect {
   int left = 0, top = 0, right = 0, bottom = 0;
   friend bool operator==(const DeviceRect&, const DeviceRect&) = default;
+};
+
+/// The pixels of a device as they were.
+struct KeptPicture {
+  virtual ~KeptPicture() = default;
 };
 
 class DrawingDevice {
@@ -51,6 +66,10 @@ class DrawingDevice {
   virtual void BeginLayer(std::string_view /*name*/) {}
   /// An open line through at least two points.
   virtual void Polyline(std::span<const DevicePoint> points, const Pen& pen) = 0;
+  /// The same at places between pixels, for curves: rounding them would make stairs.
+  virtual void FineLine(std::span<const FinePoint> points, const Pen& pen) = 0;
+  /// The inside of a closed shape laid over the picture; opacity 0 to 1.
+  virtual void Area(std::span<const FinePoint> points, Color fill, double opacity) = 0;
   /// A closed shape through at least three points, the last joined to the first.
   virtual void Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) = 0;
   /// A whole circle; filled when `fill` is given.
@@ -63,6 +82,11 @@ class DrawingDevice {
   virtual void Cover(const DeviceRect& rect, Color color, double opacity) = 0;
   virtual void SetClip(const DeviceRect& rect) = 0;
   virtual void ClearClip() = 0;
+
+  /// What has been drawn so far, to begin with another time; null on a device that cannot tell.
+  virtual std::shared_ptr<const KeptPicture> Keep() { return nullptr; }
+  /// Begins with what was kept of a device of the same size.  False when that cannot be done.
+  virtual bool Put(const KeptPicture& /*picture*/) { return false; }
 };
 
 /// 0.55 of the height a character: what the usual faces come to on average.

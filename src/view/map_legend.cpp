@@ -1,11 +1,16 @@
 #include "view/map_legend.h"
 
+#include <algorithm>
+
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/numbers.h"
+#include "view/capture_zones.h"
 #include "view/redraw.h"
+#include "view/styles.h"
 #include "view/traced_lines.h"
 #include "view/vg_gdi.h"
 
@@ -22,40 +27,63 @@ Sample LineSample(Color color, double width) {
   return [=](VgGdi& vg, MapPoint a, MapPoint b) { vg.vgGDILine(a, b, PenStyle::kSolid, width, color); };
 }
 
-Sample SymbolSample(VgSymbol symbol, Color color) {
-  return [=](VgGdi& vg, MapPoint a, MapPoint b) { vg.vgGDISymbol(Middle(a, b), symbol, color, color, 1.0); };
-}
-
-Sample ArrowSample(Color color) {
-  return [=](VgGdi& vg, MapPoint a, MapPoint) {
-    const double inward = 0.5 * vg.PointUnit() * vg.vgGDIPixelSize();  // the arrow's tail has a radius
-    vg.vgGDISymbol({a.x + inward, a.y}, VgSymbol::kArrow, color, color, 0.0);
-  };
-}
-
-Sample CircleSample(Color color) {
+Sample AreaSample(Color color, double opacity) {
   return [=](VgGdi& vg, MapPoint a, MapPoint b) {
-    vg.vgGDICircle(Middle(a, b), 0.4 * vg.PointUnit() * vg.vgGDIPixelSize(), PenStyle::kSolid, 1.0, color);
+    const double half = 0.5 * vg.PointUnit() * vg.vgGDIPixelSize();
+    const MapPoint ring[] = {{a.x, a.y - half}, {b.x, b.y - half}, {b.x, b.y + half}, {a.x, a.y + half}};
+    vg.vgGDIArea(ring, color, opacity);
   };
+}
+
+/// As the style is drawn on the map; a kind whose elements have their own colours passes one of them.
+Sample SampleOf(const Style& style, Color color) {
+  const auto unit = [](const VgGdi& vg, double letters) {
+    return letters * vg.PointUnit() * vg.vgGDIPixelSize();
+  };
+  switch (style.sample) {
+    case SampleKind::kSymbol:
+      return [=](VgGdi& vg, MapPoint a, MapPoint b) {
+        vg.vgGDISymbol(Middle(a, b), style.symbol, color, color, 1.0, style.width);
+      };
+    case SampleKind::kArrow:
+      return [=](VgGdi& vg, MapPoint a, MapPoint) {  // the arrow's tail has a radius
+        vg.vgGDISymbol({a.x + unit(vg, 0.5), a.y}, style.symbol, color, color, 0.0, style.width);
+      };
+    case SampleKind::kCircle:
+      return [=](VgGdi& vg, MapPoint a, MapPoint b) {
+        vg.vgGDICircle(Middle(a, b), unit(vg, 0.4), PenStyle::kSolid, style.width, color);
+      };
+    case SampleKind::kLine:
+    case SampleKind::kLetters:
+      break;
+  }
+  return LineSample(color, style.width);
 }
 
 class Entries {
  public:
   Entries(Ormel& ormel, std::vector<LegendEntry>& list) : ormel_(ormel), list_(list) {}
-  void Add(bool shown, std::string text, Sample sample) {
-    if (shown) list_.push_back({std::move(text), std::move(sample)});
+
+  void Add(std::string text, Sample sample) { list_.push_back({std::move(text), std::move(sample)}); }
+  void Add(bool shown, StyleId id, const std::string& more = "") {
+    const Style& style = StyleOf(id);
+    if (shown) Add(std::string(style.legend) + more, SampleOf(style, style.color));
   }
   bool Any(const char* sql) const { return ormel_.db().Scalar(sql).AsLong() > 0; }
-  /// A kind whose elements have colours of their own: each by its label while they are few.
-  void AddColoured(const char* table, const std::string& kind, double width) {
+
+  /// A kind whose elements have colours of their own: each by its label while they are few, otherwise each
+  /// colour once.
+  void AddColoured(const char* table, StyleId id) {
     constexpr std::int64_t kFew = 6;
-    Database& db = ormel_.db();
-    const std::int64_t count = db.RowCount(table);
-    if (count > kFew) return Add(true, kind, LineSample(QBColor(0), width));
-    RowReader rows(db, std::string("select Label,Color from ") + table);
-    while (rows.Next())
-      Add(true, kind + " " + std::string(rows.Text(0)),
-          LineSample({static_cast<std::int32_t>(rows.Long(1))}, width));
+    const Style& style = StyleOf(id);
+    const bool few = ormel_.db().RowCount(table) <= kFew;
+    RowReader rows(ormel_.db(),
+                   std::string(few ? "select Color,Label from " : "select distinct Color from ") + table +
+                       (few ? "" : " order by Color"));
+    for (std::int64_t n = 0; n < kFew && rows.Next(); ++n) {
+      const Color color{static_cast<std::int32_t>(rows.Long(0))};
+      Add(std::string(style.legend) + (few ? " " + std::string(rows.Text(1)) : ""), SampleOf(style, color));
+    }
   }
 
  private:
@@ -63,68 +91,97 @@ class Entries {
   std::vector<LegendEntry>& list_;
 };
 
+struct CountedStyle {
+  StyleId style;
+  Layer layer;
+  const char* rows;  ///< counts the elements that are drawn in it
+};
+
+constexpr CountedStyle kElements[] = {
+    {StyleId::kWell, Layer::kWells, "select count(*) from Wells where Label not like 'Mirror_*'"},
+    {StyleId::kImageWell, Layer::kWells, "select count(*) from Wells where Label like 'Mirror_*'"},
+    {StyleId::kLinesinkHead, Layer::kLinesinks,
+     "select count(*) from LinesinkStrings where HeadSpecified<>0 and not (Drain is not null and Drain<>0) "
+     "and FarField=0"},
+    {StyleId::kLinesinkFarField, Layer::kLinesinks,
+     "select count(*) from LinesinkStrings where HeadSpecified<>0 and not (Drain is not null and Drain<>0) "
+     "and FarField<>0"},
+    {StyleId::kDrain, Layer::kLinesinks,
+     "select count(*) from LinesinkStrings where HeadSpecified<>0 and Drain<>0"},
+    {StyleId::kLinesinkDischarge, Layer::kLinesinks,
+     "select count(*) from LinesinkStrings where HeadSpecified=0"},
+};
+
+constexpr CountedStyle kObservations[] = {
+    {StyleId::kParticle, Layer::kParticles, "select count(*) from Particles"},
+    {StyleId::kFluxLine, Layer::kFluxLines, "select count(*) from FluxInspect"},
+};
+
 void AddElements(Ormel& ormel, Entries& entries) {
-  const auto any = [&](const char* sql) { return entries.Any(sql); };
-  entries.Add(any("select count(*) from Wells where Label not like 'Mirror_*'"), "Well",
-              CircleSample(QBColor(5)));
-  entries.Add(any("select count(*) from Wells where Label like 'Mirror_*'"), "Image well",
-              CircleSample(Rgb(170, 170, 170)));
-  entries.Add(ormel.solution.ValidSolution && any("select count(*) from WLResults where Head<-1000"),
-              "Dry well", CircleSample(QBColor(10)));
-  struct Kind {
-    const char* text;
-    const char* where;
-    Color color;
-  };
-  constexpr Kind kLinesinks[] = {
-      {"Linesink, head specified", "HeadSpecified<>0 and not (Drain is not null and Drain<>0) and FarField=0",
-       Rgb(0, 0, 255)},
-      {"Linesink, far field", "HeadSpecified<>0 and not (Drain is not null and Drain<>0) and FarField<>0",
-       QBColor(3)},
-      {"Drain", "HeadSpecified<>0 and Drain<>0", QBColor(6)},
-      {"Linesink, discharge specified", "HeadSpecified=0", QBColor(5)},
-  };
-  for (const Kind& kind : kLinesinks)
-    entries.Add(any((std::string("select count(*) from LinesinkStrings where ") + kind.where).c_str()),
-                kind.text, LineSample(kind.color, 1.5));
-  entries.AddColoured("NoFlowStrings", "Barrier", 2.0);
-  entries.AddColoured("Inhomogeneities", "Inhomogeneity", 1.0);
-  entries.Add(ormel.menus.Checked("ShowWHPAs") && any("select count(*) from WHPAs"),
-              "Wellhead protection area", CircleSample(Rgb(255, 0, 0)));
+  for (const CountedStyle& row : kElements)
+    entries.Add(Shown(ormel, row.layer) && entries.Any(row.rows), row.style);
+  entries.Add(Shown(ormel, Layer::kWells) && ormel.solution.ValidSolution &&
+                  entries.Any("select count(*) from WLResults where Head<-1000"),
+              StyleId::kDryWell);
+  if (Shown(ormel, Layer::kBarriers)) entries.AddColoured("NoFlowStrings", StyleId::kBarrier);
+  if (Shown(ormel, Layer::kDomains)) entries.AddColoured("Inhomogeneities", StyleId::kDomain);
+  entries.Add(Shown(ormel, Layer::kWhpas) && entries.Any("select count(*) from WHPAs"), StyleId::kWhpaCircle);
+  entries.Add(Shown(ormel, Layer::kStreamBoundaries) &&
+                  entries.Any("select count(*) from WHPAs where Point1X<>0 and Point1Y<>0 and Point2X<>0 and "
+                              "Point2Y<>0"),
+              StyleId::kStreamBoundary);
+}
+
+/// A line for each time, an area for each well while they are few.
+void AddZones(Ormel& ormel, Entries& entries) {
+  constexpr std::size_t kFew = 6;
+  if (!Shown(ormel, Layer::kCapzones)) return;
+  const Zones zones = ReadZones(ormel);
+  for (std::size_t i = 0; i < zones.times.size(); ++i)
+    entries.Add("Capture zone, " + NumberText(zones.times[i]) + (zones.times[i] == 1.0 ? " year" : " years"),
+                LineSample(ZoneLineColor(i), kZoneLineWidth));
+  for (std::size_t i = 0; i < zones.wells.size() && zones.wells.size() <= kFew; ++i)
+    entries.Add("Area of " + zones.wells[i], AreaSample(ZoneAreaColor(i), kZoneOpacity));
+  const auto by_hand = [](const Zone& zone) { return !zone.tag.outlined(); };
+  entries.Add(std::any_of(zones.all.begin(), zones.all.end(), by_hand), StyleId::kCapzone);
+}
+
+void AddTestPoints(Ormel& ormel, Entries& entries) {
+  if (!Shown(ormel, Layer::kTestPoints) || !entries.Any("select count(*) from TestPoints")) return;
+  if (!ormel.solution.ValidSolution) return entries.Add(true, StyleId::kTestPointBelow);
+  entries.Add(entries.Any("select count(*) from TPResults where Difference>0"), StyleId::kTestPointAbove);
+  entries.Add(entries.Any("select count(*) from TPResults where not Difference>0"), StyleId::kTestPointBelow,
+              ", computed head not above observed");
 }
 
 void AddObservations(Ormel& ormel, Entries& entries) {
-  const auto any = [&](const char* sql) { return entries.Any(sql); };
-  entries.Add(ormel.menus.Checked("TESTDISPLAY", kTestShow) && any("select count(*) from TestPoints"),
-              "Test point", SymbolSample(VgSymbol::kDot, QBColor(4)));
-  entries.Add(any("select count(*) from Particles"), "Particle",
-              SymbolSample(VgSymbol::kDiagonalCross, QBColor(4)));
-  entries.Add(any("select count(*) from FluxInspect"), "Flux inspection line", LineSample(QBColor(5), 1.0));
-  entries.Add(ormel.menus.Checked("layermenu", kLayerWhpas) && any("select count(*) from Capzones"),
-              "Protection area, drawn", LineSample(QBColor(9), 1.0));
+  AddTestPoints(ormel, entries);
+  for (const CountedStyle& row : kObservations)
+    entries.Add(Shown(ormel, row.layer) && entries.Any(row.rows), row.style);
+}
+
+void AddMarks(Ormel& ormel, Entries& entries) {
+  const SolutionState& solution = ormel.solution;
+  const std::string unit = ComputeLengthUnit(ormel);
+  entries.Add(ormel.layers.On(Layer::kTimeTics) && solution.TimeTicSpacing > 0.0, StyleId::kTimeTic,
+              " every " + NumberText(solution.TimeTicSpacing) + " days");
+  entries.Add(ormel.layers.On(Layer::kElevationTics) && solution.ElevationTicSpacing > 0.0,
+              StyleId::kElevationTic, " every " + NumberText(solution.ElevationTicSpacing) + " " + unit);
 }
 
 void AddResults(Ormel& ormel, const ViewState& state, Entries& entries) {
-  const MenuState& menus = ormel.menus;
   const SolutionState& solution = ormel.solution;
-  const bool contours = menus.Checked("layermenu", kLayerContours) && solution.ContoursValid &&
+  const bool contours = Shown(ormel, Layer::kContours) && solution.ContoursValid &&
                         entries.Any("select count(*) from Model where CONTOURShow<>0");
-  entries.Add(contours, std::string("Head contour [") + ComputeLengthUnit(ormel) + "]",
-              LineSample(QBColor(1), 1.0));
-  const bool paths = menus.Checked("layermenu", kLayerPathlines) && solution.ValidSolution;
-  entries.Add(paths, "Pathline", LineSample(kPathlineColor, 1.0));
-  const bool traced = HasTracedLines(ormel);
-  entries.Add(traced, "Traced streamline", LineSample(kTracedLineColor, kTracedLineWidth));
-  const bool marks = paths || traced;
-  entries.Add(marks && menus.Checked("TMARKS", kTimeMarksShow) && solution.TimeTicSpacing > 0.0,
-              "Time mark every " + NumberText(solution.TimeTicSpacing) + " days",
-              SymbolSample(VgSymbol::kDot, QBColor(0)));
-  entries.Add(
-      marks && menus.Checked("ZMARKS", kElevationMarksShow) && solution.ElevationTicSpacing > 0.0,
-      "Elevation mark every " + NumberText(solution.ElevationTicSpacing) + " " + ComputeLengthUnit(ormel),
-      SymbolSample(VgSymbol::kUprightCross, QBColor(0)));
-  entries.Add(menus.Checked("layermenu", kLayerResultsOverlay) && state.overlay.LSMode != "off",
-              "Linesink results: " + state.overlay.LSMode, LineSample(QBColor(11), 4.0));
+  entries.Add(contours, StyleId::kContour, std::string(" [") + ComputeLengthUnit(ormel) + "]");
+  const bool paths = Shown(ormel, Layer::kPathlines) && solution.ValidSolution;
+  entries.Add(paths, StyleId::kPathline);
+  const bool traced = Shown(ormel, Layer::kTracedLines) && HasTracedLines(ormel);
+  entries.Add(traced, StyleId::kTracedLine);
+  if (paths || traced) AddMarks(ormel, entries);
+  if (!Shown(ormel, Layer::kResultsOverlay)) return;
+  for (const StyleId id : OverlayStyles(state.overlay))
+    entries.Add(true, id, id == StyleId::kOverlayMarked ? "Linesink, " + state.overlay.LSMode : "");
 }
 
 }  // namespace
@@ -132,9 +189,11 @@ void AddResults(Ormel& ormel, const ViewState& state, Entries& entries) {
 std::vector<LegendEntry> LegendOf(Ormel& ormel, const ViewState& state) {
   std::vector<LegendEntry> list;
   Entries entries(ormel, list);
-  entries.Add(entries.Any("select count(*) from Model where UNIFLOWCompute<>0"), "Uniform flow",
-              ArrowSample(QBColor(2)));
-  if (ormel.menus.Checked("layermenu", kLayerElements)) AddElements(ormel, entries);
+  entries.Add(
+      Shown(ormel, Layer::kUniformFlow) && entries.Any("select count(*) from Model where UNIFLOWCompute<>0"),
+      StyleId::kUniformFlow);
+  AddElements(ormel, entries);
+  AddZones(ormel, entries);
   AddObservations(ormel, entries);
   AddResults(ormel, state, entries);
   return list;

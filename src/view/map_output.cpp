@@ -6,8 +6,12 @@
 
 #include "core/command.h"
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/ormel.h"
+#include "store/bulk.h"
 #include "text/numbers.h"
+#include "view/capture_zones.h"
+#include "view/label_placer.h"
 #include "view/map_legend.h"
 #include "view/redraw.h"
 
@@ -34,23 +38,44 @@ class Furniture {
     Rectangle(area_);
   }
 
-  void Legend(const std::vector<LegendEntry>& entries) {
+  /// The size of the legend's box [pixels].
+  DevicePoint LegendSize(const std::vector<LegendEntry>& entries) const {
+    int widest = 0;
+    for (const LegendEntry& entry : entries)
+      widest = std::max(widest, device_.TextWidth(entry.text, LegendStyle()));
+    return {3 * unit_ + widest + 4 * Pad(), Row() * static_cast<int>(entries.size()) + 2 * Pad()};
+  }
+
+  /// The places where a legend of that size can stand without covering scale bar or north arrow, by the order
+  /// of `LegendCorner`.
+  std::vector<DeviceRect> LegendPlaces(DevicePoint size, bool scale_bar, bool north_arrow) const {
+    const int pad = Pad(), left = area_.left + pad, right = area_.right - pad - size.x;
+    const int top = area_.top + pad, bottom = area_.bottom - pad - size.y;
+    const auto box = [&](int x, int y) { return DeviceRect{x, y, x + size.x, y + size.y}; };
+    return {box(right, bottom), box(left, top), box(left, bottom - (scale_bar ? 4 * unit_ : 0)),
+            box(right, top + (north_arrow ? 6 * unit_ : 0))};
+  }
+
+  void Legend(const std::vector<LegendEntry>& entries, const DeviceRect& box) {
     if (entries.empty()) return;
     device_.BeginLayer("Legend");
-    const TextStyle style = Style(9, false, TextAlign::kLeft);
-    int widest = 0;
-    for (const LegendEntry& entry : entries) widest = std::max(widest, device_.TextWidth(entry.text, style));
-    const int sample = 3 * unit_, row = unit_ * 3 / 2, pad = unit_ / 2;
-    DeviceRect box{area_.right - (sample + widest + 4 * pad), area_.bottom, area_.right, area_.bottom};
-    box.top -= row * static_cast<int>(entries.size()) + 2 * pad;
-    Inset(box, pad, -pad);
     FilledRectangle(box);
-    int y = box.top + pad + row / 2;
+    const int sample = 3 * unit_;
+    int y = box.top + Pad() + Row() / 2;
     for (const LegendEntry& entry : entries) {
-      entry.sample(vg_, World({box.left + pad, y}), World({box.left + pad + sample, y}));
-      device_.Text({box.left + 2 * pad + sample, y + unit_ / 3}, entry.text, style);
-      y += row;
+      entry.sample(vg_, World({box.left + Pad(), y}), World({box.left + Pad() + sample, y}));
+      device_.Text({box.left + 2 * Pad() + sample, y + unit_ / 3}, entry.text, LegendStyle());
+      y += Row();
     }
+  }
+
+  /// What the scale bar and the north arrow cover.
+  DeviceRect ScaleBarBox() const {
+    return {area_.left + unit_, area_.bottom - 4 * unit_,
+            area_.left + static_cast<int>(0.36 * (area_.right - area_.left)) + 4 * unit_, area_.bottom};
+  }
+  DeviceRect NorthArrowBox() const {
+    return {area_.right - 3 * unit_, area_.top, area_.right, area_.top + 6 * unit_};
   }
 
   void ScaleBar() {
@@ -85,6 +110,9 @@ class Furniture {
   }
 
  private:
+  TextStyle LegendStyle() const { return Style(9, false, TextAlign::kLeft); }
+  int Row() const { return unit_ * 3 / 2; }
+  int Pad() const { return unit_ / 2; }
   TextStyle Style(int size, bool bold, TextAlign align) const {
     TextStyle style;
     style.height = size * unit_ / 10;
@@ -95,12 +123,6 @@ class Furniture {
   }
   MapPoint World(DevicePoint p) const {
     return {vg_.vgGDIDeviceToWorldX(p.x, false), vg_.vgGDIDeviceToWorldY(p.y, false)};
-  }
-  static void Inset(DeviceRect& box, int left, int down) {
-    box.left -= left;
-    box.right -= left;
-    box.top += down;
-    box.bottom += down;
   }
   void Rectangle(const DeviceRect& r) {
     const DevicePoint ring[] = {
@@ -119,6 +141,68 @@ class Furniture {
   DeviceRect area_;
   int unit_;
 };
+
+bool InRing(const std::vector<MapPoint>& ring, MapPoint p) {
+  bool inside = false;
+  for (std::size_t i = 0, j = ring.size() - 1; i < ring.size(); j = i++) {
+    const MapPoint a = ring[i], b = ring[j];
+    if ((a.y > p.y) != (b.y > p.y) && p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x) inside = !inside;
+  }
+  return inside;
+}
+
+/// What a legend at a place would hide: a hundred points of the box in zones count most, then wells.
+class Hidden {
+ public:
+  Hidden(Ormel& ormel, VgGdi& vg) : vg_(vg) {
+    if (Shown(ormel, Layer::kCapzones)) zones_ = ReadZones(ormel);
+    if (!Shown(ormel, Layer::kWells)) return;
+    RowReader rows(ormel.db(),
+                   "select Vertices.X,Vertices.Y from Wells,Vertices where Wells.VID=Vertices.VID");
+    while (rows.Next())
+      if (InView(vg, {rows.Double(0), rows.Double(1)}))
+        wells_.push_back(vg.vgGDIWorldToDevice(rows.Double(0), rows.Double(1)));
+  }
+  long Under(const DeviceRect& box) const {
+    constexpr int kSide = 10;
+    long hidden = 0;
+    for (int i = 0; i < kSide; ++i)
+      for (int j = 0; j < kSide; ++j) {
+        const MapPoint at{
+            vg_.vgGDIDeviceToWorldX(box.left + (box.right - box.left) * (i + 0.5) / kSide, false),
+            vg_.vgGDIDeviceToWorldY(box.top + (box.bottom - box.top) * (j + 0.5) / kSide, false)};
+        for (const Zone& zone : zones_.all) hidden += InRing(zone.points, at) ? 1000 : 0;
+      }
+    for (const DevicePoint& well : wells_)
+      hidden +=
+          well.x >= box.left && well.x <= box.right && well.y >= box.top && well.y <= box.bottom ? 10 : 0;
+    return hidden;
+  }
+
+ private:
+  VgGdi& vg_;
+  Zones zones_;
+  std::vector<DevicePoint> wells_;
+};
+
+DeviceRect LegendPlace(Ormel& ormel, VgGdi& vg, const MapSheet& output, const DeviceRect& area,
+                       DevicePoint size, const std::vector<DeviceRect>& places) {
+  if (output.legend_at) {
+    const auto at = [](int from, int to, int length, double share) {
+      const int place = from + static_cast<int>(std::lround(std::clamp(share, 0.0, 1.0) * (to - from)));
+      return std::max(from, std::min(place, to - length));
+    };
+    const int x = at(area.left, area.right, size.x, output.legend_at->first);
+    const int y = at(area.top, area.bottom, size.y, output.legend_at->second);
+    return {x, y, x + size.x, y + size.y};
+  }
+  if (output.legend_corner != LegendCorner::kAuto)
+    return places.at(static_cast<std::size_t>(output.legend_corner) - 1);
+  const Hidden hidden(ormel, vg);
+  return *std::min_element(places.begin(), places.end(), [&](const DeviceRect& a, const DeviceRect& b) {
+    return hidden.Under(a) < hidden.Under(b);
+  });
+}
 
 DeviceRect PageArea(const DrawingDevice& device, const std::optional<PageMargins>& margins) {
   DeviceRect area{0, 0, device.Width(), device.Height()};
@@ -151,12 +235,24 @@ bool DrawMapOutput(Ormel& ormel, ViewState& state, DrawingDevice& device, const 
   VgGdi vg(ormel);
   MapRect window = UsableWindow(ormel, output.window.value_or(ormel.window.SolveWindow));
   if (vg.InitArea(device, area, window, false, 0.0) != VgInit::kDone) return false;
-  device.SetClip(area);
-  DrawMap({ormel, vg}, state);
-  device.ClearClip();
-
   Furniture furniture(ormel, device, vg, area);
-  if (output.legend) furniture.Legend(LegendOf(ormel, state));
+  LabelPlacer labels;
+  std::vector<LegendEntry> entries;
+  DeviceRect legend;
+  if (output.legend) entries = LegendOf(ormel, state);
+  if (!entries.empty()) {
+    const DevicePoint size = furniture.LegendSize(entries);
+    legend = LegendPlace(ormel, vg, output, area, size,
+                         furniture.LegendPlaces(size, output.scale_bar, output.north_arrow));
+    labels.Reserve(legend);
+  }
+  if (output.scale_bar) labels.Reserve(furniture.ScaleBarBox());
+  if (output.north_arrow) labels.Reserve(furniture.NorthArrowBox());
+
+  device.SetClip(area);
+  DrawMap({ormel, vg, &labels}, state);
+  device.ClearClip();
+  furniture.Legend(entries, legend);
   if (output.scale_bar) furniture.ScaleBar();
   if (output.north_arrow) furniture.NorthArrow();
   if (output.box) furniture.Frame();

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "core/types.h"
 #include "view/vg_gdi.h"
@@ -11,10 +12,22 @@ namespace ormel {
 
 struct ViewState;
 
+/// Where the legend stands.
+enum class LegendCorner {
+  kAuto,  ///< where it hides least of the zones and wells
+  kLowerRight,
+  kUpperLeft,
+  kLowerLeft,
+  kUpperRight,
+};
+
 /// What a sheet shows beside the map.
 struct MapSheet {
   std::string title{};  ///< above the map; empty for none
   bool legend = false;
+  LegendCorner legend_corner = LegendCorner::kAuto;
+  /// Its upper left corner as shares of the map's width and height, 0 to 1; goes before the corner.
+  std::optional<std::pair<double, double>> legend_at{};
   bool scale_bar = false;  ///< in map units
   bool north_arrow = false;
   std::optional<PageMargins> margins{};  ///< none: the map fills the device

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
@@ -84,7 +85,7 @@ struct EditorGrid {
 
 EditorGrid GridOf(Ormel& ormel) {
   EditorGrid grid;
-  grid.shown = ormel.menus.Checked("EDITORGRID", kGridShow);
+  grid.shown = ormel.layers.On(Layer::kEditorGrid);
   grid.spacing = ormel.db().Scalar("select EDITGRIDSpacing from Model").AsDouble();
   return grid;
 }
@@ -113,20 +114,27 @@ MapViewImpl::OverlayShape::~OverlayShape() {
 }
 
 void MapViewImpl::DrawPicture(DrawingDevice& device) {
-  device.Clear(kMapBackground);
-  if (!ormel_.project.ProjectOpen) return;
+  if (!ormel_.project.ProjectOpen) {
+    device.Clear(kMapBackground);
+    return;
+  }
+  DisplayList ground;
+  ground.Shape(device);
+  ground.Clear(kMapBackground);
   const EditorGrid grid = GridOf(ormel_);
   MapRect window = ormel_.window.SolveWindow;
-  const VgInit init = vg_.vgGDIInitObject(device, window, grid.shown, grid.spacing);
+  const VgInit init = vg_.vgGDIInitObject(ground, window, grid.shown, grid.spacing);
   if (init == VgInit::kOverflow) {  // the zoom ends here: back to the window that could be drawn
     window = drawn_window_;
-    if (vg_.vgGDIInitObject(device, window, false, grid.spacing) != VgInit::kDone) return;
+    if (vg_.vgGDIInitObject(ground, window, false, grid.spacing) != VgInit::kDone)
+      return ground.Replay(device);
   }
-  if (init == VgInit::kUnchanged) return;
+  if (init == VgInit::kUnchanged) return ground.Replay(device);
+  vg_.Retarget(device);
   ormel_.window.SolveWindow = window;
   drawn_window_ = window;
   ormel_.solution.default_step = ComputeDefaultStep(ormel_);
-  DrawMap(canvas(), state_, [this](std::string_view text) { Feedback(ormel_, text); });
+  picture_.Draw(canvas(), state_, device, ground, [this](std::string_view text) { Feedback(ormel_, text); });
 }
 
 void MapViewImpl::Redraw() {
@@ -177,7 +185,7 @@ void MapViewImpl::Erase(const Overlay::Key& key, const std::function<void()>& dr
     vg_.vgGDIRefresh();
     return;
   }
-  if (ormel_.menus.Checked("layermenu", kLayerManualRedraw)) {
+  if (ormel_.layers.On(Layer::kManualRedraw)) {
     const OverlayShape shape(*this, key);
     draw_erased();
   } else {
@@ -195,7 +203,7 @@ void MapViewImpl::DrawElement(Element element, Vid vid, Pid pid, DrawMode mode) 
     return draw();
   }
   overlay_.Remove(KeyOf(Overlay::Group::kSelected, element, vid, pid));
-  if (element == Element::kCapzone) TurnOnLayer(ormel_, kLayerWhpas);  // what is being drawn is shown
+  if (element == Element::kCapzone) TurnOnLayer(ormel_, Layer::kCapzones);  // what is being drawn is shown
   const OverlayShape shape(*this, drawn);
   draw();
 }
@@ -232,7 +240,7 @@ void MapViewImpl::DrawTracedLines() {
 void MapViewImpl::Refresh() {
   if (ormel_.project.ProjectOpen) OfferLayers(false);
   if (dirty_) {
-    const bool by_hand = ormel_.menus.Checked("layermenu", kLayerManualRedraw);
+    const bool by_hand = ormel_.layers.On(Layer::kManualRedraw);
     dirty_ = false;
     if (!by_hand && ormel_.project.ProjectOpen) Redraw();
   }

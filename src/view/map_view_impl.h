@@ -7,6 +7,7 @@
 #include "core/map_view.h"
 #include "view/display_list.h"
 #include "view/overlay.h"
+#include "view/picture_cache.h"
 #include "view/redraw.h"
 #include "view/vg_gdi.h"
 
@@ -75,6 +76,7 @@ class MapViewImpl final : public MapView {
 
   /// Draws the map anew, whatever "Manual Redraw" says: window fitted to the surface, all layers.
   void Redraw();
+  const PictureCache& picture() const { return picture_; }
   int redraw_count() const { return redraw_count_; }
 
  private:
@@ -98,6 +100,7 @@ class MapViewImpl final : public MapView {
   VgGdi vg_;
   DisplayList idle_;  ///< target of the vector layer outside a drawing
   ViewState state_;
+  PictureCache picture_;
   MapHooks hooks_;
   Overlay overlay_;
   MapRect drawn_window_;   ///< of the last picture that could be drawn

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
@@ -136,7 +137,7 @@ void MapViewImpl::ZoomActions(Zoom code, const MapRect& rect) {
     switch (code) {
       case Zoom::kRedrawInPlace:
         ElemTurnOffSelection();
-        if (ormel_.menus.Checked("layermenu", kLayerManualRedraw)) {
+        if (ormel_.layers.On(Layer::kManualRedraw)) {
           Activity(ormel_, "REDRAW");
           Feedback(ormel_, "Current picture is obsolete -- press CTRL-L to refresh");
           return;
@@ -150,6 +151,7 @@ void MapViewImpl::ZoomActions(Zoom code, const MapRect& rect) {
         break;
       case Zoom::kExtents:
         ModelCheckExtents(ormel_, false, false);
+        FindMapExtents(ormel_);
         SetWindow(WindowOf(ormel_.window.full));
         ormel_.window.at_extents = true;
         break;

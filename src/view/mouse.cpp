@@ -150,6 +150,11 @@ bool Map_KeyDown(MapViewImpl& view, MapKey key) {
     });
     return true;
   }
+  if (key == MapKey::kBackspace) {
+    if (ormel.mouse.MouseMode != MouseMode::kDigitize) return false;
+    Handle(view, "Form_KeyDown", [&] { CurrentAction(ormel).Back(EventAt(view, 0, {})); });
+    return true;
+  }
   if (ormel.mouse.MenusOff || ormel.mouse.MouseMode != MouseMode::kSelect) return false;
   struct Row {
     MapKey key;

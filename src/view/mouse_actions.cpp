@@ -153,6 +153,11 @@ class Digitizing final : public MouseAction {
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
     ormel.view().TurnOnMenus();
   }
+  void Back(const MouseEvent& event) const override {
+    RemoveRubber(event.view);
+    TakeBackVertex(event.ormel);
+    StartAtLastVertex(event);
+  }
 
  private:
   /// The vertex may have gone to a corner of another domain.
@@ -226,6 +231,10 @@ class StreamBoundary final : public MouseAction {
   }
   void Move(const MouseEvent& event) const override {
     if (event.ormel.mouse.LineInProgress) DrawRubberLine(event);
+  }
+  void Back(const MouseEvent& event) const override {
+    RemoveRubber(event.view);
+    TakeBackVertex(event.ormel);
   }
   void RightPress(const MouseEvent& event) const override { Cancel(event); }
   void Cancel(const MouseEvent& event) const override {

@@ -25,6 +25,8 @@ class MouseAction {
   virtual void Move(const MouseEvent& /*event*/) const {}
   virtual void Release(const MouseEvent& /*event*/) const {}
   virtual void RightPress(const MouseEvent& /*event*/) const {}
+  /// Takes the last vertex back.
+  virtual void Back(const MouseEvent& /*event*/) const {}
   /// Leaves the mode without a half-drawn element.
   virtual void Cancel(const MouseEvent& /*event*/) const {}
 };

@@ -2,21 +2,22 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <optional>
 #include <span>
 
 #include "core/command.h"
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "solver/pathline_tics.h"
+#include "solver/result_files.h"
 #include "store/bulk.h"
 #include "store/database.h"
-#include "text/files.h"
 #include "text/numbers.h"
-#include "view/result_files.h"
+#include "view/styles.h"
 #include "view/vg_gdi.h"
 
 namespace ormel {
@@ -50,7 +51,7 @@ class ColouredWells {
       if (std::hypot(it->at.x - start.x, it->at.y - start.y) < it->reach &&
           (!found || found->order < it->order))
         found = &*it;
-    return found ? found->color : kPathlineColor;
+    return found ? found->color : StyleOf(StyleId::kPathline).color;
   }
 
  private:
@@ -68,66 +69,34 @@ void DrawPaths(const MapCanvas& canvas, const PathSet& set, const ColouredWells&
   for (const PathSet::Path& path : set.paths) {
     const std::span<const MapPoint> points(set.points.data() + path.first, path.count);
     if (points.empty()) continue;
-    canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, 1.0, wells.ColorAt(points.front()));
+    canvas.vg.vgGDIFineLine(points, StyleOf(StyleId::kPathline).width, wells.ColorAt(points.front()));
   }
 }
 
-void DrawTics(const MapCanvas& canvas, const std::vector<Tic>& tics, VgSymbol symbol) {
-  for (const Tic& tic : tics) canvas.vg.vgGDISymbol(tic.at, symbol, QBColor(0), QBColor(0));
+void DrawTics(const MapCanvas& canvas, const std::vector<Tic>& tics, StyleId id) {
+  const Style& style = StyleOf(id);
+  for (const Tic& tic : tics) canvas.vg.vgGDISymbol(tic.at, style.symbol, style.color, style.color);
   if (tics.size() >= kMostTics)
     Note(canvas.ormel, "Too many tic marks: only " + std::to_string(kMostTics) + " are drawn");
 }
 
-std::string TicText(const std::vector<Tic>& tics, bool with_multiple) {
-  std::string text;
-  for (const Tic& tic : tics) {
-    std::string line = RawNumber(tic.at.x);
-    PrintZoneTab(line);
-    line += RawNumber(tic.at.y);
-    if (with_multiple) {
-      PrintZoneTab(line);
-      line += RawNumber(static_cast<double>(tic.multiple));
-    }
-    text += line;
-    text += "\r\n";
-  }
-  return text;
-}
-
-/// A scratch file that nobody reads back: written only when its text changes, without waiting for the disk.
-void WriteTicFile(Ormel& ormel, const char* name, const std::string& text, std::string& last, bool again) {
-  const std::string file = JoinPath(ormel.project.OrmelBasePath, name);
-  if (!again && text == last) return;
-  std::ofstream out(file, std::ios::binary | std::ios::trunc);
-  out << text;
-  if (out.flush())
-    last = text;
-  else
-    Note(ormel, "Cannot write " + file);
-}
-
-void DrawModelPaths(const MapCanvas& canvas, ResultFiles& files, TicFiles& written,
-                    const ColouredWells& wells) {
+void DrawModelPaths(const MapCanvas& canvas, ResultFiles& files, const ColouredWells& wells) {
   Ormel& ormel = canvas.ormel;
   // Paths of a model that has changed since would tell a town the wrong water.
   if (!ormel.solution.ValidSolution) return;
   const auto set = files.Paths(ormel, ResultFileName(ormel, ormel.project.OrmelBaseName, ".PTH"));
   if (!set) return;
-  if (ormel.menus.Checked("layermenu", kLayerPathlines)) DrawPaths(canvas, *set, wells);
+  if (ormel.layers.On(Layer::kPathlines)) DrawPaths(canvas, *set, wells);
 
   const MapRect window = canvas.vg.World();
   std::vector<Tic> times, elevations;
-  if (ormel.menus.Checked("TMARKS", kTimeMarksShow))
-    times = TimeTics(*set, ormel.solution.TimeTicSpacing, window, kMostTics);
-  if (ormel.menus.Checked("ZMARKS", kElevationMarksShow))
-    elevations = ElevationTics(*set, ormel.solution.ElevationTicSpacing, window, kMostTics);
-  DrawTics(canvas, times, VgSymbol::kDot);
-  DrawTics(canvas, elevations, VgSymbol::kUprightCross);
+  if (ormel.layers.On(Layer::kTimeTics))
+    times = TimeTics(*set, ormel.solution.TimeTicSpacing, &window, kMostTics);
+  if (ormel.layers.On(Layer::kElevationTics))
+    elevations = ElevationTics(*set, ormel.solution.ElevationTicSpacing, &window, kMostTics);
+  DrawTics(canvas, times, StyleId::kTimeTic);
+  DrawTics(canvas, elevations, StyleId::kElevationTic);
 
-  const bool moved = written.folder != ormel.project.OrmelBasePath;
-  WriteTicFile(ormel, "TICMARKST.TIC", TicText(times, false), written.time_text, moved);
-  WriteTicFile(ormel, "TICMARKSZ.TIC", TicText(elevations, true), written.elevation_text, moved);
-  written.folder = ormel.project.OrmelBasePath;
   if (!ormel.solution.PathlinesValid) Note(ormel, "Pathlines of an earlier trace");
 }
 
@@ -141,16 +110,15 @@ std::optional<double> AskSpacing(Ormel& ormel, const InputBox& box) {
 
 }  // namespace
 
-void ModelDrawPathlines(const MapCanvas& canvas, ResultFiles& files, TicFiles& tics) {
+void ModelDrawPathlines(const MapCanvas& canvas, ResultFiles& files) {
   Ormel& ormel = canvas.ormel;
   const Named named(ormel, "ModelDrawPathlines");
-  const bool lines = ormel.menus.Checked("layermenu", kLayerPathlines);
-  const bool any = lines || ormel.menus.Checked("TMARKS", kTimeMarksShow) ||
-                   ormel.menus.Checked("ZMARKS", kElevationMarksShow);
+  const bool lines = ormel.layers.On(Layer::kPathlines);
+  const bool any = lines || ormel.layers.On(Layer::kTimeTics) || ormel.layers.On(Layer::kElevationTics);
   if (!any) return;
   const ColouredWells wells(ormel);
-  DrawModelPaths(canvas, files, tics, wells);
-  if (!ormel.menus.Checked("ShowWHPAs")) return;
+  DrawModelPaths(canvas, files, wells);
+  if (!ormel.layers.On(Layer::kWhpas)) return;
   for (const std::string& stem : WhpaStems(ormel)) {
     const auto set = files.Paths(ormel, ResultFileName(ormel, stem, ".PTH"));
     if (set) DrawPaths(canvas, *set, wells);
@@ -159,9 +127,8 @@ void ModelDrawPathlines(const MapCanvas& canvas, ResultFiles& files, TicFiles& t
 
 void PATHLINES(Ormel& ormel) {
   RunCommand(ormel, "PATHLINES", [&] {
-    const bool on = !ormel.menus.Checked("layermenu", kLayerPathlines);
-    ormel.menus.Check("layermenu", kLayerPathlines, on);
-    ormel.menus.Check("PATHLINES", 0, on);
+    const bool on = !ormel.layers.On(Layer::kPathlines);
+    ormel.layers.Switch(Layer::kPathlines, on);
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   });
 }
@@ -171,7 +138,7 @@ void TMARKS(Ormel& ormel, int index) {
     constexpr double kDays[] = {0.0, 365.0, 730.0, 1825.0};
     bool show = true;
     if (index == kTimeMarksShow) {
-      show = !ormel.menus.Checked("TMARKS", kTimeMarksShow);
+      show = !ormel.layers.On(Layer::kTimeTics);
     } else if (index == kTimeMarksCustom) {
       const auto days =
           AskSpacing(ormel, {"Time Mark Spacing", "Enter the spacing for the time tic-marks [days]:", "365"});
@@ -181,9 +148,10 @@ void TMARKS(Ormel& ormel, int index) {
       ormel.solution.TimeTicSpacing = kDays[index];
     }
     if (show && !(ormel.solution.TimeTicSpacing > 0.0)) ormel.solution.TimeTicSpacing = kDays[1];
-    ormel.menus.Check("TMARKS", kTimeMarksShow, show);
+    ormel.layers.Switch(Layer::kTimeTics, show);
     for (int item = kTimeMarks1Year; item <= kTimeMarksCustom; ++item)
       if (index != kTimeMarksShow) ormel.menus.Check("TMARKS", item, item == index);
+    WriteTicFiles(ormel);
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   });
 }
@@ -192,16 +160,17 @@ void ZMARKS(Ormel& ormel, bool ask) {
   RunCommand(ormel, "ZMARKS", [&] {
     double& spacing = ormel.solution.ElevationTicSpacing;
     bool show = true;
-    if (ask || (!(spacing > 0.0) && !ormel.menus.Checked("ZMARKS", kElevationMarksShow))) {
+    if (ask || (!(spacing > 0.0) && !ormel.layers.On(Layer::kElevationTics))) {
       const auto entered = ormel.ui().Ask(
           InputBox{"Elevation Tics", "Enter spacing for elevation tic marks: ", NumberText(spacing)});
       if (!entered || entered->empty()) return;
       spacing = Val(*entered);
       show = spacing > 0.0;
     } else {
-      show = !ormel.menus.Checked("ZMARKS", kElevationMarksShow);
+      show = !ormel.layers.On(Layer::kElevationTics);
     }
-    ormel.menus.Check("ZMARKS", kElevationMarksShow, show);
+    ormel.layers.Switch(Layer::kElevationTics, show);
+    WriteTicFiles(ormel);
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   });
 }

@@ -1,45 +1,17 @@
 // Pathlines with their marks of time and elevation, and the commands that set these.
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <vector>
-
 #include "core/types.h"
 #include "view/canvas.h"
 
 namespace ormel {
 
 struct Ormel;
-struct PathSet;
 class ResultFiles;
-
-/// A mark on a path, in map coordinates.
-struct Tic {
-  MapPoint at;
-  std::int64_t multiple = 0;  ///< of the spacing
-};
-
-/// Marks at equal times, for the steps that end inside the window.  None when the spacing is not positive.
-/// `most`: no more marks than this are made.
-std::vector<Tic> TimeTics(const PathSet& set, double spacing, const MapRect& window, std::size_t most);
-/// Marks at whole multiples of the spacing in elevation, in the direction of the path.
-std::vector<Tic> ElevationTics(const PathSet& set, double spacing, const MapRect& window, std::size_t most);
-
-/// The scratch files "TICMARKST.TIC" and "TICMARKSZ.TIC" as last written.
-struct TicFiles {
-  std::string time_text, elevation_text;
-  std::string folder;
-};
 
 /// Draws the paths of the last trace, and those of the wellhead protection areas while these are shown.  A
 /// path that begins within 2.1 radii of a well with a colour of its own has that colour.
-void ModelDrawPathlines(const MapCanvas& canvas, ResultFiles& files, TicFiles& tics);
-
-/// The system's colour of pathlines.
-inline constexpr Color kPathlineColor = QBColor(4);
-/// Marks of one kind on one picture; more could not be told apart.
-inline constexpr std::size_t kMostTics = 200'000;
+void ModelDrawPathlines(const MapCanvas& canvas, ResultFiles& files);
 
 /// Shows or hides the pathlines.
 void PATHLINES(Ormel& ormel);

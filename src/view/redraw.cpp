@@ -6,16 +6,21 @@
 #include <utility>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
+#include "solver/result_files.h"
+#include "view/capture_zones.h"
 #include "view/contours.h"
+#include "view/label_placer.h"
 #include "view/symbols.h"
 #include "view/traced_lines.h"
 #include "view/vg_gdi.h"
+#include "view/whpa_drawing.h"
 
 namespace ormel {
 namespace {
 
-bool BasemapsWanted(const Ormel&, const ViewState& state) {
+bool HasBasemaps(const Ormel&, const ViewState& state) {
   return static_cast<bool>(state.basemaps);
 }
 void DrawBasemaps(const MapCanvas& canvas, ViewState& state) {
@@ -23,56 +28,79 @@ void DrawBasemaps(const MapCanvas& canvas, ViewState& state) {
   state.basemaps(canvas);
 }
 
-bool HazeWanted(const Ormel& ormel, const ViewState&) {
-  return ormel.menus.Checked("Haze") && ormel.gui.HazeLevel() > 0;
+bool HasHaze(const Ormel& ormel, const ViewState&) {
+  return ormel.gui.HazeLevel() > 0;
 }
 void DrawHaze(const MapCanvas& canvas, ViewState&) {
   canvas.vg.target()->Cover(canvas.vg.View(), canvas.ormel.gui.HazeColor, HazeOpacity(canvas.ormel));
 }
 
-bool Always(const Ormel&, const ViewState&) {
-  return true;
-}
-void DrawElements(const MapCanvas& canvas, ViewState&) {
-  ElemDrawAll(canvas);
+void DrawFlow(const MapCanvas& canvas, ViewState&) {
+  ElemDrawUniformFlow(canvas, DrawMode::kNormal);
 }
 
-bool ContoursWanted(const Ormel& ormel, const ViewState&) {
-  return ormel.menus.Checked("layermenu", kLayerContours);
-}
-void DrawContours(const MapCanvas& canvas, ViewState& state) {
-  ModelDrawContours(canvas, state.files);
+void DrawContours(const MapCanvas& canvas, ViewState&) {
+  ModelDrawContours(canvas, ResultFilesOf(canvas.ormel));
 }
 
-bool PathlinesWanted(const Ormel& ormel, const ViewState&) {
-  return ormel.menus.Checked("layermenu", kLayerPathlines);
-}
-void DrawPathlines(const MapCanvas& canvas, ViewState& state) {
-  ModelDrawPathlines(canvas, state.files, state.tics);
+void DrawContourLabels(const MapCanvas& canvas, ViewState&) {
+  if (Shown(canvas.ormel, Layer::kWells)) ReserveWells(canvas);
+  ModelDrawContourLabels(canvas, ResultFilesOf(canvas.ormel));
 }
 
-bool TracedLinesWanted(const Ormel& ormel, const ViewState&) {
+void DrawPathlines(const MapCanvas& canvas, ViewState&) {
+  ModelDrawPathlines(canvas, ResultFilesOf(canvas.ormel));
+}
+
+bool AnyTracedLines(const Ormel& ormel, const ViewState&) {
   return HasTracedLines(ormel);
 }
-void DrawTracedLines(const MapCanvas& canvas, ViewState&) {
-  ModelDrawTracedLines(canvas);
-}
 
-bool OverlayWanted(const Ormel& ormel, const ViewState& state) {
-  return ormel.menus.Checked("layermenu", kLayerResultsOverlay) && state.overlay.LSMode != "off";
+bool HasOverlay(const Ormel&, const ViewState& state) {
+  return state.overlay.LSMode != "off";
 }
 void DrawOverlay(const MapCanvas& canvas, ViewState& state) {
   ModelDrawResultsOverlay(canvas, state.overlay);
 }
 
+template <LabelClass kClass>
+void DrawLabels(const MapCanvas& canvas, ViewState&) {
+  ModelDrawAllText(canvas, kClass);
+}
+
+/// A kind that is drawn from the project alone.
+template <void (*kDraw)(const MapCanvas&)>
+void Draw(const MapCanvas& canvas, ViewState&) {
+  kDraw(canvas);
+}
+
+// Wells, labels and what is measured lie above the paths, so that a bundle of these never hides the well that
+// it belongs to.
 constexpr std::array kLayers{
-    MapLayer{"Base Maps", "Drawing Basemaps...", BasemapsWanted, DrawBasemaps},
-    MapLayer{"Haze", "", HazeWanted, DrawHaze},
-    MapLayer{"Elements", "Drawing Elements...", Always, DrawElements},
-    MapLayer{"Contours", "", ContoursWanted, DrawContours},
-    MapLayer{"Pathlines", "", PathlinesWanted, DrawPathlines},
-    MapLayer{"Traced Lines", "", TracedLinesWanted, DrawTracedLines},
-    MapLayer{"Results Overlay", "", OverlayWanted, DrawOverlay},
+    MapLayer{"Base Maps", "Drawing Basemaps...", Layer::kBasemaps, HasBasemaps, DrawBasemaps},
+    MapLayer{"Haze", "", Layer::kHaze, HasHaze, DrawHaze},
+    MapLayer{"Capture Zones", "", Layer::kCapzones, nullptr, Draw<ModelDrawAllCapzones>},
+    MapLayer{"Uniform Flow", "Drawing Elements...", Layer::kUniformFlow, nullptr, DrawFlow},
+    MapLayer{"Linesinks", "", Layer::kLinesinks, nullptr, Draw<ElemDrawAllLinesinks>},
+    MapLayer{"Barriers", "", Layer::kBarriers, nullptr, Draw<ElemDrawAllNoFlow>},
+    MapLayer{"Inhomogeneities", "", Layer::kDomains, nullptr, Draw<ElemDrawAllInhos>},
+    MapLayer{"Stream Boundaries", "", Layer::kStreamBoundaries, nullptr, Draw<ElemDrawAllStreamBoundarys>},
+    MapLayer{"WHPAs", "", Layer::kWhpas, nullptr, Draw<ElemDrawAllWHPAs>},
+    MapLayer{"Contours", "", Layer::kContours, nullptr, DrawContours},
+    MapLayer{"Pathlines", "", Layer::kPathlines, nullptr, DrawPathlines},
+    MapLayer{"Traced Lines", "", Layer::kTracedLines, AnyTracedLines, Draw<ModelDrawTracedLines>},
+    MapLayer{"Results Overlay", "", Layer::kResultsOverlay, HasOverlay, DrawOverlay},
+    MapLayer{"Flux Lines", "", Layer::kFluxLines, nullptr, Draw<ModelDrawAllFluxInspect>},
+    MapLayer{"Particles", "", Layer::kParticles, nullptr, Draw<ModelDrawAllParticles>},
+    MapLayer{"Wells", "", Layer::kWells, nullptr, Draw<ElemDrawAllWells>},
+    MapLayer{"Test Points", "", Layer::kTestPoints, nullptr, Draw<ModelDrawAllTestPoints>},
+    MapLayer{"Text", "", Layer::kTextLabels, nullptr, DrawLabels<LabelClass::kUser>},
+    MapLayer{"Hydrography Labels", "", Layer::kHydrographyLabels, nullptr,
+             DrawLabels<LabelClass::kHydrography>},
+    MapLayer{"Hypsography Labels", "", Layer::kHypsographyLabels, nullptr,
+             DrawLabels<LabelClass::kHypsography>},
+    MapLayer{"Well Labels", "", Layer::kWellLabels, nullptr, Draw<ElemDrawAllWellLabels>},
+    MapLayer{"Contour Labels", "", Layer::kContours, nullptr, DrawContourLabels},
 };
 
 }  // namespace
@@ -97,13 +125,17 @@ double HazeOpacity(const Ormel& ormel) {
   return std::clamp((7 - ormel.gui.HazeLevel()) / 7.0, 0.0, 1.0);
 }
 
-void DrawMap(const MapCanvas& canvas, ViewState& state,
-             const std::function<void(std::string_view)>& progress) {
+bool IsDrawn(const MapLayer& layer, const Ormel& ormel, const ViewState& state) {
+  return Shown(ormel, layer.layer) && (layer.any == nullptr || layer.any(ormel, state));
+}
+
+void DrawMap(const MapCanvas& canvas, ViewState& state) {
+  LabelPlacer own;
+  const MapCanvas map{canvas.ormel, canvas.vg, canvas.labels != nullptr ? canvas.labels : &own};
   for (const MapLayer& layer : kLayers) {
-    if (!layer.wanted(canvas.ormel, state)) continue;
-    if (progress && !layer.status.empty()) progress(layer.status);
+    if (!IsDrawn(layer, canvas.ormel, state)) continue;
     canvas.vg.BeginLayer(layer.name);
-    layer.draw(canvas, state);
+    layer.draw(map, state);
   }
 }
 

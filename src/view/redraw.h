@@ -5,17 +5,15 @@
 #include <span>
 #include <string_view>
 
+#include "core/layer_switches.h"
 #include "view/canvas.h"
 #include "view/pathlines.h"
-#include "view/result_files.h"
 #include "view/results_overlay.h"
 
 namespace ormel {
 
 /// What the view keeps between two drawings.
 struct ViewState {
-  ResultFiles files;
-  TicFiles tics;
   OverlaySettings overlay;
   /// Draws the base maps; empty while there are none.
   std::function<void(const MapCanvas&)> basemaps;
@@ -23,19 +21,21 @@ struct ViewState {
 
 struct MapLayer {
   std::string_view name;
-  std::string_view status;  ///< feedback while it is drawn; may be empty
-  bool (*wanted)(const Ormel&, const ViewState&);
+  std::string_view status;                      ///< feedback while it is drawn; may be empty
+  Layer layer;                                  ///< drawn while this is shown
+  bool (*any)(const Ormel&, const ViewState&);  ///< there is something to draw; null: the drawing finds out
   void (*draw)(const MapCanvas&, ViewState&);
 };
 
-/// In the order of drawing: base maps, haze, elements, contours, pathlines, traced lines, results
-/// overlay.
+/// In the order of drawing, from the ground up.
 std::span<const MapLayer> MapLayers();
 
-/// Paints all layers that are wanted on the vector layer's target, which is initialised.  `progress` hears
-/// what is being drawn.
-void DrawMap(const MapCanvas& canvas, ViewState& state,
-             const std::function<void(std::string_view)>& progress = {});
+/// Its switch is on, and there is something.
+bool IsDrawn(const MapLayer& layer, const Ormel& ormel, const ViewState& state);
+
+/// Paints all layers that are drawn on the vector layer's target, which is initialised.  Labels keep clear of
+/// what `canvas.labels` has reserved.
+void DrawMap(const MapCanvas& canvas, ViewState& state);
 
 /// A window that can be drawn: sides in their order; one without width or height, or that is no number, gives
 /// way to the extents of the map, and these to -100 ... 100.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 
 #include "core/command.h"
 #include "core/ormel.h"
@@ -10,6 +11,7 @@
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/numbers.h"
+#include "view/styles.h"
 #include "view/vg_gdi.h"
 
 namespace ormel {
@@ -83,43 +85,62 @@ constexpr std::array kControls{
         .name = "Cancel", .kind = ControlKind::kButton, .caption = "Cancel", .role = ButtonRole::kReject},
 };
 
-OverlayLine Scaled(const OverlaySettings& settings, double value, int color) {
+OverlayLine Scaled(const OverlaySettings& settings, double value, StyleId style) {
   const double width = std::abs(value) * kWidest / settings.LSScaleMax + 0.05;
-  return {QBColor(color), std::clamp(width, kThinnest, 2.0 * kWidest)};
+  return {StyleOf(style).color, std::clamp(width, kThinnest, 2.0 * kWidest)};
+}
+
+OverlayLine Thin(StyleId style) {
+  return {StyleOf(style).color, kThinnest};
 }
 
 // One function a mode.
 std::optional<OverlayLine> HeadError(const OverlaySettings& s, const LinesinkResult& row) {
-  return Scaled(s, row.error, 4);
+  return Scaled(s, row.error, StyleId::kOverlayError);
 }
 std::optional<OverlayLine> Strength(const OverlaySettings& s, const LinesinkResult& row) {
-  return Scaled(s, row.discharge, row.discharge >= 0.0 ? 11 : 13);
+  return Scaled(s, row.discharge, row.discharge >= 0.0 ? StyleId::kOverlayGains : StyleId::kOverlayLoses);
 }
 std::optional<OverlayLine> Baseflow(const OverlaySettings& s, const LinesinkResult& row) {
-  if (row.discharge == 0.0) return OverlayLine{QBColor(7), kThinnest};
-  return Scaled(s, row.baseflow, row.baseflow == 0.0 ? 3 : row.baseflow < 0.0 ? 13 : 11);
+  if (row.discharge == 0.0) return Thin(StyleId::kOverlayNone);
+  const StyleId style = row.baseflow == 0.0  ? StyleId::kOverlayDry
+                        : row.baseflow < 0.0 ? StyleId::kOverlayLoses
+                                             : StyleId::kOverlayGains;
+  return Scaled(s, row.baseflow, style);
 }
 std::optional<OverlayLine> Streamflow(const OverlaySettings& s, const LinesinkResult& row) {
-  if (row.discharge == 0.0) return OverlayLine{QBColor(7), kThinnest};
+  if (row.discharge == 0.0) return Thin(StyleId::kOverlayNone);
   const double flow = row.baseflow + row.overlandflow;
-  if (flow <= 0.0) return OverlayLine{QBColor(3), kThinnest};
-  return Scaled(s, flow, 11);
+  if (flow <= 0.0) return Thin(StyleId::kOverlayDry);
+  return Scaled(s, flow, StyleId::kOverlayGains);
 }
 std::optional<OverlayLine> Percolating(const OverlaySettings&, const LinesinkResult& row) {
   const bool beneath_bed = row.resistance > 0.0 && row.calculated_head < row.specified_head - row.depth;
-  return beneath_bed ? std::optional(OverlayLine{QBColor(10), kThinnest}) : std::nullopt;
+  return beneath_bed ? std::optional(Thin(StyleId::kOverlayMarked)) : std::nullopt;
 }
 std::optional<OverlayLine> Recharging(const OverlaySettings&, const LinesinkResult& row) {
-  return row.discharge < 0.0 ? std::optional(OverlayLine{QBColor(10), kThinnest}) : std::nullopt;
+  return row.discharge < 0.0 ? std::optional(Thin(StyleId::kOverlayMarked)) : std::nullopt;
 }
+
+/// Styles that the legend explains; kCount stands for none.
+using Explained = std::array<StyleId, 4>;
+constexpr StyleId kNo = StyleId::kCount;
 
 struct Mode {
   std::string_view name;
   std::optional<OverlayLine> (*line)(const OverlaySettings&, const LinesinkResult&);
+  Explained styles;
 };
-constexpr std::array kModes{Mode{"Head Error", HeadError},  Mode{"Strength", Strength},
-                            Mode{"Baseflow", Baseflow},     Mode{"Streamflow", Streamflow},
-                            Mode{"Recharging", Recharging}, Mode{"Percolating", Percolating}};
+constexpr std::array kModes{
+    Mode{"Head Error", HeadError, {StyleId::kOverlayError, kNo, kNo, kNo}},
+    Mode{"Strength", Strength, {StyleId::kOverlayGains, StyleId::kOverlayLoses, kNo, kNo}},
+    Mode{"Baseflow",
+         Baseflow,
+         {StyleId::kOverlayGains, StyleId::kOverlayLoses, StyleId::kOverlayNone, StyleId::kOverlayDry}},
+    Mode{
+        "Streamflow", Streamflow, {StyleId::kOverlayGains, StyleId::kOverlayNone, StyleId::kOverlayDry, kNo}},
+    Mode{"Recharging", Recharging, {StyleId::kOverlayMarked, kNo, kNo, kNo}},
+    Mode{"Percolating", Percolating, {StyleId::kOverlayMarked, kNo, kNo, kNo}}};
 
 double FieldOf(const RowReader& rows, int column) {
   return column < 0 ? 0.0 : rows.Double(column);
@@ -131,6 +152,15 @@ std::optional<OverlayLine> OverlayLineOf(const OverlaySettings& settings, const 
   for (const Mode& mode : kModes)
     if (mode.name == settings.LSMode) return mode.line(settings, row);
   return std::nullopt;
+}
+
+std::vector<StyleId> OverlayStyles(const OverlaySettings& settings) {
+  std::vector<StyleId> styles;
+  for (const Mode& mode : kModes)
+    if (mode.name == settings.LSMode)
+      std::copy_if(mode.styles.begin(), mode.styles.end(), std::back_inserter(styles),
+                   [](StyleId style) { return style != kNo; });
+  return styles;
 }
 
 void ModelDrawResultsOverlay(const MapCanvas& canvas, const OverlaySettings& settings) {

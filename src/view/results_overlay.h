@@ -3,12 +3,15 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/form.h"
 #include "core/types.h"
 #include "view/canvas.h"
 
 namespace ormel {
+
+enum class StyleId : int;
 
 /// What the overlay shows: "off", "Head Error", "Strength", "Baseflow", "Streamflow", "Recharging" or
 /// "Percolating".
@@ -28,6 +31,9 @@ struct OverlayLine {
 };
 /// How the row is drawn; nothing when the mode leaves it out.
 std::optional<OverlayLine> OverlayLineOf(const OverlaySettings& settings, const LinesinkResult& row);
+
+/// What its lines look like, for the legend.
+std::vector<StyleId> OverlayStyles(const OverlaySettings& settings);
 
 void ModelDrawResultsOverlay(const MapCanvas& canvas, const OverlaySettings& settings);
 

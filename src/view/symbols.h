@@ -5,6 +5,7 @@
 // procedures and names itself in a failure.
 #pragma once
 
+#include <span>
 #include <string_view>
 
 #include "core/types.h"
@@ -12,12 +13,14 @@
 
 namespace ormel {
 
-/// Uniform flow; the elements while "Elements" is on; then, always, what observes and annotates.
-void ElemDrawAll(const MapCanvas& canvas);
 /// The selected element in the colour of the selection.
 void DrawSelection(const MapCanvas& canvas);
 
 void ElemDrawAllWells(const MapCanvas& canvas);
+/// The wells' names beside them, where there is room.
+void ElemDrawAllWellLabels(const MapCanvas& canvas);
+/// Keeps the labels that follow off the wells.
+void ReserveWells(const MapCanvas& canvas);
 /// `setback` and `radius` in computation units.  A well is never drawn smaller than kSmallestWell pixels, so
 /// that it is found at every scale.
 void ElemDrawWell(const MapCanvas& canvas, MapPoint at, double setback, double radius, DrawMode mode);
@@ -46,10 +49,13 @@ void ModelDrawParticle(const MapCanvas& canvas, MapPoint at, DrawMode mode);
 void ModelDrawAllFluxInspect(const MapCanvas& canvas);
 void ModelDrawFluxInspect(const MapCanvas& canvas, Pid pid, DrawMode mode);
 
-void ModelDrawAllCapzones(const MapCanvas& canvas);
-void ModelDrawCapzone(const MapCanvas& canvas, Pid pid, DrawMode mode, bool vertices);
+/// Labels that the user has placed, or those of a class of base map.  A label of the user vanishes when the
+/// map is zoomed in past a tenth of the width at which it was placed.
+enum class LabelClass { kUser, kHydrography, kHypsography };
+void ModelDrawAllText(const MapCanvas& canvas, LabelClass wanted);
 
-void ModelDrawAllText(const MapCanvas& canvas);
+/// A mark on each of the points.
+void MarkVertices(const MapCanvas& canvas, std::span<const MapPoint> points, Color color, double pen_width);
 
 /// One element by the identity of its vertex (a point) or polygon (a string); nothing when it has no row.
 void DrawOneElement(const MapCanvas& canvas, Element element, Vid vid, Pid pid, DrawMode mode);

@@ -1,42 +1,18 @@
 #include <array>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "store/recordset.h"
+#include "view/capture_zones.h"
+#include "view/styles.h"
 #include "view/symbols.h"
 #include "view/vg_gdi.h"
-#include "view/whpa_drawing.h"
 
 namespace ormel {
 namespace {
-
-/// A kind of element in the order of drawing.
-struct ElementLayer {
-  const char* name;
-  bool with_elements;  ///< drawn only while "Elements" is on
-  void (*draw)(const MapCanvas&);
-};
-
-void DrawFlow(const MapCanvas& canvas) {
-  ElemDrawUniformFlow(canvas, DrawMode::kNormal);
-}
-
-constexpr std::array kElementLayers{
-    ElementLayer{"Uniform Flow", false, DrawFlow},
-    ElementLayer{"Wells", true, ElemDrawAllWells},
-    ElementLayer{"Linesinks", true, ElemDrawAllLinesinks},
-    ElementLayer{"Barriers", true, ElemDrawAllNoFlow},
-    ElementLayer{"Inhomogeneities", true, ElemDrawAllInhos},
-    ElementLayer{"Stream Boundaries", true, ElemDrawAllStreamBoundarys},
-    ElementLayer{"WHPAs", true, ElemDrawAllWHPAs},
-    ElementLayer{"Test Points", false, ModelDrawAllTestPoints},
-    ElementLayer{"Particles", false, ModelDrawAllParticles},
-    ElementLayer{"Flux Lines", false, ModelDrawAllFluxInspect},
-    ElementLayer{"Capture Zones", false, ModelDrawAllCapzones},
-    ElementLayer{"Text", false, ModelDrawAllText},
-};
 
 /// A point element: what one query by the vertex gives.
 bool PlaceOf(Ormel& ormel, Vid vid, MapPoint& at) {
@@ -103,17 +79,19 @@ void DrawVertexOf(const MapCanvas& canvas, Vid vid, Pid, DrawMode mode) {
   if (PlaceOf(canvas.ormel, vid, at)) ElemDrawVertex(canvas, at, mode);
 }
 
-void DrawLabelOf(const MapCanvas& canvas, Vid, Pid, DrawMode mode) {
-  Recordset* labels = canvas.ormel.project.bound.TextLabels.get();
-  if (labels == nullptr || !labels->HasRow()) return;  // the bound recordset stands on the label
-  const std::string text = labels->Get<std::string>("Text"), font = labels->Get<std::string>("FontName");
-  canvas.vg.vgGDItext(
-      text, {labels->Get<double>("X"), labels->Get<double>("Y")},
-      {.font = font,
-       .size = labels->Get<int>("FontSize"),
-       .bold = labels->Get<bool>("FontBold"),
-       .italic = labels->Get<bool>("FontItalic"),
-       .color = ColorOfMode(mode, labels->Get<int>("LabelType") == 0 ? QBColor(0) : QBColor(13))});
+void DrawLabelOf(const MapCanvas& canvas, Vid row, Pid, DrawMode mode) {
+  RowReader label(canvas.ormel.db(),
+                  "select Text,FontName,X,Y,FontSize,FontBold,FontItalic,LabelType from TextLabels where "
+                  "rowid=?",
+                  {row});
+  if (!label.Next()) return;
+  const StyleId style = label.Long(7) == 0 ? StyleId::kTextLabel : StyleId::kMapLabel;
+  canvas.vg.vgGDItext(std::string(label.Text(0)), {label.Double(2), label.Double(3)},
+                      {.font = std::string(label.Text(1)),
+                       .size = static_cast<int>(label.Long(4)),
+                       .bold = label.Bool(5),
+                       .italic = label.Bool(6),
+                       .color = ColorOfMode(mode, StyleOf(style).color)});
 }
 
 struct SingleElement {
@@ -136,15 +114,6 @@ constexpr std::array kSingleElements{
 };
 
 }  // namespace
-
-void ElemDrawAll(const MapCanvas& canvas) {
-  const bool elements = canvas.ormel.menus.Checked("layermenu", kLayerElements);
-  for (const ElementLayer& layer : kElementLayers) {
-    if (layer.with_elements && !elements) continue;
-    canvas.vg.BeginLayer(layer.name);
-    layer.draw(canvas);
-  }
-}
 
 void DrawOneElement(const MapCanvas& canvas, Element element, Vid vid, Pid pid, DrawMode mode) {
   for (const SingleElement& single : kSingleElements) {

@@ -3,10 +3,13 @@
 #include <string>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/masks.h"
+#include "view/label_placer.h"
+#include "view/styles.h"
 #include "view/symbols.h"
 #include "view/vg_gdi.h"
 
@@ -17,8 +20,8 @@ namespace {
 constexpr double kSmallestScale = 0.25, kLargestScale = 4.0;
 
 double FullScale(const Ormel& ormel) {
-  if (ormel.menus.Checked("TPSCALING", kTestScale20)) return 20.0;
-  if (ormel.menus.Checked("TPSCALING", kTestScale10)) return 10.0;
+  if (ormel.layers.On(Layer::kTestScale20)) return 20.0;
+  if (ormel.layers.On(Layer::kTestScale10)) return 10.0;
   return 5.0;
 }
 
@@ -33,9 +36,14 @@ void DrawDifferenceText(const MapCanvas& canvas, MapPoint at, double difference,
   canvas.vg.vgGDItext(SignedDifference(difference), beside, {.font = "Arial", .size = 10, .color = color});
 }
 
+const Style& TestPointStyle(double difference) {
+  return StyleOf(difference > 0.0 ? StyleId::kTestPointAbove : StyleId::kTestPointBelow);
+}
+
 void DrawPlainTestPoint(const MapCanvas& canvas, MapPoint at, double difference, DrawMode mode) {
-  const Color color = ColorOfMode(mode, difference > 0.0 ? QBColor(2) : QBColor(4));
-  canvas.vg.vgGDISymbol(at, VgSymbol::kDot, color, color);
+  const Style& style = TestPointStyle(difference);
+  const Color color = ColorOfMode(mode, style.color);
+  canvas.vg.vgGDISymbol(at, style.symbol, color, color);
 }
 
 }  // namespace
@@ -45,7 +53,7 @@ void ElemDrawUniformFlow(const MapCanvas& canvas, DrawMode mode) {
   RowReader rows(canvas.ormel.db(),
                  "select UNIFLOWCompute,UNIFLOWRefX,UNIFLOWRefY,UNIFLOWOrientation from Model");
   if (!rows.Next() || !rows.Bool(0)) return;
-  Color color = QBColor(2);
+  Color color = StyleOf(StyleId::kUniformFlow).color;
   if (mode == DrawMode::kSelected) color = Rgb(255, 0, 0);
   if (mode == DrawMode::kErase) color = kMapBackground;
   canvas.vg.vgGDISymbol({rows.Double(1), rows.Double(2)}, VgSymbol::kArrow, color, color, rows.Double(3),
@@ -61,12 +69,12 @@ void ElemDrawVertex(const MapCanvas& canvas, MapPoint at, DrawMode mode) {
 void ModelDrawTestPoint(const MapCanvas& canvas, MapPoint at, std::string_view /*label*/, double /*obshead*/,
                         double difference, DrawMode mode) {
   const Named named(canvas.ormel, "ModelDrawTestPoint");
-  const MenuState& menus = canvas.ormel.menus;
-  const bool as_text = menus.Checked("TESTDISPLAY", kTestText);
-  const bool scaled = menus.Checked("TESTDISPLAY", kTestScaledSymbols);
+  const LayerSwitches& layers = canvas.ormel.layers;
+  const bool as_text = layers.On(Layer::kTestText);
+  const bool scaled = layers.On(Layer::kTestScaled);
   if (!as_text && !scaled) return DrawPlainTestPoint(canvas, at, difference, mode);
 
-  const Color color = ColorOfMode(mode, difference > 0.0 ? QBColor(2) : QBColor(4));
+  const Color color = ColorOfMode(mode, TestPointStyle(difference).color);
   double scale = 1.0;
   if (scaled)
     scale = std::clamp(std::abs(difference) / FullScale(canvas.ormel), kSmallestScale, kLargestScale);
@@ -76,7 +84,7 @@ void ModelDrawTestPoint(const MapCanvas& canvas, MapPoint at, std::string_view /
 
 void ModelDrawAllTestPoints(const MapCanvas& canvas) {
   const Named named(canvas.ormel, "ModelDrawAllTestPoints");
-  if (!canvas.ormel.menus.Checked("TESTDISPLAY", kTestShow)) return;
+  if (!canvas.ormel.layers.On(Layer::kTestPoints)) return;
   if (!canvas.ormel.solution.ValidSolution) {
     RowReader rows(canvas.ormel.db(),
                    "select Vertices.X,Vertices.Y from TestPoints,Vertices where TestPoints.VID=Vertices.VID "
@@ -92,8 +100,9 @@ void ModelDrawAllTestPoints(const MapCanvas& canvas) {
 
 void ModelDrawParticle(const MapCanvas& canvas, MapPoint at, DrawMode mode) {
   const Named named(canvas.ormel, "ModelDrawParticle");
-  const Color color = ColorOfMode(mode, QBColor(4));
-  canvas.vg.vgGDISymbol(at, VgSymbol::kDiagonalCross, color, color);
+  const Style& style = StyleOf(StyleId::kParticle);
+  const Color color = ColorOfMode(mode, style.color);
+  canvas.vg.vgGDISymbol(at, style.symbol, color, color);
 }
 
 void ModelDrawAllParticles(const MapCanvas& canvas) {
@@ -104,24 +113,29 @@ void ModelDrawAllParticles(const MapCanvas& canvas) {
   while (rows.Next()) ModelDrawParticle(canvas, {rows.Double(0), rows.Double(1)}, DrawMode::kNormal);
 }
 
-void ModelDrawAllText(const MapCanvas& canvas) {
+void ModelDrawAllText(const MapCanvas& canvas, LabelClass wanted) {
   const Named named(canvas.ormel, "ModelDrawAllText");
-  const MenuState& menus = canvas.ormel.menus;
+  const bool users = wanted == LabelClass::kUser;
   const double width = canvas.vg.World().Width();
-  RowReader rows(canvas.ormel.db(),
-                 "select X,Y,Text,FontName,FontSize,FontBold,FontItalic,LabelType,ScalerX from TextLabels");
+  const char* sql = "select X,Y,Text,FontName,FontSize,FontBold,FontItalic,LabelType,ScalerX from TextLabels";
+  RowReader rows(canvas.ormel.db(), sql);
   while (rows.Next()) {
     const std::int64_t type = rows.Long(7);
-    const bool shown =
-        type == 0 ? rows.Double(8) / 10.0 < width
-                  : menus.Checked("layermenu", type == 1 ? kLayerHydrographyLabels : kLayerHypsographyLabels);
-    if (!shown) continue;
-    canvas.vg.vgGDItext(rows.Text(2), {rows.Double(0), rows.Double(1)},
-                        {.font = rows.Text(3),
-                         .size = static_cast<int>(rows.Long(4)),
-                         .bold = rows.Bool(5),
-                         .italic = rows.Bool(6),
-                         .color = type == 0 ? QBColor(0) : QBColor(13)});
+    const LabelClass is = type == 0   ? LabelClass::kUser
+                          : type == 1 ? LabelClass::kHydrography
+                                      : LabelClass::kHypsography;
+    if (is != wanted || (users && !(rows.Double(8) / 10.0 < width))) continue;
+    const MapPoint at{rows.Double(0), rows.Double(1)};
+    const std::string font(rows.Text(3));
+    const VgText how{.font = font,
+                     .size = static_cast<int>(rows.Long(4)),
+                     .bold = rows.Bool(5),
+                     .italic = rows.Bool(6),
+                     .color = StyleOf(users ? StyleId::kTextLabel : StyleId::kMapLabel).color};
+    // Where the user has put a label it stays; what the program places keeps away from it.
+    if (canvas.labels != nullptr)
+      if (const auto box = canvas.vg.TextBox(rows.Text(2), at, how)) canvas.labels->Reserve(*box);
+    canvas.vg.vgGDItext(rows.Text(2), at, how);
   }
 }
 

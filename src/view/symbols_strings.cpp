@@ -5,9 +5,11 @@
 #include <vector>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "store/bulk.h"
 #include "store/database.h"
+#include "view/styles.h"
 #include "view/symbols.h"
 #include "view/vertex_chains.h"
 #include "view/vg_gdi.h"
@@ -15,12 +17,8 @@
 namespace ormel {
 namespace {
 
-constexpr double kLinesinkWidth = 1.5;
-constexpr double kBarrierWidth = 2.0;
-
-void MarkVertices(const MapCanvas& canvas, std::span<const MapPoint> points, Color color, double pen_width) {
-  for (const MapPoint& point : points)
-    canvas.vg.vgGDISymbol(point, VgSymbol::kDiamond, color, color, 1.0, pen_width);
+Color VertexColor(DrawMode mode) {
+  return mode == DrawMode::kErase ? kMapBackground : StyleOf(StyleId::kVertex).color;
 }
 
 void DrawRing(const MapCanvas& canvas, std::span<const MapPoint> points, double width, Color color) {
@@ -28,28 +26,29 @@ void DrawRing(const MapCanvas& canvas, std::span<const MapPoint> points, double 
   if (points.size() > 2) canvas.vg.vgGDILine(points.back(), points.front(), PenStyle::kSolid, width, color);
 }
 
-Color LinesinkColor(bool head_specified, bool drain, bool far_field) {
-  if (!head_specified) return QBColor(5);
-  if (drain) return QBColor(6);
-  return far_field ? QBColor(3) : Rgb(0, 0, 255);
+StyleId LinesinkStyle(bool head_specified, bool drain, bool far_field) {
+  if (!head_specified) return StyleId::kLinesinkDischarge;
+  if (drain) return StyleId::kDrain;
+  return far_field ? StyleId::kLinesinkFarField : StyleId::kLinesinkHead;
 }
 
-void DrawLinesink(const MapCanvas& canvas, std::span<const MapPoint> points, Color normal, DrawMode mode) {
+void DrawLinesink(const MapCanvas& canvas, std::span<const MapPoint> points, StyleId kind, DrawMode mode) {
+  const Style& style = StyleOf(kind);
   const double shadow = canvas.ormel.gui.LinesinkShadow;
-  if (shadow > 0.0) canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, shadow, QBColor(15));
-  canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, kLinesinkWidth, ColorOfMode(mode, normal));
-  const bool marked =
-      mode != DrawMode::kNormal || canvas.ormel.menus.Checked("ShowVertices", kLinesinkVertices);
-  if (marked) MarkVertices(canvas, points, mode == DrawMode::kErase ? kMapBackground : QBColor(0), 1.0);
+  if (shadow > 0.0)
+    canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, shadow, StyleOf(StyleId::kLinesinkShadow).color);
+  canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, style.width, ColorOfMode(mode, style.color));
+  const bool marked = mode != DrawMode::kNormal || canvas.ormel.layers.On(Layer::kLinesinkVertices);
+  if (marked) MarkVertices(canvas, points, VertexColor(mode), 1.0);
 }
 
 void DrawBarrier(const MapCanvas& canvas, std::span<const MapPoint> points, bool closed, Color color,
                  DrawMode mode) {
   const Color shown = ColorOfMode(mode, color);
   if (closed)
-    DrawRing(canvas, points, kBarrierWidth, shown);
+    DrawRing(canvas, points, StyleOf(StyleId::kBarrier).width, shown);
   else
-    canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, kBarrierWidth, shown);
+    canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, StyleOf(StyleId::kBarrier).width, shown);
 }
 
 struct PlaceHash {
@@ -76,41 +75,34 @@ std::unordered_set<Pid> DomainsWithSharedCorner(const VertexChains& chains) {
 
 void DrawDomain(const MapCanvas& canvas, std::span<const MapPoint> points, Color color, bool shared,
                 DrawMode mode) {
-  DrawRing(canvas, points, 1.0, ColorOfMode(mode, color));
-  const bool asked = canvas.ormel.menus.Checked("ShowVertices", kInhomogeneityVertices);
+  DrawRing(canvas, points, StyleOf(StyleId::kDomain).width, ColorOfMode(mode, color));
+  const Style& corner = StyleOf(StyleId::kDomainVertex);
+  const bool asked = canvas.ormel.layers.On(Layer::kDomainVertices);
   const bool digitizing = canvas.ormel.mouse.MouseMode == MouseMode::kDigitize;
   if (asked && (mode == DrawMode::kSelected || shared || digitizing))
-    MarkVertices(canvas, points, mode == DrawMode::kErase ? kMapBackground : Rgb(128, 128, 128), 2.0);
-  if (mode == DrawMode::kSelected) MarkVertices(canvas, points, QBColor(0), 1.0);
+    MarkVertices(canvas, points, mode == DrawMode::kErase ? kMapBackground : corner.color, corner.width);
+  if (mode == DrawMode::kSelected) MarkVertices(canvas, points, VertexColor(mode), 1.0);
 }
 
 void DrawFluxLine(const MapCanvas& canvas, std::span<const MapPoint> points, DrawMode mode) {
-  canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, 1.0, ColorOfMode(mode, QBColor(5)));
-  MarkVertices(canvas, points, mode == DrawMode::kErase ? kMapBackground : QBColor(0), 1.0);
-}
-
-/// `closed`: the last vertex is joined to the first one.
-void DrawCapzone(const MapCanvas& canvas, std::span<const MapPoint> points, bool closed, DrawMode mode,
-                 bool vertices) {
-  if (points.empty()) return;
-  const Color color = ColorOfMode(mode, QBColor(9));
-  if (closed)
-    DrawRing(canvas, points, 1.0, color);
-  else
-    canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, 1.0, color);
-  if (mode == DrawMode::kSelected) MarkVertices(canvas, points, QBColor(0), 1.0);
-  if (mode == DrawMode::kErase) MarkVertices(canvas, points, color, 1.0);
-  if (vertices) MarkVertices(canvas, points, color, 1.5);
+  const Style& style = StyleOf(StyleId::kFluxLine);
+  canvas.vg.vgGDIPolyline(points, PenStyle::kSolid, style.width, ColorOfMode(mode, style.color));
+  MarkVertices(canvas, points, VertexColor(mode), 1.0);
 }
 
 }  // namespace
+
+void MarkVertices(const MapCanvas& canvas, std::span<const MapPoint> points, Color color, double pen_width) {
+  for (const MapPoint& point : points)
+    canvas.vg.vgGDISymbol(point, StyleOf(StyleId::kVertex).symbol, color, color, 1.0, pen_width);
+}
 
 void ElemDrawAllLinesinks(const MapCanvas& canvas) {
   const Named named(canvas.ormel, "ElemDrawAllLinesinks");
   const VertexChains chains(canvas.ormel.db(), "LinesinkStrings");
   RowReader rows(canvas.ormel.db(), "select PID,HeadSpecified,Drain,FarField from LinesinkStrings");
   while (rows.Next())
-    DrawLinesink(canvas, chains.Of(rows.Long(0)), LinesinkColor(rows.Bool(1), rows.Bool(2), rows.Bool(3)),
+    DrawLinesink(canvas, chains.Of(rows.Long(0)), LinesinkStyle(rows.Bool(1), rows.Bool(2), rows.Bool(3)),
                  DrawMode::kNormal);
 }
 
@@ -120,7 +112,7 @@ void ElemDrawLinesinkString(const MapCanvas& canvas, Pid pid, DrawMode mode) {
                  {pid});
   if (!rows.Next()) return;
   DrawLinesink(canvas, ChainOf(canvas.ormel.db(), pid),
-               LinesinkColor(rows.Bool(0), rows.Bool(1), rows.Bool(2)), mode);
+               LinesinkStyle(rows.Bool(0), rows.Bool(1), rows.Bool(2)), mode);
 }
 
 void ElemDrawAllNoFlow(const MapCanvas& canvas) {
@@ -149,7 +141,7 @@ void ElemDrawAllInhos(const MapCanvas& canvas) {
 
 void ElemDrawInho(const MapCanvas& canvas, Pid pid, Color color, DrawMode mode) {
   const Named named(canvas.ormel, "ElemDrawInho");
-  const bool asked = canvas.ormel.menus.Checked("ShowVertices", kInhomogeneityVertices);
+  const bool asked = canvas.ormel.layers.On(Layer::kDomainVertices);
   bool shared = false;
   if (asked) {
     RowReader rows(canvas.ormel.db(),
@@ -171,22 +163,6 @@ void ModelDrawAllFluxInspect(const MapCanvas& canvas) {
 void ModelDrawFluxInspect(const MapCanvas& canvas, Pid pid, DrawMode mode) {
   const Named named(canvas.ormel, "ModelDrawFluxInspect");
   DrawFluxLine(canvas, ChainOf(canvas.ormel.db(), pid), mode);
-}
-
-void ModelDrawAllCapzones(const MapCanvas& canvas) {
-  const Named named(canvas.ormel, "ModelDrawAllCapzones");
-  if (!canvas.ormel.menus.Checked("layermenu", kLayerWhpas)) return;
-  const VertexChains chains(canvas.ormel.db(), "Capzones");
-  RowReader rows(
-      canvas.ormel.db(),
-      "select Capzones.PID,Polygons.Closed from Capzones left join Polygons on Polygons.PID=Capzones.PID");
-  while (rows.Next()) DrawCapzone(canvas, chains.Of(rows.Long(0)), rows.Bool(1), DrawMode::kNormal, false);
-}
-
-void ModelDrawCapzone(const MapCanvas& canvas, Pid pid, DrawMode mode, bool vertices) {
-  const Named named(canvas.ormel, "ModelDrawCapzone");
-  const bool closed = canvas.ormel.db().Scalar("select Closed from Polygons where PID=?", {pid}).AsBool();
-  DrawCapzone(canvas, ChainOf(canvas.ormel.db(), pid), closed, mode, vertices);
 }
 
 }  // namespace ormel

@@ -4,11 +4,14 @@
 
 #include "core/command.h"
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/masks.h"
 #include "text/strings.h"
+#include "view/label_placer.h"
+#include "view/styles.h"
 #include "view/symbols.h"
 #include "view/vg_gdi.h"
 
@@ -20,9 +23,9 @@ constexpr double kDryHead = -1000.0;
 constexpr std::string_view kMirrorPrefix = "Mirror_";
 
 Color WellColor(DrawMode mode) {
-  if (mode == DrawMode::kDryWell) return QBColor(10);
-  if (mode == DrawMode::kImageWell) return Rgb(170, 170, 170);
-  return ColorOfMode(mode, QBColor(5));
+  if (mode == DrawMode::kDryWell) return StyleOf(StyleId::kDryWell).color;
+  if (mode == DrawMode::kImageWell) return StyleOf(StyleId::kImageWell).color;
+  return ColorOfMode(mode, StyleOf(StyleId::kWell).color);
 }
 
 void DrawWellSymbol(const MapCanvas& canvas, MapPoint at, double setback, double radius, DrawMode mode) {
@@ -34,14 +37,33 @@ void DrawWellSymbol(const MapCanvas& canvas, MapPoint at, double setback, double
   canvas.vg.vgGDICircle(at, std::max(radius * to_map, smallest), PenStyle::kSolid, 1.0, color);
 }
 
+/// To the right and a little below; where that is taken to the left, above or below.  `placer` null: there in
+/// any case.
 void DrawWellLabel(const MapCanvas& canvas, MapPoint at, std::string_view label) {
   const MapRect window = canvas.vg.World();
-  const MapPoint place{at.x + 0.015 * window.Width(), at.y - 0.005 * window.Height()};
-  canvas.vg.vgGDItext(label, place, {.font = "Verdana", .size = 10, .bold = true, .color = Rgb(0, 0, 255)});
+  const double dx = 0.015 * window.Width(), dy = 0.005 * window.Height();
+  const double line = 1.2 * canvas.vg.PointUnit() * canvas.vg.vgGDIPixelSize();
+  struct Side {
+    MapPoint place;
+    int alignment;
+  };
+  const Side sides[] = {{{at.x + dx, at.y - dy}, 0},
+                        {{at.x - dx, at.y - dy}, 2},
+                        {{at.x + 0.5 * dx, at.y + 0.6 * line}, 0},
+                        {{at.x + 0.5 * dx, at.y - 1.3 * line}, 0}};
+  for (const Side& side : sides) {
+    const VgText how{.font = "Verdana",
+                     .size = 10,
+                     .bold = true,
+                     .color = StyleOf(StyleId::kWellLabel).color,
+                     .alignment = side.alignment,
+                     .halo = true};
+    if (PlaceText(canvas.vg, canvas.labels, label, side.place, how)) return;
+  }
 }
 
 bool LabelsShown(const MapCanvas& canvas, DrawMode mode) {
-  return mode != DrawMode::kErase && canvas.ormel.menus.Checked("ShowWellLabels");
+  return mode != DrawMode::kErase && canvas.ormel.layers.On(Layer::kWellLabels);
 }
 
 /// Deck labels of the wells that the last solve found dry.
@@ -74,14 +96,32 @@ DrawMode ModeOfWell(const DryWells& dry, Vid vid, std::string_view label) {
 void ElemDrawAllWells(const MapCanvas& canvas) {
   const Named named(canvas.ormel, "ElemDrawAllWells");
   const DryWells dry(canvas.ormel);
-  const bool labels = LabelsShown(canvas, DrawMode::kNormal);
   RowReader rows(canvas.ormel.db(),
                  "select Wells.VID,Vertices.X,Vertices.Y,Wells.Setback,Wells.Radius,Wells.Label "
                  "from Wells,Vertices where Wells.VID=Vertices.VID order by Wells.VID");
   while (rows.Next()) {
     const MapPoint at{rows.Double(1), rows.Double(2)};
-    if (labels) DrawWellLabel(canvas, at, rows.Text(5));
     DrawWellSymbol(canvas, at, rows.Double(3), rows.Double(4), ModeOfWell(dry, rows.Long(0), rows.Text(5)));
+  }
+}
+
+void ElemDrawAllWellLabels(const MapCanvas& canvas) {
+  const Named named(canvas.ormel, "ElemDrawAllWells");
+  RowReader rows(canvas.ormel.db(),
+                 "select Vertices.X,Vertices.Y,Wells.Label from Wells,Vertices "
+                 "where Wells.VID=Vertices.VID order by Wells.VID");
+  while (rows.Next()) DrawWellLabel(canvas, {rows.Double(0), rows.Double(1)}, rows.Text(2));
+}
+
+void ReserveWells(const MapCanvas& canvas) {
+  if (canvas.labels == nullptr) return;
+  const int half = canvas.vg.PointUnit() / 2;
+  RowReader rows(canvas.ormel.db(),
+                 "select Vertices.X,Vertices.Y from Wells,Vertices where Wells.VID=Vertices.VID");
+  while (rows.Next()) {
+    if (!InView(canvas.vg, {rows.Double(0), rows.Double(1)})) continue;
+    const DevicePoint at = canvas.vg.vgGDIWorldToDevice(rows.Double(0), rows.Double(1));
+    canvas.labels->Reserve({at.x - half, at.y - half, at.x + half, at.y + half});
   }
 }
 

@@ -1,9 +1,12 @@
 #include "view/traced_lines.h"
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "core/ormel.h"
+#include "solver/pathline_tics.h"
+#include "solver/result_files.h"
 #include "view/pathlines.h"
-#include "view/result_files.h"
+#include "view/styles.h"
 #include "view/vg_gdi.h"
 
 namespace ormel {
@@ -16,13 +19,14 @@ PathSet SetOf(const TracedLine& line) {
 void DrawMarks(const MapCanvas& canvas, const PathSet& set) {
   const Ormel& ormel = canvas.ormel;
   const MapRect window = canvas.vg.World();
-  const auto draw = [&](const std::vector<Tic>& tics, VgSymbol symbol) {
-    for (const Tic& tic : tics) canvas.vg.vgGDISymbol(tic.at, symbol, QBColor(0), QBColor(0));
+  const auto draw = [&](const std::vector<Tic>& tics, StyleId id) {
+    const Style& style = StyleOf(id);
+    for (const Tic& tic : tics) canvas.vg.vgGDISymbol(tic.at, style.symbol, style.color, style.color);
   };
-  if (ormel.menus.Checked("TMARKS", kTimeMarksShow))
-    draw(TimeTics(set, ormel.solution.TimeTicSpacing, window, kMostTics), VgSymbol::kDot);
-  if (ormel.menus.Checked("ZMARKS", kElevationMarksShow))
-    draw(ElevationTics(set, ormel.solution.ElevationTicSpacing, window, kMostTics), VgSymbol::kUprightCross);
+  if (ormel.layers.On(Layer::kTimeTics))
+    draw(TimeTics(set, ormel.solution.TimeTicSpacing, &window, kMostTics), StyleId::kTimeTic);
+  if (ormel.layers.On(Layer::kElevationTics))
+    draw(ElevationTics(set, ormel.solution.ElevationTicSpacing, &window, kMostTics), StyleId::kElevationTic);
 }
 
 }  // namespace
@@ -33,8 +37,9 @@ bool HasTracedLines(const Ormel& ormel) {
 
 void ModelDrawTracedLines(const MapCanvas& canvas) {
   const Named named(canvas.ormel, "ModelDrawTracedLines");
+  const Style& style = StyleOf(StyleId::kTracedLine);
   for (const TracedLine& line : canvas.ormel.solution.traced_lines) {
-    canvas.vg.vgGDIPolyline(line.points, PenStyle::kSolid, kTracedLineWidth, kTracedLineColor);
+    canvas.vg.vgGDIFineLine(line.points, style.width, style.color);
     DrawMarks(canvas, SetOf(line));
   }
 }

@@ -21,6 +21,7 @@ constexpr std::size_t kLinePoints = 5000;
 constexpr double kClosestGrid = 2.0, kCoarseGrid = 8.0;
 /// Points of a line closer than this in both directions are one [pixels].
 constexpr int kShortestStep = 2;
+constexpr double kShortestFineStep = 0.7;  ///< the same for lines between pixels
 constexpr Color kGridColor = QBColor(7);
 
 bool Fits32(double value) {
@@ -256,6 +257,44 @@ void VgGdi::vgGDIPolyline(std::span<const MapPoint> points, PenStyle style, doub
   if (!line_.empty()) end(last);
 }
 
+void VgGdi::vgGDIFineLine(std::span<const MapPoint> points, double width, Color color) {
+  if (points.size() < 2 || !LocateAll(points, width)) return;
+  const Pen pen{PenStyle::kSolid, width, color};
+  fine_.clear();
+  const auto add = [&](Spot spot) {
+    const bool near = !fine_.empty() && std::abs(spot.x - fine_.back().x) < kShortestFineStep &&
+                      std::abs(spot.y - fine_.back().y) < kShortestFineStep;
+    if (!near) fine_.push_back(spot);
+  };
+  const auto end = [&](Spot spot) {
+    if (fine_.empty() || !(fine_.back() == spot)) fine_.push_back(spot);
+    if (fine_.size() == 1) fine_.push_back(fine_.front());
+    target_->FineLine(fine_, pen);
+    fine_.clear();
+  };
+  if (!spots_far_) {
+    for (const Spot& spot : spots_) add(spot);
+    return end(spots_.back());
+  }
+  const clip::Box near = Neighbourhood(view_);
+  Spot last{};
+  for (std::size_t i = 1; i < spots_.size(); ++i) {
+    const auto part = clip::Segment(near, spots_[i - 1], spots_[i]);
+    if (!part) continue;
+    if (!fine_.empty() && !near.Holds(spots_[i - 1])) end(last);  // the line came back from outside
+    add(part->first);
+    add(part->second);
+    last = part->second;
+  }
+  if (!fine_.empty()) end(last);
+}
+
+void VgGdi::vgGDIArea(std::span<const MapPoint> ring, Color fill, double opacity) {
+  if (ring.size() < 3 || !LocateAll(ring, 1.0)) return;
+  if (spots_far_) spots_ = clip::Area(Neighbourhood(view_), std::move(spots_));
+  if (spots_.size() >= 3) target_->Area(spots_, fill, opacity);
+}
+
 void VgGdi::vgGDIPolygon(std::span<const MapPoint> points, PenStyle style, double width, Color color,
                          Color fill) {
   if (points.size() < 3 || !LocateAll(points, width)) return;
@@ -298,8 +337,7 @@ void VgGdi::vgGDICircle(MapPoint centre, double radius, PenStyle style, double w
   if (seen) target_->Circle(Round(at), Round(pixels), {style, width, color}, fill);
 }
 
-void VgGdi::vgGDItext(std::string_view text, MapPoint at, const VgText& how) {
-  if (!Ready() || text.empty()) return;
+TextStyle VgGdi::StyleFor(const VgText& how) const {
   TextStyle style;
   style.font = how.font;
   style.height = how.size * point_unit_ / 10;
@@ -310,6 +348,36 @@ void VgGdi::vgGDItext(std::string_view text, MapPoint at, const VgText& how) {
   style.align = how.alignment == 1 || how.alignment == 4 ? TextAlign::kCentre
                 : how.alignment == 2                     ? TextAlign::kRight
                                                          : TextAlign::kLeft;
+  style.halo = how.halo;
+  return style;
+}
+
+std::optional<DeviceRect> VgGdi::TextBox(std::string_view text, MapPoint at, const VgText& how) const {
+  if (!Ready() || text.empty()) return std::nullopt;
+  const TextStyle style = StyleFor(how);
+  if (style.height <= 0) return std::nullopt;
+  const double width = target_->TextWidth(text, style), height = style.height;
+  const double left = style.align == TextAlign::kCentre  ? -width / 2.0
+                      : style.align == TextAlign::kRight ? -width
+                                                         : 0.0;
+  const double angle = style.angle * std::numbers::pi / 180.0, c = std::cos(angle), s = std::sin(angle);
+  const Spot spot = Locate(at);
+  double x1 = 1e9, x2 = -1e9, y1 = 1e9, y2 = -1e9;
+  for (const double u : {left, left + width})
+    for (const double v : {-0.25 * height, 0.8 * height}) {  // below and above the baseline
+      const double x = spot.x + u * c - v * s, y = spot.y - u * s - v * c;
+      x1 = std::min(x1, x);
+      x2 = std::max(x2, x);
+      y1 = std::min(y1, y);
+      y2 = std::max(y2, y);
+    }
+  if (!(x2 >= view_.left && x1 <= view_.right && y2 >= view_.top && y1 <= view_.bottom)) return std::nullopt;
+  return DeviceRect{Round(x1), Round(y1), Round(x2), Round(y2)};
+}
+
+void VgGdi::vgGDItext(std::string_view text, MapPoint at, const VgText& how) {
+  if (!Ready() || text.empty()) return;
+  const TextStyle style = StyleFor(how);
   if (style.height <= 0) return;
   const double reach = static_cast<double>(style.height) * (static_cast<double>(text.size()) + 1.0);
   const Spot spot = Locate(at);

@@ -57,6 +57,7 @@ struct VgText {
   Color color{};
   double angle = 0.0;  ///< degrees, counter-clockwise
   int alignment = 0;   ///< 0 left, 1 and 4 centre, 2 right
+  bool halo = false;   ///< a rim of paper around the letters
 };
 
 class VgGdi {
@@ -96,12 +97,18 @@ class VgGdi {
   // Drawing.
   void vgGDILine(MapPoint from, MapPoint to, PenStyle style, double width, Color color);
   void vgGDIPolyline(std::span<const MapPoint> points, PenStyle style, double width, Color color);
+  /// A curve, at places between pixels.
+  void vgGDIFineLine(std::span<const MapPoint> points, double width, Color color);
+  /// The inside of a ring laid over the picture; opacity 0 to 1.
+  void vgGDIArea(std::span<const MapPoint> ring, Color fill, double opacity);
   void vgGDIPolygon(std::span<const MapPoint> points, PenStyle style, double width, Color color, Color fill);
   void vgGDICircle(MapPoint centre, double radius, PenStyle style, double width, Color color,
                    std::optional<Color> fill = std::nullopt);
   void vgGDISymbol(MapPoint at, VgSymbol symbol, Color color, Color fill, double scale = 1.0,
                    double pen_width = 1.0);
   void vgGDItext(std::string_view text, MapPoint at, const VgText& how);
+  /// The device rectangle that the text would cover; nothing when it would not be seen.
+  std::optional<DeviceRect> TextBox(std::string_view text, MapPoint at, const VgText& how) const;
   void vgGDISetClipRegion(double x1, double y1, double x2, double y2);
   void ClearClipRegion();
   void BeginLayer(std::string_view name);
@@ -121,9 +128,7 @@ class VgGdi {
   MapRect World() const;
 
   /// A device position before it is rounded.
-  struct Spot {
-    double x, y;
-  };
+  using Spot = FinePoint;
 
  private:
   Spot Locate(MapPoint at) const;
@@ -133,6 +138,7 @@ class VgGdi {
   void DrawGridLines(double from, double to, bool vertical, const MapRect& window, double spacing);
   void Emit(std::vector<DevicePoint>& line, const Pen& pen);
   void Overflow();
+  TextStyle StyleFor(const VgText& how) const;
 
   Ormel& ormel_;
   DrawingDevice* target_ = nullptr;
@@ -149,6 +155,7 @@ class VgGdi {
   std::vector<Spot> spots_;
   bool spots_far_ = false;  ///< some of `spots_` lie far outside the view
   std::vector<DevicePoint> line_;
+  std::vector<Spot> fine_;
 };
 
 class VgGdi::Redirect {

@@ -7,11 +7,13 @@
 
 #include "core/command.h"
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "solver/extents.h"
 #include "store/bulk.h"
 #include "store/database.h"
+#include "view/styles.h"
 #include "view/symbols.h"
 #include "view/vg_gdi.h"
 
@@ -19,7 +21,6 @@ namespace ormel {
 namespace {
 
 constexpr double kPi = 3.14159265358979;
-constexpr Color kWhpaColor = Rgb(255, 0, 0);
 
 /// Bounds of the dimensionless time of travel between the three ways to draw a calculated area.
 constexpr double kCentric = 0.1, kEccentric = 1.0;
@@ -33,7 +34,8 @@ struct WhpaRow {
 };
 
 void DrawCircle(const MapCanvas& canvas, MapPoint centre, double radius) {
-  canvas.vg.vgGDICircle(centre, radius, PenStyle::kSolid, 1.0, kWhpaColor);
+  const Style& style = StyleOf(StyleId::kWhpaCircle);
+  canvas.vg.vgGDICircle(centre, radius, PenStyle::kSolid, style.width, style.color);
 }
 
 void DrawWhpa(const MapCanvas& canvas, const WhpaRow& row) {
@@ -81,14 +83,15 @@ double WhpaShift(double t, double well_discharge, double ambient_flow) {
 }
 
 void ElemDrawAllWHPAs(const MapCanvas& canvas) {
-  if (!canvas.ormel.menus.Checked("ShowWHPAs")) return;
+  if (!canvas.ormel.layers.On(Layer::kWhpas)) return;
   const Named named(canvas.ormel, "ElemDrawWHPAs");
   for (const WhpaType type : {kArbitrary, kCalculated, kMultiple}) DrawWhpasOfType(canvas, type);
 }
 
 void ElemDrawAllStreamBoundarys(const MapCanvas& canvas) {
-  if (!canvas.ormel.menus.Checked("ShowWHPAs")) return;
+  if (!canvas.ormel.layers.On(Layer::kWhpas)) return;
   const Named named(canvas.ormel, "ElemDrawAllStreamBoundaries");
+  const Style& style = StyleOf(StyleId::kStreamBoundary);
   std::set<std::array<double, 4>> drawn;  // wells of one area share their boundary
   RowReader rows(canvas.ormel.db(),
                  "select Point1X,Point1Y,Point2X,Point2Y from WHPAs "
@@ -102,17 +105,18 @@ void ElemDrawAllStreamBoundarys(const MapCanvas& canvas) {
       const MapPoint middle{(a.x + b.x) * 0.5, (a.y + b.y) * 0.5};
       const double reach = ReachAcross(canvas.ormel, canvas.vg.World(), middle);
       canvas.vg.vgGDILine({middle.x + reach * u, middle.y + reach * v},
-                          {middle.x - reach * u, middle.y - reach * v}, PenStyle::kSolid, 3.0, QBColor(0));
+                          {middle.x - reach * u, middle.y - reach * v}, PenStyle::kSolid, style.width,
+                          style.color);
     }
     for (const MapPoint& point : {a, b})
-      canvas.vg.vgGDISymbol(point, VgSymbol::kDiamond, QBColor(0), QBColor(0));
+      canvas.vg.vgGDISymbol(point, VgSymbol::kDiamond, style.color, style.color);
   }
 }
 
 void ShowWHPAs(Ormel& ormel) {
   RunCommand(ormel, "ShowWHPAs", [&] {
-    const bool on = !ormel.menus.Checked("ShowWHPAs");
-    ormel.menus.Check("ShowWHPAs", on);
+    const bool on = !ormel.layers.On(Layer::kWhpas);
+    ormel.layers.Switch(Layer::kWhpas, on);
     const bool traced =
         on && ormel.db().Scalar("select count(*) from WHPAs where T>1 or Type=3").AsLong() > 0;
     if (traced) ModelCheckExtents(ormel, false, false);

@@ -1,16 +1,20 @@
 #include "whpa/commands.h"
+#include "text/files.h"
 
 #include <string>
 #include <vector>
 
 #include "core/command.h"
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/solver_port.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/area_runs.h"
 #include "model/delete.h"
+#include "model/image_wells.h"
 #include "model/vertices.h"
 #include "model/wells.h"
 #include "store/bulk.h"
@@ -50,7 +54,7 @@ void Redraw(Ormel& ormel) {
 
 /// An area that has just been made is to be seen, whatever the menu's switch said before.
 void ShowStored(Ormel& ormel) {
-  ormel.menus.Check("ShowWHPAs", true);
+  ormel.layers.Switch(Layer::kWhpas, true);
   Redraw(ormel);
 }
 
@@ -113,7 +117,7 @@ CaseOutcome Calculated(Ormel& ormel) {
   ormel.ui().ShowForm(form);
   if (!form.answers.Any()) return {};
   const WhpaRow row = CalculatedRow(ormel, form);
-  RemoveWhpaRows(ormel, "type=2", false);
+  RemoveWhpaRows(ormel, "type=2");
   AddWhpaRows(ormel, {row});
   CaseOutcome outcome;
   outcome.run = form.answers.draw_stream;
@@ -139,7 +143,7 @@ CaseOutcome Multiple(Ormel& ormel) {
   outcome.run = true;
   outcome.stream_boundary = form.answers.stream_boundary;
   if (outcome.stream_boundary) ormel.StreamWell = kMultipleWells;
-  RemoveWhpaRows(ormel, "type=3", false);
+  RemoveWhpaRows(ormel, "type=3");
   std::vector<WhpaRow> rows;
   for (const WhpaWell& well : form.Selected()) {
     WhpaRow row;
@@ -161,7 +165,13 @@ CaseOutcome Multiple(Ormel& ormel) {
 
 CaseOutcome Rerun(Ormel& ormel) {
   if (ormel.db().Scalar("select count(*) from WHPAs where T>1 or Type=3").AsLong() > 0) {
+    // The files of the run before stay: whoever undoes what led to this one sees its paths again.
+    const std::string before = PresentStem(ormel), stem = FreshStem(ormel, before);
+    LeaveAreaRun(ormel, before);
+    ormel.db().Execute("update WHPAs set WHPAText=?", {stem});
     ormel.solver().ModelRunWHPAs();
+    if (!before.empty() && !FileExists(JoinPath(ormel.project.OrmelBasePath, stem + ".PTH")))
+      ormel.db().Execute("update WHPAs set WHPAText=?", {before});
   } else {
     Redraw(ormel);
   }
@@ -170,10 +180,15 @@ CaseOutcome Rerun(Ormel& ormel) {
   return outcome;
 }
 
-/// Every row gets the stem of the run's files; `stem` is the one from before the command.
-void NameRun(Ormel& ormel, std::string stem) {
+/// Every row gets the stem of the run's files; `stem` is the one from before the command.  A run that is to
+/// come does not write over files that an undo may want.
+void NameRun(Ormel& ormel, std::string stem, bool runs) {
   if (ormel.db().RowCount("WHPAs") == 0) return;
-  if (stem.empty()) stem = StemFromClock(ormel.clock().Now());
+  if (runs || stem.empty()) {
+    if (runs) DeleteOutdatedRuns(ormel, stem);
+    LeaveAreaRun(ormel, stem);
+    stem = FreshStem(ormel, stem);
+  }
   ormel.db().Execute("update WHPAs set WHPAText=?", {stem});
 }
 
@@ -196,7 +211,7 @@ void WHPA(Ormel& ormel, int Index) {
     const CaseOutcome outcome = kCases[Index & 3](ormel);
     ReadWhpaState(ormel);
     if (outcome.ended) return;
-    NameRun(ormel, stem);
+    NameRun(ormel, stem, outcome.run || outcome.stream_boundary);
     if (outcome.stream_boundary) return WaitForBoundary(ormel);
     if (!outcome.run) return;
     CommitSoFar(ormel);
@@ -213,7 +228,9 @@ const char* BoundaryRows(const Ormel& ormel) {
 
 /// Two equal points define no line.
 bool SamePlaceAsFirst(Ormel& ormel) {
-  RowReader row(ormel.db(), "select Point1X,Point1Y from WHPAs where Type=2 or Type=3");
+  const std::string sql = std::string("select Point1X,Point1Y from WHPAs where ") + BoundaryRows(ormel);
+  RowReader row = ormel.StreamWell == kMultipleWells ? RowReader(ormel.db(), sql)
+                                                     : RowReader(ormel.db(), sql, {ormel.StreamWell});
   return row.Next() && row.Double(0) == ormel.mouse.LastX && row.Double(1) == ormel.mouse.LastY;
 }
 
@@ -231,25 +248,7 @@ void StorePoint(Ormel& ormel, int number, Vid vid) {
 }  // namespace
 
 void MakeStreamImages(Ormel& ormel) {
-  struct Image {
-    std::string well;
-    MapPoint first, second, at;
-  };
-  std::vector<Image> images;
-  {
-    const bool multiple = ormel.StreamWell == kMultipleWells;
-    RowReader rows(ormel.db(),
-                   std::string("select WHPAs.Well,Point1X,Point1Y,Point2X,Point2Y,Vertices.X,Vertices.Y from "
-                               "WHPAs inner join Wells on Wells.Label=WHPAs.Well inner join Vertices on "
-                               "Vertices.VID=Wells.VID where ") +
-                       (multiple ? "WHPAs.Type=3" : "WHPAs.Type=2"));
-    while (rows.Next())
-      images.push_back({std::string(rows.Text(0)),
-                        {rows.Double(1), rows.Double(2)},
-                        {rows.Double(3), rows.Double(4)},
-                        {rows.Double(5), rows.Double(6)}});
-  }
-  for (const Image& image : images) MirrorWell(ormel, image.well, image.first, image.second, image.at);
+  RemakeImageWells(ormel);
 }
 
 void CancelStreamBoundary(Ormel& ormel) {

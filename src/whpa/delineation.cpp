@@ -8,10 +8,6 @@ namespace {
 
 constexpr double kPi = 3.14159265358979;
 
-char Base36(int value) {
-  return static_cast<char>(value <= 9 ? value + 48 : value + 87);
-}
-
 }  // namespace
 
 double DimensionlessTime(const WhpaInput& in) {
@@ -43,17 +39,6 @@ double EccentricRadius(double L, double T) {
 
 double EccentricShift(double L, double T) {
   return L * (0.652 * T + 0.00278);
-}
-
-std::string StemFromClock(const ClockTime& now) {
-  std::string stem;
-  stem += Base36(now.month);
-  stem += Base36(now.day);
-  stem += std::to_string(now.year % 100);
-  stem += Base36(now.hour);
-  stem += std::to_string(now.minute);
-  stem += Base36(static_cast<int>(std::nearbyint(now.second / 2.0)));  // half seconds go to the even number
-  return stem;
 }
 
 }  // namespace ormel

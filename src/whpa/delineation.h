@@ -5,10 +5,6 @@
 // isochrones of a well in uniform flow.
 #pragma once
 
-#include <string>
-
-#include "core/settings.h"
-
 namespace ormel {
 
 struct WhpaInput {
@@ -34,9 +30,5 @@ double AmbientLength(double Q, double Qo);
 double EccentricRadius(double L, double T);
 /// Shift of the eccentric circle's centre against the flow, L (0.652 T + 0.00278) [L].
 double EccentricShift(double L, double T);
-
-/// Stem of a run's files from the clock: month, day, year, hour, minute and half seconds, the places above 9
-/// as small letters (base 36), year and minute in plain decimals.
-std::string StemFromClock(const ClockTime& now);
 
 }  // namespace ormel

@@ -247,7 +247,7 @@ bool MayReplaceMultiple(Ormel& ormel) {
                    Icon::kWarning))
     return false;
   // Their image wells go with them: an image left behind would pump in the next run.
-  RemoveWhpaRows(ormel, "Type=3", true);
+  RemoveWhpaRows(ormel, "Type=3");
   return true;
 }
 
@@ -258,7 +258,7 @@ bool MayReplaceCalculated(Ormel& ormel) {
                           "Press OK to delete the calculated WHPA and continue."}),
                    Icon::kWarning))
     return false;
-  RemoveWhpaRows(ormel, "Type=2 and T>1", true);
+  RemoveWhpaRows(ormel, "Type=2 and T>1");
   return true;
 }
 

@@ -1,39 +1,37 @@
 #include "whpa/outline_command.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
-#include <optional>
+#include <initializer_list>
 #include <utility>
 
 #include "core/command.h"
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
-#include "model/model_values.h"
 #include "model/validity.h"
 #include "model/vertices.h"
-#include "solver/deck_writer.h"
+#include "solver/deck_blocks.h"
+#include "solver/deck_labels.h"
 #include "solver/extents.h"
 #include "solver/outside_programs.h"
-#include "solver/path_file.h"
+#include "solver/run.h"
+#include "solver/text_sink.h"
+#include "solver/zone_file.h"
 #include "store/bulk.h"
 #include "store/database.h"
-#include "text/files.h"
 #include "text/numbers.h"
 #include "text/strings.h"
-#include "whpa/outline.h"
+#include "whpa/zone_checks.h"
+#include "whpa/zone_store.h"
 
 namespace ormel {
 namespace {
 
 constexpr const char* kDeckStem = "_OUTLINE";
-constexpr std::size_t kLabelLimit = 32;
-/// A tip lies on a chord of its path: with this many steps a radius it is off by a 2000th of the radius, a
-/// small part of the least tolerance that the dialog starts with.
-constexpr double kStepsPerRadius = 16;
+constexpr const char* kZoneExtension = ".ZNS";
 
 constexpr ControlSpec kControls[] = {
     {.name = "listWell", .kind = ControlKind::kMultiList, .caption = "Select Well(s)"},
@@ -46,7 +44,7 @@ constexpr ControlSpec kControls[] = {
      .kind = ControlKind::kNumber,
      .caption = "Tolerance",
      .unit = "percent of the zone's size",
-     .tip = "Particles are added until the outline moves less than this"},
+     .tip = "The outline is off by no more than this"},
     {.name = "lblExplanation",
      .kind = ControlKind::kNote,
      .caption =
@@ -56,181 +54,135 @@ constexpr ControlSpec kControls[] = {
     {.name = "Cancel", .kind = ControlKind::kButton, .caption = "Cancel", .role = ButtonRole::kReject},
 };
 
-/// Where the particle is at time `t`: on its path, or at its end when it ended before.
-ModelPoint TipAt(const std::vector<PathPoint>& points, double t) {
-  const auto after = std::lower_bound(points.begin(), points.end(), t,
-                                      [](const PathPoint& p, double time) { return p.time < time; });
-  if (after == points.end()) return points.back().at;
-  if (after == points.begin()) return points.front().at;
-  const PathPoint& a = *(after - 1);
-  const PathPoint& b = *after;
-  const double f = b.time > a.time ? (t - a.time) / (b.time - a.time) : 1.0;
-  return {a.at.x + f * (b.at.x - a.at.x), a.at.y + f * (b.at.y - a.at.y)};
-}
-
-/// Traces the particles of one well by runs of the solver on its saved solution.
-class WellTracer {
- public:
-  WellTracer(Ormel& ormel, const ModelValues& model, const CaptureWell& well, std::vector<double> days)
-      : ormel_(ormel), model_(model), well_(well), days_(std::move(days)) {
-    SetWindowAndStep();
-  }
-
-  bool Trace(const std::vector<double>& angles, std::vector<Ray>& rays) {
-    ++round_;
-    WriteDeck(angles);
-    DeleteTolerantly(ModelFile(ormel_, std::string(kDeckStem) + ".PTH"));
-    const std::string wait = "Capture zone of " + well_.label + ": round " + std::to_string(round_) + ", " +
-                             std::to_string(angles.size()) + " particles";
-    const ProcessResult result = RunSolver(ormel_, ormel_.solution.size_number, kDeckStem, wait);
-    if (result.cancelled) return false;
-    if (!result.started) {
-      Inform(ormel_, "Solver not started", result.failure, Icon::kStop);
-      return false;
-    }
-    if (TellFatalStop(ormel_, result)) return false;
-    return ReadRays(angles, rays);
-  }
-
- private:
-  /// A window far around the model, so that no path is cut, and a step fine against the smallest zone.
-  void SetWindowAndStep() {
-    const Extents& e = ormel_.window.solved;
-    const double factor = BasemapConvert(ormel_);
-    const double width = (e.x_max - e.x_min) * factor, height = (e.y_max - e.y_min) * factor;
-    const double thickness = std::max(model_.AQThickness, 1e-6);
-    const auto radius_after = [&](double days) {
-      return std::sqrt(well_.discharge * days / (3.14159265358979 * model_.AQPorosity * thickness));
-    };
-    const double reach = 20 * (std::hypot(width, height) + radius_after(days_.back()));
-    window_ = {-reach, -reach, width + reach, height + reach};
-    step_ = std::max({radius_after(days_.front()) / kStepsPerRadius, well_.radius / 4, reach * 1e-5});
-  }
-
-  void WriteDeck(const std::vector<double>& angles) const {
-    TextFileWriter deck(ModelFile(ormel_, std::string(kDeckStem) + ".DAT"));
-    const auto lines = [&deck](std::initializer_list<std::string_view> texts) {
-      for (const std::string_view text : texts) deck.Line(text);
-    };
-    deck.Line(DeckHeadLine());
-    lines({" error temperror.log", " yes", " message tempmess.log", " yes", " echo nul", " picture off",
-           " quit", " "});
-    deck.Line(" load " + ormel_.project.OrmelBaseName);
-    deck.Line(" time " + NumberText(ormel_.solution.SolutionTime));
-    std::string window = " window";
-    for (const double side : window_) window += " " + NumberText(side);
-    lines({" layout ", window, " quit ", " trace", " picture off"});
-    deck.Line(std::string(" file ") + kDeckStem);
-    deck.Line(" y");
-    deck.Line(" time " + NumberText(days_.back()));
-    deck.Line(" step " + NumberText(step_));
-    deck.Line(" points");
-    const ModelPoint centre = WToM(ormel_, well_.at);
-    // Just outside of the rim, at the base: what enters the aquifer above it has been in it for a shorter
-    // time.
-    const double radius = well_.radius * (1 + 1e-9);
-    for (const double angle : angles)
-      deck.Line(" " + NumberText(centre.x + radius * std::cos(angle)) + " " +
-                NumberText(centre.y + radius * std::sin(angle)) + " " + NumberText(model_.AQBase) + " -1");
-    lines({" quit", " go", " quit", " stop"});
-    deck.Commit();
-  }
-
-  bool ReadRays(const std::vector<double>& angles, std::vector<Ray>& rays) const {
-    rays.clear();
-    const std::string file = ModelFile(ormel_, std::string(kDeckStem) + ".PTH");
-    const ReadOutcome damage = ReadPathFile(file, [&](const Pathline& path) {
-      if (path.points.empty() || rays.size() >= angles.size()) return;
-      Ray ray;
-      ray.angle = angles[rays.size()];
-      for (const double t : days_) ray.tips.push_back(TipAt(path.points, t));
-      ray.cut = path.end.find("window") != std::string::npos;
-      rays.push_back(std::move(ray));
+/// Names of the zones of each well: its label, unless that cut to the field's length meets another's.
+std::vector<ZoneOwner> OwnersOf(const OutlineRequest& request) {
+  std::vector<ZoneOwner> owners;
+  const double longest = *std::max_element(request.years.begin(), request.years.end());
+  for (const CaptureWell& well : request.wells) {
+    const std::string label = ZoneLabel(well.label, longest);
+    const bool taken = std::any_of(request.wells.begin(), request.wells.end(), [&](const CaptureWell& other) {
+      return other.vid != well.vid && EqualNoCase(ZoneLabel(other.label, longest), label);
     });
-    if (damage) {
-      Inform(ormel_, "Capture zone", damage->Message(), Icon::kStop);
-      return false;
-    }
-    if (rays.size() != angles.size()) {
-      Inform(ormel_, "Capture zone",
-             "The solver traced " + std::to_string(rays.size()) + " of " + std::to_string(angles.size()) +
-                 " particles of the well '" + well_.label + "'.  Its capture zone was not outlined.",
-             Icon::kStop);
-      return false;
-    }
+    owners.push_back({well.label, taken ? VertexLabel("WL_", well.vid) : well.label});
+  }
+  return owners;
+}
+
+void WriteDeck(const Ormel& ormel, const OutlineRequest& request, TextSink& deck) {
+  const auto lines = [&deck](std::initializer_list<std::string_view> texts) {
+    for (const std::string_view text : texts) deck.Line(text);
+  };
+  deck.Line(DeckHeadLine());
+  lines({" error temperror.log", " yes", " message tempmess.log", " yes", " echo nul", " picture off",
+         " quit", " "});
+  deck.Line(" load " + ormel.project.OrmelBaseName);
+  deck.Line(" time " + NumberText(ormel.solution.SolutionTime));
+  deck.Line(" zones");
+  deck.Line(std::string(" file ") + kDeckStem);
+  deck.Line(" y");
+  deck.Line(" tolerance " + NumberText(request.tolerance));
+  std::string times = " times";
+  for (const double years : request.years) times += " " + NumberText(years * kDaysPerYear);
+  deck.Line(times);
+  for (const CaptureWell& well : request.wells) {
+    const ModelPoint centre = WToM(ormel, well.at);
+    deck.Line(" well " + NumberText(centre.x) + " " + NumberText(centre.y));
+  }
+  lines({" go", " quit", " stop"});
+}
+
+/// Runs the solver on its saved solution and reads what it outlined.  False, and the user has been told, when
+/// it did not come to its end.
+bool RunZones(Ormel& ormel, const OutlineRequest& request, std::vector<WellOutlines>& wells) {
+  const std::string results = ModelFile(ormel, std::string(kDeckStem) + kZoneExtension);
+  RunPlan plan;
+  plan.deck = std::string(kDeckStem) + ".DAT";
+  plan.argument = kDeckStem;
+  plan.size_number = ormel.solution.size_number;
+  plan.wait_text = request.wells.size() == 1
+                       ? "Capture zone of " + request.wells.front().label
+                       : "Capture zones of " + std::to_string(request.wells.size()) + " wells";
+  plan.scratch = {results};
+  plan.write = [&](TextSink& deck) {
+    WriteDeck(ormel, request, deck);
     return true;
+  };
+  const RunOutcome outcome = RunBy(ormel, plan);
+  if (outcome.end == RunEnd::kNotStarted)
+    Inform(ormel, "Solver not started", outcome.process.failure, Icon::kStop);
+  if (outcome.end != RunEnd::kDone) return false;
+  if (const ReadOutcome damage = ReadZoneFile(results, wells)) {
+    Inform(ormel, "Capture zone", damage->Message(), Icon::kStop);
+    return false;
   }
-
-  Ormel& ormel_;
-  const ModelValues& model_;
-  const CaptureWell& well_;
-  std::vector<double> days_;
-  std::array<double, 4> window_{};
-  double step_ = 1.0;
-  int round_ = 0;
-};
-
-std::string ZoneLabel(const std::string& well, double years) {
-  const std::string suffix = " " + NumberText(years) + (years == 1.0 ? " year" : " years");
-  const std::size_t room = kLabelLimit > suffix.size() ? kLabelLimit - suffix.size() : 0;
-  return std::string(TextLeft(well, room)) + suffix;
-}
-
-/// A label cut to the field's length can meet that of another well.
-std::string WellPart(const CaptureWell& well, const std::vector<CaptureWell>& all, double years) {
-  const std::string label = ZoneLabel(well.label, years);
-  for (const CaptureWell& other : all)
-    if (other.vid != well.vid && EqualNoCase(ZoneLabel(other.label, years), label))
-      return VertexLabel("WL_", well.vid);
-  return well.label;
-}
-
-void StoreZone(Ormel& ormel, const std::string& label, const std::vector<ModelPoint>& ring) {
-  std::vector<Pid> old;
-  {
-    RowReader rows(ormel.db(), "select PID from Capzones where Label=?", {label});
-    while (rows.Next()) old.push_back(rows.Long(0));
-  }
-  for (const Pid pid : old) DeletePolygonElement(ormel, "Capzones", pid);
-  std::vector<MapPoint> points;
-  points.reserve(ring.size());
-  for (const ModelPoint& point : ring) points.push_back(MToW(ormel, point));
-  const Pid pid = AddPolygonWithVertices(ormel, true, points);
-  ormel.db().Execute("insert into Capzones (Label,PID) values (?,?)", {label, pid});
-}
-
-/// False when the user cancelled or a run failed.
-bool OutlineWell(Ormel& ormel, const ModelValues& model, const OutlineRequest& request,
-                 const CaptureWell& well, int& stored) {
-  std::vector<double> years = request.years;
-  std::sort(years.begin(), years.end());
-  std::vector<double> days;
-  for (const double y : years) days.push_back(y * kDaysPerYear);
-  OutlineOptions options;
-  options.tolerance = request.tolerance;
-  WellTracer tracer(ormel, model, well, days);
-  const Outline outline = TraceOutline(
-      days, [&tracer](const auto& angles, auto& rays) { return tracer.Trace(angles, rays); }, options);
-  if (!outline.traced) return false;
-  if (outline.cut || !outline.converged)
-    Inform(
-        ormel, "Capture zone",
-        "The outline around the well '" + well.label +
-            (outline.cut ? "' was cut off far outside of the model.  Look at the model's boundary conditions."
-                         : "' still moves by more than the tolerance.  Check it against pathlines."),
-        Icon::kWarning);
-  for (std::size_t t = 0; t < years.size(); ++t) {
-    const std::vector<ModelPoint>& ring = outline.rings[t];
-    StoreZone(ormel, ZoneLabel(WellPart(well, request.wells, years[t]), years[t]),
-              SimplifyRing(ring, 0.1 * request.tolerance * RingDiagonal(ring)));
-    ++stored;
-  }
-  CommitSoFar(ormel);
   return true;
 }
 
+/// The request's well that a well of the file is; null when it was not asked for.
+const CaptureWell* AskedFor(const OutlineRequest& request, const WellOutlines& outlines) {
+  const auto found = std::find_if(request.wells.begin(), request.wells.end(), [&](const CaptureWell& well) {
+    return EqualNoCase(VertexLabel("WL_", well.vid), outlines.label);
+  });
+  return found == request.wells.end() ? nullptr : &*found;
+}
+
+/// Stores what passes its checks and tells of the rest.
+class Storing {
+ public:
+  Storing(Ormel& ormel, const OutlineRequest& request)
+      : ormel_(ormel), request_(request), owners_(OwnersOf(request)) {}
+
+  int Store(const std::vector<WellOutlines>& wells) {
+    const std::vector<RefusedZone> refused = CheckZones(wells);
+    std::vector<char> answered(request_.wells.size(), 0);
+    for (std::size_t w = 0; w < wells.size(); ++w) {
+      const CaptureWell* well = AskedFor(request_, wells[w]);
+      if (well == nullptr) continue;
+      const auto place = static_cast<std::size_t>(well - request_.wells.data());
+      answered[place] = 1;
+      if (!wells[w].refused.empty()) Tell(well->label, wells[w].refused);
+      for (std::size_t z = 0; z < wells[w].zones.size(); ++z) {
+        const auto fault = std::find_if(refused.begin(), refused.end(), [&](const RefusedZone& zone) {
+          return zone.well == w && zone.zone == z;
+        });
+        const ZoneOutline& zone = wells[w].zones[z];
+        if (fault != refused.end()) {
+          Tell(well->label + ", " + NumberText(zone.time / kDaysPerYear) + " years", fault->reason);
+        } else {
+          StoreZone(ormel_, owners_[place], wells[w], zone, request_.tolerance);
+          ++stored_;
+        }
+      }
+    }
+    for (std::size_t i = 0; i < answered.size(); ++i)
+      if (!answered[i]) Tell(request_.wells[i].label, "the solver found no such well that takes water.");
+    TellAll();
+    return stored_;
+  }
+
+ private:
+  void Tell(const std::string& what, const std::string& why) {
+    constexpr int kShown = 12;
+    if (++told_ <= kShown) text_ += "\n" + what + ": " + why;
+    if (told_ == kShown + 1) text_ += "\n...";
+  }
+  void TellAll() {
+    if (told_ == 0) return;
+    Inform(ormel_, "Capture zone",
+           std::to_string(told_) + (told_ == 1 ? " outline was" : " outlines were") +
+               " not stored, because a check failed:" + text_,
+           Icon::kWarning);
+  }
+
+  Ormel& ormel_;
+  const OutlineRequest& request_;
+  std::vector<ZoneOwner> owners_;
+  std::string text_;
+  int told_ = 0, stored_ = 0;
+};
+
 void DeleteScratch(const Ormel& ormel) {
-  for (const char* extension : {".DAT", ".PTH", ".OUT"})
+  for (const char* extension : {".DAT", ".OUT", kZoneExtension})
     DeleteTolerantly(ModelFile(ormel, std::string(kDeckStem) + extension));
 }
 
@@ -255,12 +207,11 @@ std::vector<CaptureWell> CaptureWells(Ormel& ormel) {
 
 int OutlineCaptureZones(Ormel& ormel, const OutlineRequest& request) {
   const Named named(ormel, "OutlineCaptureZones");
+  if (request.wells.empty() || request.years.empty()) return 0;
   ModelRestoreModelOrigin(ormel);
-  const ModelValues model = ReadModel(ormel);
   noexecutable(ormel, kSolverProgram);
-  int stored = 0;
-  for (const CaptureWell& well : request.wells)
-    if (!OutlineWell(ormel, model, request, well, stored)) break;
+  std::vector<WellOutlines> wells;
+  const int stored = RunZones(ormel, request, wells) ? Storing(ormel, request).Store(wells) : 0;
   DeleteScratch(ormel);
   return stored;
 }
@@ -329,11 +280,13 @@ void OutlineCaptureZone(Ormel& ormel) {
       Inform(ormel, "Capture zone", "No well of the solved model takes water.", Icon::kInformation);
       return;
     }
+    if (const std::string notice = OlderModelNotice(ormel); !notice.empty())
+      Inform(ormel, "Capture zone", notice, Icon::kWarning);
     OutlineCaptureZoneForm form(ormel, std::move(wells));
     ormel.ui().ShowForm(form);
     if (form.Result != 1) return;
     const int stored = OutlineCaptureZones(ormel, form.Request());
-    if (stored > 0) TurnOnLayer(ormel, kLayerWhpas);
+    if (stored > 0) TurnOnLayer(ormel, Layer::kCapzones);
     Note(ormel, std::to_string(stored) + " capture zones outlined");
     ormel.view().ZoomActions(Zoom::kRedraw);
   });

@@ -25,11 +25,12 @@ std::vector<CaptureWell> CaptureWells(Ormel& ormel);
 struct OutlineRequest {
   std::vector<CaptureWell> wells;
   std::vector<double> years{2, 5, 10};
-  double tolerance = 0.002;  ///< in parts of a zone's diagonal
+  double tolerance = 0.002;  ///< in parts of a zone's size
 };
 
-/// Traces and stores one capture zone polygon a well and time, with the label "<well> <n> years"; one of the
-/// same label is replaced.  Gives the number stored.  Cancelled or failed, the zones of whole wells stay.
+/// Has the solver outline the zones, in one start of it, checks and stores one polygon a well and time with
+/// the label "<well> <n> years"; one of the same label is replaced.  Gives the number stored.  A zone that
+/// fails a check is not stored, and the user is told which check it was.  Cancelled, nothing is stored.
 int OutlineCaptureZones(Ormel& ormel, const OutlineRequest& request);
 
 /// "Outline Capture Zone": the wells, times and tolerance.

@@ -3,10 +3,11 @@
 #include <algorithm>
 
 #include "core/ormel.h"
+#include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/area_runs.h"
 #include "model/wells.h"
-#include "solver/outside_programs.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/strings.h"
@@ -69,12 +70,6 @@ std::vector<WhpaRow> ReadWhpaRows(Ormel& ormel, std::string_view where) {
   return found;
 }
 
-void DeleteRunFiles(Ormel& ormel, const std::string& stem) {
-  if (stem.empty() || stem == "NONE") return;
-  for (const char* extension : {".DAT", ".SOL", ".XTR", ".PTH", ".CTR", ".GRD"})
-    DeleteTolerantly(ModelFile(ormel, stem + extension));
-}
-
 /// Nothing else names the two points: without their rows they would stay on the map for good.
 void DeleteBoundaryVertices(Ormel& ormel, std::string_view where) {
   for (const char* field : {"VID1", "VID2"})
@@ -82,7 +77,7 @@ void DeleteBoundaryVertices(Ormel& ormel, std::string_view where) {
                        " from WHPAs" + Where(where) + ")");
 }
 
-void RemoveWhpaRows(Ormel& ormel, std::string_view where, bool keep_files) {
+void RemoveWhpaRows(Ormel& ormel, std::string_view where) {
   struct Doomed {
     std::string well, stem;
     bool pathlines;
@@ -93,7 +88,7 @@ void RemoveWhpaRows(Ormel& ormel, std::string_view where, bool keep_files) {
     while (rows.Next())
       doomed.push_back({std::string(rows.Text(0)), std::string(rows.Text(1)), rows.Double(2) == 0.0});
   }
-  if (!keep_files && !doomed.empty() && doomed.front().pathlines) DeleteRunFiles(ormel, doomed.front().stem);
+  if (!doomed.empty() && doomed.front().pathlines) LeaveAreaRun(ormel, doomed.front().stem);
   for (const Doomed& row : doomed) {
     const std::string image = MirrorLabel(row.well);
     ormel.db().Execute("delete from Vertices where VID in (select VID from Wells where Label=?)", {image});

@@ -41,13 +41,10 @@ void AddWhpaRows(Ormel& ormel, const std::vector<WhpaRow>& rows);
 std::vector<WhpaRow> ReadWhpaRows(Ormel& ormel, std::string_view where);
 
 /// Deletes the image wells of the rows that meet the condition, with their vertices, and then the rows.
-/// Unless `keep_files`, the files of a pathline run among them go too.
-void RemoveWhpaRows(Ormel& ormel, std::string_view where, bool keep_files);
+/// The files of a pathline run among them are outdated.
+void RemoveWhpaRows(Ormel& ormel, std::string_view where);
 /// Deletes the vertices of the boundary points of these rows; the rows stay.
 void DeleteBoundaryVertices(Ormel& ormel, std::string_view where);
-/// Deletes the six files of a run in the project's folder; a missing one is no error.
-void DeleteRunFiles(Ormel& ormel, const std::string& stem);
-
 /// Removes each row of a type whose well no longer exists and tells the user so; `closing` is the second
 /// line.
 void DropRowsOfMissingWells(Ormel& ormel, WhpaType type, const std::vector<WhpaWell>& wells,

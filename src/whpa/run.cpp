@@ -1,26 +1,34 @@
 #include "whpa/run.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <optional>
+#include <set>
+#include <string>
 #include <vector>
 
 #include "core/command.h"
 #include "core/coordinates.h"
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/image_wells.h"
 #include "model/model_values.h"
-#include "solver/deck_writer.h"
+#include "model/wells.h"
+#include "solver/deck_blocks.h"
+#include "solver/element_deck.h"
 #include "solver/extents.h"
+#include "solver/input.h"
 #include "solver/outside_programs.h"
+#include "solver/path_file.h"
+#include "solver/run.h"
+#include "solver/text_sink.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/files.h"
-#include "text/masks.h"
 #include "text/numbers.h"
+#include "text/strings.h"
 
 namespace ormel {
 namespace {
@@ -29,18 +37,8 @@ constexpr double kDegree = 3.14159265358979 / 180.0;
 constexpr int kLeastParticles = 15;
 constexpr double kNoBoundaryConductivity = 1000000;  ///< so high that the water table stays level
 
-/// Line items with their masks.
-struct Masks {
-  NumberMask base{"#.00000E+00"};
-  NumberMask property{"#.0000000E+00"};
-  NumberMask property_blank{"#.0000000E+00 "};
-  NumberMask window{"######0.00 "};
-  NumberMask well_x{"#0.000000E+00 "};
-  NumberMask well_y{"0.000000E+00 "};
-  NumberMask well_value{"0.00000E+00 "};
-  NumberMask trace{"0.0000000E+00 "};
-  NumberMask direction{"#0.0"};
-};
+/// Areas that are traced.
+constexpr const char* kTracedRows = "WHPAs.T>1 or WHPAs.Type=3";
 
 /// What the first row says of the boundary that all rows share.
 struct Boundary {
@@ -53,8 +51,9 @@ struct Boundary {
 Boundary ReadBoundary(Ormel& ormel) {
   Boundary b;
   RowReader row(ormel.db(),
-                "select Point1X,Point1Y,Point2X,Point2Y,FirstHead,WHPAData,Thickness,Porosity,AmbientFlow,"
-                "Direction from WHPAs where T>1 or Type=3");
+                std::string("select Point1X,Point1Y,Point2X,Point2Y,FirstHead,WHPAData,Thickness,Porosity,"
+                            "AmbientFlow,Direction from WHPAs where ") +
+                    kTracedRows);
   if (!row.Next()) return b;
   b.first = {row.Double(0), row.Double(1)};
   b.second = {row.Double(2), row.Double(3)};
@@ -68,189 +67,154 @@ Boundary ReadBoundary(Ormel& ormel) {
   return b;
 }
 
-/// Writes one deck; holds what its sections share.
-class WhpaDeck {
- public:
-  WhpaDeck(Ormel& ormel, TextFileWriter& out, std::string stem)
-      : ormel_(ormel),
-        out_(out),
-        stem_(std::move(stem)),
-        model_(ReadModel(ormel)),
-        boundary_(ReadBoundary(ormel)) {}
-
-  void Write() {
-    Head();
-    Aquifer();
-    Layout();
-    Wells();
-    Layout();
-    Solve();
-    if (boundary_.exists && model_.CONTOURShow != 0) Grid();
-    if (model_.TRACECompute != 0) Trace();
-    out_.Line(" stop");
+AquiferBlock AquiferOf(const Ormel& ormel, const ModelValues& model, const Boundary& boundary) {
+  AquiferBlock aquifer;
+  aquifer.base = model.AQBase;
+  aquifer.conductivity = boundary.exists ? boundary.conductivity : kNoBoundaryConductivity;
+  aquifer.thickness = boundary.thickness;
+  aquifer.porosity = boundary.porosity;
+  const double angle = boundary.direction * kDegree;
+  aquifer.uniform_flow = {boundary.ambient_flow * std::cos(angle), boundary.ambient_flow * std::sin(angle)};
+  if (boundary.exists) {
+    aquifer.reference = WToM(ormel, boundary.first);
+    aquifer.reference_head = boundary.head;
+    return aquifer;
   }
+  const MapRect& window = ormel.window.SolveWindow;
+  aquifer.reference = WToM(ormel, {window.Width() * 0.5, window.Height() * 0.5});
+  aquifer.reference_head = model.AQBase + boundary.thickness * 10;
+  return aquifer;
+}
 
- private:
-  void Lines(std::initializer_list<std::string_view> lines) {
-    for (const std::string_view line : lines) out_.Line(line);
+/// Left, top, right, bottom: the solver takes the corners in any order.
+DeckWindow WindowOf(const Ormel& ormel) {
+  const MapRect& window = ormel.window.SolveWindow;
+  return {WToM_X(ormel, window.x1), WToM_Y(ormel, window.y1), WToM_X(ormel, window.x2),
+          WToM_Y(ormel, window.y2)};
+}
+
+std::vector<WellInput> ReadWells(Ormel& ormel, const std::string& sql) {
+  std::vector<WellInput> wells;
+  RowReader rows(ormel.db(), sql);
+  while (rows.Next()) {
+    WellInput well;
+    well.place.on_map = {rows.Double(0), rows.Double(1)};
+    well.place.at = WToM(ormel, well.place.on_map);
+    well.head = rows.Double(2);
+    well.radius = rows.Double(3);
+    well.vid = rows.Long(4);
+    well.label = rows.Text(5);
+    wells.push_back(std::move(well));
   }
+  return wells;
+}
 
-  std::string X(double x) const { return masks_.property_blank.Format(WToM_X(ormel_, x)); }
-  std::string Y(double y) const { return masks_.property_blank.Format(WToM_Y(ormel_, y)); }
+/// The images of the areas' wells; one whose source or boundary is gone is none.
+std::vector<WellInput> ReadImages(Ormel& ormel) {
+  std::set<std::string> labels;
+  for (const ImageSource& source : ImageSources(ormel)) labels.insert(FoldCase(MirrorLabel(source.well)));
+  std::vector<WellInput> images = ReadWells(
+      ormel,
+      "select Vertices.X,Vertices.Y,Wells.Head,Wells.Radius,Wells.VID,Wells.Label from Wells inner join "
+      "Vertices on Vertices.VID=Wells.VID where Wells.Label like 'Mirror_*' order by Wells.VID");
+  std::erase_if(images, [&](const WellInput& image) { return !labels.contains(FoldCase(image.label)); });
+  return images;
+}
 
-  void Head() {
-    out_.Line(DeckHeadLine());
-    Lines({" error temperror.log", " yes", " message tempmess.log", " yes", " echo tempecho.log", " yes",
-           " picture off", " quit", " "});
-    const Extents& extents = ormel_.window.model;
-    // The solver needs no units here: the code is that of a factor which is neither zero nor negative.
-    out_.Line(" modelorigin " + RawNumber(extents.x_min) + " " + RawNumber(extents.y_min) + " " + " 1 ");
-    out_.Line(" title " + stem_);
-  }
+void WriteAreaWells(Ormel& ormel, TextSink& deck) {
+  const std::vector<WellInput> wells = ReadWells(
+      ormel,
+      std::string(
+          "select Vertices.X,Vertices.Y,Wells.Head,Wells.Radius,Wells.VID,Wells.Label from WHPAs inner "
+          "join Wells on Wells.Label=WHPAs.Well inner join Vertices on "
+          "Vertices.VID=Wells.VID where ") +
+          kTracedRows + " order by WHPAs.rowid");
+  if (ormel.db().Scalar(std::string("select count(*) from WHPAs where ") + kTracedRows).AsLong() == 0) return;
+  deck.Line(" well ");
+  deck.Line(" discharge ");
+  WriteDischargeWells(deck, wells);
+  WriteDischargeWells(deck, ReadImages(ormel));
+  deck.Line(" quit ");
+}
 
-  void Aquifer() {
-    out_.Line(" aquifer");
-    out_.Line(" base " + masks_.base.Format(model_.AQBase));
-    out_.Line(" permeability " +
-              masks_.property.Format(boundary_.exists ? boundary_.conductivity : kNoBoundaryConductivity));
-    out_.Line(" thickness " + masks_.property.Format(boundary_.thickness));
-    out_.Line(" porosity " + masks_.property.Format(boundary_.porosity));
-    const double angle = boundary_.direction * kDegree;
-    out_.Line(" uniflow      " + masks_.property_blank.Format(boundary_.ambient_flow * std::cos(angle)) +
-              masks_.property_blank.Format(boundary_.ambient_flow * std::sin(angle)));
-    Reference();
-    out_.Line(" quit ");
-  }
+TraceBlock TraceOf(Ormel& ormel, const ModelValues& model, const Boundary& boundary) {
+  TraceBlock trace;
+  trace.longest_time = model.TRACEMaxTime;
+  if (!ormel.solution.use_default_step) trace.step = model.TRACEStep;
+  if (boundary.exists) trace.boundary = {WToM(ormel, boundary.first), WToM(ormel, boundary.second)};
+  trace.particles = ReadParticles(ormel, false);
+  RowReader rows(
+      ormel.db(),
+      "select Vertices.X,Vertices.Y,Wells.NParticles from Vertices inner join Wells on Vertices.VID "
+      "= Wells.VID where Wells.Label not like 'Mirror_*' and exists (select 1 from WHPAs where "
+      "WHPAs.Well=Wells.Label and not (WHPAs.T<1 and WHPAs.Type<>3)) order by Vertices.VID");
+  while (rows.Next())
+    trace.wells.push_back({WToM(ormel, {rows.Double(0), rows.Double(1)}), model.AQBase,
+                           std::max<std::int64_t>(rows.Long(2), kLeastParticles)});
+  return trace;
+}
 
-  void Reference() {
-    if (boundary_.exists) {
-      out_.Line(" reference    " + X(boundary_.first.x) + Y(boundary_.first.y) +
-                masks_.property_blank.Format(boundary_.head));
-      return;
-    }
-    const MapRect& window = ormel_.window.SolveWindow;
-    out_.Line(" reference    " + X(window.Width() * 0.5) + Y(window.Height() * 0.5) +
-              masks_.property_blank.Format(model_.AQBase + boundary_.thickness * 10));
-  }
+std::vector<RunFile> FilesOf(const Ormel& ormel, const std::string& stem) {
+  std::vector<RunFile> files;
+  for (const char* extension : {".DAT", ".SOL", ".XTR", ".PTH", ".CTR", ".GRD"})
+    files.push_back({ModelFile(ormel, stem + extension), RunFile::How::kSetAside});
+  return files;
+}
 
-  std::string WindowLine() const {
-    const MapRect& window = ormel_.window.SolveWindow;
-    std::string line = " window ";
-    masks_.window.AppendTo(line, WToM_X(ormel_, window.x1));
-    masks_.window.AppendTo(line, WToM_Y(ormel_, window.y1));
-    masks_.window.AppendTo(line, WToM_X(ormel_, window.x2));
-    masks_.window.AppendTo(line, WToM_Y(ormel_, window.y2));
-    return line;
-  }
-
-  void Layout() {
-    out_.Line(" layout ");
-    out_.Line(WindowLine());
-    out_.Line(" quit ");
-  }
-
-  void WellLines(std::string_view sql) {
-    RowReader rows(ormel_.db(), sql);
-    while (rows.Next()) {
-      std::string line = "  ";
-      masks_.well_x.AppendTo(line, WToM_X(ormel_, rows.Double(0)));
-      masks_.well_y.AppendTo(line, WToM_Y(ormel_, rows.Double(1)));
-      masks_.well_value.AppendTo(line, rows.Double(2));
-      masks_.well_value.AppendTo(line, rows.Double(3));
-      out_.Line(line + VertexLabel("WL_", rows.Long(4)));
-    }
-  }
-
-  void Wells() {
-    if (ormel_.db().Scalar("select count(*) from WHPAs where T>1 or Type=3").AsLong() == 0) return;
-    Lines({" well ", " discharge "});
-    WellLines(
-        "select Vertices.X,Vertices.Y,Wells.Head,Wells.Radius,Wells.VID from WHPAs inner join Wells on "
-        "Wells.Label=WHPAs.Well inner join Vertices on Vertices.VID=Wells.VID where WHPAs.T>1 or "
-        "WHPAs.Type=3 "
-        "order by WHPAs.rowid");
-    WellLines(
-        "select Vertices.X,Vertices.Y,Wells.Head,Wells.Radius,Wells.VID from Wells inner join Vertices on "
-        "Vertices.VID=Wells.VID where Wells.Label like 'Mirror_*' order by Wells.VID");
-    out_.Line(" quit ");
-  }
-
-  void Solve() {
-    Lines({" time 0", " solve 1 0 0 1", " ", " save " + stem_, "y",
-           " time " + NumberText(ormel_.solution.SolutionTime)});
-  }
-
-  void Grid() {
-    Lines({" grid", WindowLine(), " dotmap off",
-           model_.CONTOURLevel != 40 ? " horizontalpoints 80" : " horizontalpoints 40", " go",
-           " surfer " + stem_, " y ", " quit"});
-  }
-
-  void Trace() {
-    Lines({" trace", " picture off", " file " + stem_, " y ", " time " + NumberText(model_.TRACEMaxTime)});
-    if (!ormel_.solution.use_default_step) out_.Line(" step " + NumberText(model_.TRACEStep));
-    if (boundary_.exists)
-      out_.Line(" Boundary  " + X(boundary_.first.x) + Y(boundary_.first.y) + X(boundary_.second.x) +
-                Y(boundary_.second.y) + " ");
-    Particles();
-    TracedWells();
-    Lines({" go", " quit"});
-  }
-
-  void Particles() {
-    RowReader rows(
-        ormel_.db(),
-        "select Vertices.X,Vertices.Y,Particles.Forward,Particles.SatdThick,Particles.Elevation from "
-        "Vertices inner join Particles on Vertices.VID = Particles.VID order by Vertices.VID;");
-    bool any = false;
-    while (rows.Next()) {
-      if (!any) out_.Line(" points");
-      any = true;
-      const double z = rows.Bool(3) ? rows.Double(4) : model_.AquiferTop();
-      out_.Line(" " + masks_.trace.Format(WToM_X(ormel_, rows.Double(0))) +
-                masks_.trace.Format(WToM_Y(ormel_, rows.Double(1))) + masks_.trace.Format(z) +
-                masks_.direction.Format(rows.Bool(2) ? 1.0 : -1.0));
-    }
-    if (any) out_.Line(" quit");
-  }
-
-  void TracedWells() {
-    RowReader rows(
-        ormel_.db(),
-        "select Vertices.X,Vertices.Y,Wells.NParticles from Vertices inner join Wells on Vertices.VID "
-        "= Wells.VID where Wells.Label not like 'Mirror_*' and exists (select 1 from WHPAs where "
-        "WHPAs.Well=Wells.Label and not (WHPAs.T<1 and WHPAs.Type<>3)) order by Vertices.VID");
-    while (rows.Next()) {
-      const std::int64_t particles = std::max<std::int64_t>(rows.Long(2), kLeastParticles);
-      out_.Line(" well " + masks_.trace.Format(WToM_X(ormel_, rows.Double(0))) +
-                masks_.trace.Format(WToM_Y(ormel_, rows.Double(1))) +
-                masks_.well_value.Format(model_.AQBase) + RawNumber(static_cast<double>(particles)));
-    }
-  }
-
-  Ormel& ormel_;
-  TextFileWriter& out_;
-  std::string stem_;
-  ModelValues model_;
-  Boundary boundary_;
-  Masks masks_;
-};
-
-void DeleteOldFiles(const Ormel& ormel, const std::string& stem) {
-  for (const char* extension : {".XTR", ".PTH", ".CTR", ".GRD"})
-    DeleteTolerantly(ModelFile(ormel, stem + extension));
-  for (const char* name : {"GRID__.DAT", "GRID__.XTR", "VADOX1.INI", "VADOX.OPS"})
-    DeleteTolerantly(ModelFile(ormel, name));
+/// Without a stream boundary the deck asks for no grid, and there is nothing to contour.
+RunEnd Contour(Ormel& ormel, const std::string& stem) {
+  if (!FileExists(ModelFile(ormel, stem + ".GRD"))) return RunEnd::kDone;
+  return RunContourProgram(ormel, stem) == ContourEnd::kCancelled ? RunEnd::kCancelled : RunEnd::kDone;
 }
 
 void ShowAreas(Ormel& ormel) {
   const ModelValues model = ReadModel(ormel);
-  ormel.menus.Check("layermenu", kLayerContours, model.CONTOURShow != 0);
-  ormel.menus.Check("layermenu", kLayerPathlines, model.TRACECompute != 0);
-  if (ormel.db().RowCount("TestPoints") > 0) ormel.menus.Check("layermenu", kLayerTestPoints, true);
+  ormel.layers.Switch(Layer::kContours, model.CONTOURShow != 0);
+  ormel.layers.Switch(Layer::kPathlines, model.TRACECompute != 0);
+  if (ormel.db().RowCount("TestPoints") > 0) ormel.layers.Switch(Layer::kTestPoints, true);
   ormel.menus.Enable("WHPA", 3, true);
-  ormel.menus.Check("ShowWHPAs", true);
+  ormel.layers.Switch(Layer::kWhpas, true);
   ormel.view().ZoomActions(Zoom::kRedraw);
+}
+
+/// A calculated area names its time of travel, but paths are traced for the longest time of the settings.
+/// False when the user gives up.
+bool AgreeOnTime(Ormel& ormel) {
+  ModelValues model = ReadModel(ormel);
+  if (model.TRACECompute == 0) return true;
+  RowReader row(ormel.db(), "select Well,TimeOfTravel from WHPAs where Type=2 and T>1");
+  if (!row.Next() || row.Double(1) == model.TRACEMaxTime || !(row.Double(1) > 0.0)) return true;
+  const double time = row.Double(1);
+  const Answer answer = ormel.ui().Ask(
+      {"Time of Travel",
+       Lines({"The area of the well '" + std::string(row.Text(0)) + "' was asked for a time of travel of " +
+                  NumberText(time) + " days, but",
+              "pathlines are traced for the maximum travel time of the model settings, which is " +
+                  NumberText(model.TRACEMaxTime) + " days.",
+              "Set the maximum travel time to " + NumberText(time) + " days?"}),
+       Buttons::kYesNoCancel, Icon::kQuestion});
+  if (answer == Answer::kYes) {
+    model.TRACEMaxTime = time;
+    WriteModel(ormel, model);
+  }
+  return answer == Answer::kYes || answer == Answer::kNo;
+}
+
+RunPlan PlanOf(Ormel& ormel, const std::string& stem) {
+  RunPlan plan;
+  plan.deck = stem + ".DAT";
+  plan.argument = stem;
+  plan.wait_text = "Calculating WHPA...";
+  plan.writing_text = "Writing WHPAs to Solver...";
+  plan.files = FilesOf(ormel, stem);
+  plan.scratch = {ModelFile(ormel, "GRID__.DAT"), ModelFile(ormel, "GRID__.XTR")};
+  plan.write = [&ormel, stem](TextSink& deck) {
+    ModelCheckExtents(ormel, false, false);
+    WriteWhpaDeck(ormel, deck, stem);
+    return true;
+  };
+  plan.accept = [&ormel, stem] { return Contour(ormel, stem); };
+  return plan;
 }
 
 }  // namespace
@@ -260,37 +224,85 @@ std::string WhpaStem(Ormel& ormel) {
   return stem == "NONE" ? std::string() : stem;
 }
 
-void WriteWhpaDeck(Ormel& ormel, TextFileWriter& deck, const std::string& stem) {
-  WhpaDeck(ormel, deck, stem).Write();
+void WriteWhpaDeck(Ormel& ormel, TextSink& deck, const std::string& stem) {
+  const ModelValues model = ReadModel(ormel);
+  const Boundary boundary = ReadBoundary(ormel);
+  const DeckWindow window = WindowOf(ormel);
+  WriteHead(deck, {.error = "temperror.log", .message = "tempmess.log", .echo = "tempecho.log"});
+  // The solver needs no units here: the code is that of a factor which is neither zero nor negative.
+  WriteOriginAndTitle(deck, {ormel.window.model.x_min, ormel.window.model.y_min}, 1, stem);
+  WriteAquifer(deck, AquiferOf(ormel, model, boundary));
+  WriteLayout(deck, window);
+  WriteAreaWells(ormel, deck);
+  WriteLayout(deck, window);
+  deck.Line(" time 0");
+  WriteSolveAndSave(deck, 1, stem);
+  WriteTime(deck, ormel.solution.SolutionTime);
+  if (boundary.exists && model.CONTOURShow != 0)
+    WriteGrid(deck, stem, window, model.CONTOURLevel != 40 ? 80 : 40);
+  if (model.TRACECompute != 0) WriteTrace(deck, stem, TraceOf(ormel, model, boundary));
+  deck.Line(" stop");
 }
+
+namespace {
+
+struct CutPaths {
+  std::size_t cut = 0, all = 0;
+};
+
+/// Paths that end at the window's edge: the area is larger than they show.
+CutPaths CountCutPaths(const Ormel& ormel, const std::string& stem) {
+  CutPaths paths;
+  ReadPathFile(ModelFile(ormel, stem + ".PTH"), [&paths](const Pathline& path) {
+    ++paths.all;
+    if (path.end.find("window") != std::string::npos) ++paths.cut;
+  });
+  return paths;
+}
+
+/// True when the window is wider now and the run is to be made again.
+bool OfferWiderWindow(Ormel& ormel, const CutPaths& paths) {
+  if (paths.cut == 0) return false;
+  const std::string cut = std::to_string(paths.cut) + " of " + std::to_string(paths.all);
+  if (!AskYesNo(ormel, "Pathlines Cut",
+                Lines({cut + " pathlines end at the edge of the window: the area is larger than they show.",
+                       "Widen the window to twice its width and height and run again?"}),
+                Icon::kQuestion)) {
+    Feedback(ormel, cut + " pathlines end at the edge of the window");
+    return false;
+  }
+  MapRect& window = ormel.window.SolveWindow;
+  const double dx = 0.5 * window.Width(), dy = 0.5 * window.Height();
+  window = {window.x1 - dx, window.x2 + dx, window.y1 + dy, window.y2 - dy};
+  ormel.view().ZoomActions(Zoom::kApplyWindow, window);
+  return true;
+}
+
+/// True when the run ended well.
+bool RunOnce(Ormel& ormel, const std::string& stem) {
+  const RunOutcome outcome = RunBy(ormel, PlanOf(ormel, stem));
+  if (outcome.end == RunEnd::kNotStarted)
+    Inform(ormel, "Solver not started", outcome.process.failure, Icon::kStop);
+  if (outcome.end == RunEnd::kStopped) ormel.solution.ValidSolution = false;
+  if (outcome.end == RunEnd::kCancelled)
+    Feedback(ormel, "The run was cancelled: pathlines and files are as they were before");
+  if (outcome.end != RunEnd::kDone) return false;
+  ShowAreas(ormel);
+  const ModelValues model = ReadModel(ormel);
+  if (model.TRACECompute != 0) Feedback(ormel, "Pathlines of " + NumberText(model.TRACEMaxTime) + " days");
+  return true;
+}
+
+}  // namespace
 
 void ModelRunWHPAs(Ormel& ormel) {
   RunCommand(ormel, "ModelRunWHPAs", [&] {
     const std::string stem = WhpaStem(ormel);
-    {
-      const PleaseWait wait(ormel, "Writing WHPAs to Solver...");
-      DeleteOldFiles(ormel, stem);
-      ModelCheckExtents(ormel, false, false);
-      TextFileWriter deck(ModelFile(ormel, stem + ".DAT"));
-      WriteWhpaDeck(ormel, deck, stem);
-      deck.Commit();
-    }
-    noexecutable(ormel, kSolverProgram);
-    const int size = ModelGetSize(ormel, false);
-    CommitSoFar(ormel);
-    const ProcessResult result = RunSolver(ormel, size, stem, "Calculating WHPA...");
-    if (result.cancelled) return;
-    if (!result.started) {
-      Inform(ormel, "Solver not started", result.failure, Icon::kStop);
-      return;
-    }
-    if (TellFatalStop(ormel, result)) {
-      ormel.solution.ValidSolution = false;
-      return;
-    }
-    // Without a stream boundary the deck asks for no grid, and there is nothing to contour.
-    if (FileExists(ModelFile(ormel, stem + ".GRD"))) RunContourProgram(ormel, stem);
-    ShowAreas(ormel);
+    RemakeImageWells(ormel);
+    if (!AgreeOnTime(ormel)) return;
+    do {
+      if (!RunOnce(ormel, stem)) return;
+    } while (OfferWiderWindow(ormel, CountCutPaths(ormel, stem)));
     const std::string log = ModelFile(ormel, "temperror.log");
     if (ErrorLogSpeaks(log)) ormel.ui().ViewTextFile(log);
   });

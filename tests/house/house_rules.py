@@ -8,14 +8,15 @@ import sys
 from pathlib import Path
 
 LEVEL = {
-    "text": 1, "store": 2, "core": 3, "model": 4, "solver": 5,
-    "whpa": 6, "exchange": 6, "analysis": 6, "basemaps": 6, "tools": 6,
-    "view": 7, "shell": 8,
+    "text": 1, "store": 2, "core": 3, "document": 4, "model": 5, "solver": 6,
+    "whpa": 7, "exchange": 7, "analysis": 7, "basemaps": 7, "tools": 7,
+    "view": 8, "shell": 9,
 }
 ENGINE = {
     "files": {"files"},
     "aem": {"aem"},
-    "vadox1": {"files", "aem", "vadox1"},
+    "zones": {"aem", "zones"},
+    "vadox1": {"files", "aem", "zones", "vadox1"},
     "contour": {"files", "contour"},
 }
 TOOLKIT = re.compile(r"^\s*#\s*include\s*[<\"](Q[A-Z]|Qt|q[a-z]+\.h)")

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "editing_fixture.h"
+#include "model/area_runs.h"
 #include "model/barriers.h"
 #include "model/edit.h"
 #include "model/inhomogeneities.h"
@@ -299,7 +300,9 @@ TEST_F(Editing, moves_write_the_place_and_invalidate_what_depends_on_it) {
     EXPECT_EQ(ormel.activity, row.activity) << row.x;
     ElemEndMove(ormel, {row.x + 0.5, 7});
     if (selected.SelectedType == Element::kTextLabel)
-      EXPECT_EQ(CurrentTextLabelPlace(ormel), (MapPoint{row.x + 0.5, 7}));
+      EXPECT_EQ((MapPoint{test.Number("select X from TextLabels where Y in (7,8)"),
+                          test.Number("select Y from TextLabels where Y in (7,8)")}),
+                (MapPoint{row.x + 0.5, 7}));
     else
       EXPECT_EQ(XOf(selected.vid), row.x + 0.5);
     EXPECT_EQ(test.ui.LastTitle(), row.box) << row.x;
@@ -351,8 +354,16 @@ TEST_F(Editing, stream_boundary_takes_its_image_wells_along) {
   EXPECT_EQ(
       test.Number("select Vertices.X from Wells,Vertices where Wells.VID=Vertices.VID and Label='Mirror_a'"),
       -3.0);
+  // Nothing old is drawn, and the files wait for an undo.
+  const std::string stem = test.Text("select WHPAText from WHPAs");
+  EXPECT_NE(stem, "stem");
+  EXPECT_FALSE(std::filesystem::exists(test.dir / (stem + ".PTH")));
+  for (const char* file : {"stem.PTH", "town.SOL"}) EXPECT_TRUE(std::filesystem::exists(test.dir / file));
+  DeleteOutdatedRuns(ormel, "stem");
+  EXPECT_TRUE(std::filesystem::exists(test.dir / "stem.PTH"));
+  DeleteOutdatedRuns(ormel);
   EXPECT_FALSE(std::filesystem::exists(test.dir / "stem.PTH"));
-  EXPECT_FALSE(std::filesystem::exists(test.dir / "town.SOL"));
+  EXPECT_TRUE(std::filesystem::exists(test.dir / "town.SOL"));
 }
 
 TEST_F(Editing, refinement_divides_long_edges_and_keeps_the_shape) {

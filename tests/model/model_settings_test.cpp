@@ -180,7 +180,7 @@ TEST_F(Settings, default_step_is_copied_while_it_is_on) {
   EXPECT_EQ(feet.Text("tbDefaultStepSize"), "0.762");
 }
 
-TEST_F(Settings, outdated_files_go_only_with_a_solution_and_their_switch) {
+TEST_F(Settings, outdated_results_go_only_with_a_solution_and_their_switch) {
   struct Row {
     const char* what;
     bool valid, contours;
@@ -199,12 +199,16 @@ TEST_F(Settings, outdated_files_go_only_with_a_solution_and_their_switch) {
                        {row.contours ? 1 : 0});
     for (const char* extension : {".GRD", ".CTR", ".PTH"})
       WriteAll(test.dir / ("town" + std::string(extension)), "x");
-    ormel.solution.ValidSolution = row.valid;
+    SolutionState& solution = ormel.solution;
+    solution.ValidSolution = row.valid;
+    solution.GridValid = solution.ContoursValid = solution.PathlinesValid = true;
     test.ui.AnswerTo("Regrid/Retrace?", {Answer::kNo, Answer::kNo, Answer::kNo, Answer::kNo, Answer::kNo});
     Run(row.entries);
-    EXPECT_EQ(std::filesystem::exists(test.dir / "town.GRD"), row.grid_stays) << row.what;
-    EXPECT_EQ(std::filesystem::exists(test.dir / "town.CTR"), row.grid_stays) << row.what;
-    EXPECT_EQ(std::filesystem::exists(test.dir / "town.PTH"), row.paths_stay) << row.what;
+    EXPECT_EQ(solution.GridValid, row.grid_stays) << row.what;
+    EXPECT_EQ(solution.ContoursValid, row.grid_stays) << row.what;
+    EXPECT_EQ(solution.PathlinesValid, row.paths_stay) << row.what;
+    for (const char* extension : {".GRD", ".CTR", ".PTH"})  // the next run replaces them
+      EXPECT_TRUE(std::filesystem::exists(test.dir / ("town" + std::string(extension)))) << row.what;
   }
   EXPECT_TRUE(test.solver.runs.empty());
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/layers.h"
 #include "form_rows.h"
 #include "model/observation_forms.h"
 #include "model/vertices.h"
@@ -91,7 +92,9 @@ TEST_F(Observations, text_label_keeps_font_place_and_scale) {
   EXPECT_EQ(test.Number("select FontSize from TextLabels"), 14.0);
   EXPECT_EQ(test.Number("select FontBold from TextLabels"), -1.0);
   EXPECT_EQ(test.Number("select ScalerX from TextLabels"), 250.0);
-  EXPECT_EQ(CurrentTextLabelPlace(ormel), (MapPoint{7, 8}));
+  EXPECT_EQ((MapPoint{test.Number("select X from TextLabels where Y in (7,8)"),
+                      test.Number("select Y from TextLabels where Y in (7,8)")}),
+            (MapPoint{7, 8}));
   EXPECT_TRUE(test.view.zooms.empty());
 
   test.ui.font = FontChoice{"Times", 8, false, true};
@@ -102,7 +105,7 @@ TEST_F(Observations, text_label_keeps_font_place_and_scale) {
   ModelAddText(ormel);  // a second label at the same X
   EXPECT_EQ(test.Text("select FontName from TextLabels where Text='Orge'"), "Times");
   EXPECT_EQ(test.Number("select LabelType from TextLabels where Text='Orge'"), 1.0);
-  EXPECT_TRUE(ormel.menus.Checked("layermenu", kLayerHydrographyLabels));
+  EXPECT_TRUE(ormel.layers.On(Layer::kHydrographyLabels));
   EXPECT_EQ(test.view.zooms.size(), 1U);
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/layers.h"
 #include "model/observations.h"
 #include "one_commit.h"
 #include "support/test_project.h"
@@ -13,7 +14,8 @@ class Validity : public ::testing::Test {
  protected:
   void Solved() {
     ormel.solution.ValidSolution = ormel.solution.results_drawn = true;
-    for (const LayerItem layer : {kLayerContours, kLayerPathlines, kLayerTestPoints, kLayerResultsOverlay})
+    for (const Layer layer :
+         {Layer::kContours, Layer::kPathlines, Layer::kTestPoints, Layer::kResultsOverlay})
       TurnOnLayer(ormel, layer);
     ormel.note = "CURRENT";
     test.view.zooms.clear();
@@ -24,12 +26,12 @@ class Validity : public ::testing::Test {
 };
 
 TEST_F(Validity, without_a_solution_nothing_is_asked_or_changed) {
-  TurnOnLayer(ormel, kLayerContours);
+  TurnOnLayer(ormel, Layer::kContours);
   InvalidateSolution(ormel, true, true);
   InvalidateContours(ormel);
   EXPECT_TRUE(test.ui.boxes.empty());
   EXPECT_TRUE(test.view.zooms.empty());
-  EXPECT_TRUE(ormel.menus.Checked("layermenu", kLayerContours));
+  EXPECT_TRUE(ormel.layers.On(Layer::kContours));
 }
 
 TEST_F(Validity, kept_by_the_user_leaves_all_as_it_is) {
@@ -37,7 +39,7 @@ TEST_F(Validity, kept_by_the_user_leaves_all_as_it_is) {
   test.ui.AnswerTo("Model Changed!", {Answer::kNo});
   InvalidateSolution(ormel, true, true);
   EXPECT_TRUE(ormel.solution.ValidSolution);
-  EXPECT_TRUE(ormel.menus.Checked("layermenu", kLayerContours));
+  EXPECT_TRUE(ormel.layers.On(Layer::kContours));
   EXPECT_TRUE(ormel.menus.Enabled("RESULTS_TABLE"));
   EXPECT_TRUE(test.view.zooms.empty());
   EXPECT_EQ(test.ui.LastText(),
@@ -53,12 +55,12 @@ TEST_F(Validity, invalid_takes_results_out_of_view_and_reach) {
     InvalidateSolution(ormel, false, test_points);
     EXPECT_FALSE(ormel.solution.ValidSolution);
     EXPECT_FALSE(ormel.solution.results_drawn);
-    for (const LayerItem layer : {kLayerContours, kLayerPathlines}) {
-      EXPECT_FALSE(ormel.menus.Enabled("layermenu", layer));
-      EXPECT_FALSE(ormel.menus.Checked("layermenu", layer));
+    for (const Layer layer : {Layer::kContours, Layer::kPathlines}) {
+      EXPECT_FALSE(ormel.layers.Offered(layer));
+      EXPECT_FALSE(ormel.layers.On(layer));
     }
-    EXPECT_EQ(ormel.menus.Enabled("layermenu", kLayerTestPoints), test_points);
-    EXPECT_FALSE(ormel.menus.Checked("layermenu", kLayerResultsOverlay));
+    EXPECT_EQ(ormel.layers.Offered(Layer::kTestPoints), test_points);
+    EXPECT_FALSE(ormel.layers.On(Layer::kResultsOverlay));
     for (const char* control :
          {"MODELRUNFILES", "RESULTS_TABLE", "CALIBRATION_STATS", "SolverIntegrityCheck"})
       EXPECT_FALSE(ormel.menus.Enabled(control)) << control;
@@ -74,10 +76,10 @@ TEST_F(Validity, contours_are_made_anew_or_hidden) {
   test.ui.AnswerTo("Recompute?", {Answer::kNo, Answer::kYes});
   InvalidateContours(ormel);
   EXPECT_EQ(test.solver.contour_runs, 0);
-  EXPECT_FALSE(ormel.menus.Checked("layermenu", kLayerContours));
+  EXPECT_FALSE(ormel.layers.On(Layer::kContours));
   InvalidateContours(ormel);
   EXPECT_EQ(test.solver.contour_runs, 1);
-  EXPECT_TRUE(ormel.menus.Checked("layermenu", kLayerContours));
+  EXPECT_TRUE(ormel.layers.On(Layer::kContours));
   EXPECT_EQ(test.view.zooms.size(), 2U);
   EXPECT_TRUE(ormel.solution.ValidSolution);
 }

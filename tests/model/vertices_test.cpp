@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "core/layers.h"
 #include "model/linesinks.h"
 #include "model/observations.h"
 #include "one_commit.h"
@@ -85,10 +86,10 @@ TEST_F(Vertices, find_labels_only_where_they_show) {
   StoreTextLabel(ormel, {.Text = "town"}, {4, 0});
   ormel.selection.radius_squared = 100.0;
   EXPECT_EQ(ElemFindVertex(ormel, {3, 0}), kLabelFound);
-  EXPECT_EQ(CurrentTextLabel(ormel).Text, "town");
-  ormel.menus.Check("layermenu", kLayerHydrographyLabels, true);
+  EXPECT_EQ(ormel.project.bound.TextLabels->Get<std::string>("Text"), "town");
+  ormel.layers.Switch(Layer::kHydrographyLabels, true);
   EXPECT_EQ(ElemFindVertex(ormel, {3, 0}), kLabelFound);
-  EXPECT_EQ(CurrentTextLabel(ormel).Text, "river");
+  EXPECT_EQ(ormel.project.bound.TextLabels->Get<std::string>("Text"), "river");
   EXPECT_EQ(ElemFindVertex(ormel, {5, 0}), vertex);
   EXPECT_EQ(ElemFindVertex(ormel, {4.5, 0}), vertex) << "a label must be nearer than every vertex";
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "form_rows.h"
 #include "model/digitize.h"
 #include "model/inhomogeneities.h"
@@ -216,7 +217,7 @@ TEST_F(Wells, add_stores_row_and_vertex_and_ends_the_mode) {
   EXPECT_EQ(test.Number("select PathlineColor from Wells"), -99.0) << "a colour is stored by an edit only";
   EXPECT_EQ(test.Number("select X from Vertices,Wells where Vertices.VID=Wells.VID"), 12.5);
   EXPECT_EQ(test.Number("select Seq from Vertices"), 0.0);
-  EXPECT_TRUE(ormel.menus.Checked("layermenu", kLayerElements));
+  EXPECT_TRUE(ormel.layers.On(Layer::kElements));
   EXPECT_TRUE(test.view.menus_on);
   EXPECT_EQ(ormel.mouse.MouseMode, MouseMode::kSelect);
   EXPECT_EQ(ormel.activity, "Select");
@@ -275,7 +276,7 @@ TEST_F(Wells, image_is_the_reflected_opposite_and_there_is_one) {
   EXPECT_TRUE(MirrorWell(ormel, "O'Brien", {0, 0}, {1, 0}, {3, 4}));
   EXPECT_TRUE(MirrorWell(ormel, "O'Brien", {0, 0}, {0, 1}, {3, 4}));
   EXPECT_EQ(test.Number("select count(*) from Wells"), 2.0);
-  EXPECT_EQ(test.Number("select count(*) from Vertices"), 3.0) << "the earlier image's vertex stays";
+  EXPECT_EQ(test.Number("select count(*) from Vertices"), 2.0) << "the earlier image's vertex goes with it";
   Recordset image = ormel.db().OpenRecordset("select * from Wells where Label like 'Mirror_*'");
   ASSERT_TRUE(image.HasRow());
   const WellRow row = ReadWell(image);

@@ -1,4 +1,5 @@
 // Start and stop, and the small dialogs of the shell.
+#include "core/layers.h"
 #include "core/map_view.h"
 #include "shell/about.h"
 #include "shell/gui_options_form.h"
@@ -33,7 +34,7 @@ TEST_F(StartTest, WithoutSettingsTheWindowHasItsFirstPlaceAndTheWelcomeBoxComes)
   EXPECT_EQ(placed->Height, 6400.0);
   EXPECT_TRUE(placed->Toolbar);
   EXPECT_TRUE(shown);
-  EXPECT_TRUE(ormel.menus.Checked("layermenu", kLayerToolbar));
+  EXPECT_TRUE(ormel.layers.On(Layer::kToolbar));
   EXPECT_EQ(ui.shown_forms, (std::vector<std::string>{"About", "Welcome"}));
   EXPECT_EQ(settings.values["WelcomeBox"], "0");
   EXPECT_TRUE(ormel.menus.Enabled("FILEMENU"));

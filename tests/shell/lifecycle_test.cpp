@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "core/layers.h"
 #include "lifecycle_fixture.h"
 #include "shell/import_whpa.h"
 #include "shell/new_database_wizard.h"
@@ -140,14 +141,14 @@ TEST_F(LifecycleTest, CloseLeavesOnlyProjectAndHelpCommands) {
   const std::string path = Make("town.orm");
   FileOpenProject(ormel, path);
   EXPECT_TRUE(ormel.menus.Enabled("FILE_CMDS", 2));
-  ormel.menus.Check("PATHLINES", 0, true);
+  ormel.layers.Switch(Layer::kPathlines, true);
   FileCloseProject(ormel);
   EXPECT_FALSE(IsOpen());
   EXPECT_FALSE(view.menus_on);
   EXPECT_TRUE(ormel.menus.Enabled("FILEMENU"));
   EXPECT_TRUE(ormel.menus.Enabled("HELPMENU"));
   for (const int index : {2, 3, 4, 5, 6}) EXPECT_FALSE(ormel.menus.Enabled("FILE_CMDS", index));
-  EXPECT_FALSE(ormel.menus.Checked("PATHLINES", 0));
+  EXPECT_FALSE(ormel.layers.On(Layer::kPathlines));
   EXPECT_EQ(ui.caption, "Ormel");
   EXPECT_TRUE(ormel.project.folder.empty());
   Database::Open(path);  // the file is free again

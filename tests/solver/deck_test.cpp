@@ -2,10 +2,13 @@
 #include <gtest/gtest.h>
 
 #include "core/command.h"
-#include "solver/deck_writer.h"
+#include "solver/deck_export.h"
 #include "solver/driver.h"
+#include "solver/element_deck.h"
 #include "solver/extents.h"
 #include "solver/fixture_project.h"
+#include "solver/result_rows.h"
+#include "solver/text_sink.h"
 #include "text/files.h"
 
 namespace ormel::test {
@@ -111,6 +114,14 @@ TEST(Deck, ExportOfAMapInFeetWithUniformFlow) {
   EXPECT_EQ(ReadAll(p.dir / "out put.DAT"), "mine");
 }
 
+TEST(Deck, HeadsHalfWayBetweenTwoDigitsAreThoseOfTheProductFirst) {
+  FixtureProject p;
+  p.String(20, {{0, 0, 1}, {90, 0, 101}, {320, 0, 201}});
+  p.Linesink(20, "Half way", 0, 1.9, "", "");
+  // 1.9 x 45 / 320 = 0.2671875 exactly; 1.9 x (45 / 320) is less in the last bit.
+  EXPECT_NE(DeckOfRun(p, {}, "town.DAT").find(" 2.67188E-01 LS_000020_0101"), std::string::npos);
+}
+
 TEST(Deck, ScenarioResistanceStandsInExportsOnly) {
   FixtureProject p;
   p.Run("update LinesinkStrings set ScenResistance='42.5'");
@@ -127,11 +138,9 @@ TEST(Deck, ResultRowsWaitForTheSolver) {
   p.Run(
       "insert into WLResults(Label,VadoxLabel,X,Y,Radius,SpecifiedHead,Discharge,Head) "
       "values('old','WL_000001',0,0,0,0,0,0)");
-  const auto write = [&](bool rows, bool for_export) {
-    TextFileWriter deck(p.dir / "x.DAT");
-    return ToolsWriteVadoxElements(p.ormel, deck, rows, for_export);
-  };
-  EXPECT_EQ(write(true, false), 6);  // a domain changes the base
+  const SolverInput input = ReadSolverInput(p.ormel);
+  EXPECT_EQ(RecommendedIterations(input), 6);  // a domain changes the base
+  SeedResultRows(p.ormel.db(), input);
   // Groups 1 to 5; the second Irrigation record is the same well, ponds and image wells have no row.
   EXPECT_EQ(p.Text("select group_concat(VadoxLabel) from WLResults"),
             "WL_000001,WL_000002,WL_000003,WL_000004,WL_000005,WL_000010");
@@ -145,10 +154,26 @@ TEST(Deck, ResultRowsWaitForTheSolver) {
   // Walls 12 (2 vertices, open) 1; 13 (3, closed) 3; 14 and 15 (3) 2 each; 16 (2) 1.
   EXPECT_EQ(p.Number("select count(*) from NFResults"), 9);
   EXPECT_EQ(p.Number("select count(*) from NFResults where VadoxLabel='HB_000013_0201'"), 1);
+}
 
-  write(false, true);
-  EXPECT_EQ(p.Number("select count(*) from INResults"), 16);
-  EXPECT_EQ(p.Number("select count(*) from WLResults"), 6);
+/// Every row of every results table.
+std::string AllResults(TestProject& p) {
+  std::string text;
+  for (const char* table : {"WLResults", "LSResults", "INResults", "NFResults", "TPResults", "FIResults"}) {
+    RowReader rows(p.ormel.db(), std::string("select * from ") + table);
+    while (rows.Next())
+      for (int i = 0; i < rows.ColumnCount(); ++i) text += rows.Get(i).AsText() + ";";
+  }
+  return text;
+}
+
+TEST(Deck, WritingOneChangesNoResult) {
+  FixtureProject p;
+  ModelCheckExtents(p.ormel, false, false);
+  SeedResultRows(p.ormel.db(), ReadSolverInput(p.ormel));
+  const std::string before = AllResults(p);
+  ToolsExportVadox(p.ormel, p.dir / "export.DAT");
+  EXPECT_EQ(AllResults(p), before) << "rows of zeros would pass as results of a reload";
 }
 
 }  // namespace

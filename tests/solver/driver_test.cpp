@@ -5,16 +5,18 @@
 
 #include <filesystem>
 
+#include "core/layers.h"
+#include "core/status.h"
 #include "model/model_settings.h"
+#include "model/validity.h"
 #include "solver/fixture_project.h"
+#include "solver/kept_files.h"
+#include "solver/run.h"
+#include "solver/solve_stamp.h"
 #include "text/files.h"
 
 namespace ormel::test {
 namespace {
-
-constexpr const char* kResults =
-    "! discharge specified wells\r\n 250.5,300,0.3,850,21.25,WL_000001\r\n"
-    "@ 111.12,222.22,1,.2,12.5,2,0,10,22.4,0,0,0,0,0,TP_000500\r\n";
 
 ProcessResult Ended(int exit_code = 0, int signal = 0) {
   ProcessResult result;
@@ -41,8 +43,9 @@ struct SolverProject : FixtureProject {
     solve = [this](const ProcessRequest&) { return WriteResults(); };
   }
   ProcessResult WriteResults() {
-    for (const char* file : {"town.SOL", "town.GRD", "town.PTH"}) WriteAll(dir / file, "new");
-    WriteAll(dir / "town.XTR", kResults);
+    for (const char* file : {"town.SOL", "town.GRD"}) WriteAll(dir / file, "new");
+    WriteAll(dir / "town.PTH", "* \r\n");
+    WriteAll(dir / "town.XTR", FullExtraction(ormel));
     WriteAll(dir / "message.log", "solved\n");
     WriteAll(dir / "error.log", "*\n");
     return Ended();
@@ -76,7 +79,7 @@ TEST(Driver, NewRunSolvesContoursLoadsAndShows) {
   EXPECT_EQ(p.ui.wait_depth, 0);
   EXPECT_EQ(p.ui.progress, std::vector<double>{0.5});
   EXPECT_EQ(p.view.zooms, std::vector<Zoom>{Zoom::kRedraw});
-  EXPECT_TRUE(p.ormel.menus.Checked("layermenu", kLayerContours));
+  EXPECT_TRUE(p.ormel.layers.On(Layer::kContours));
   EXPECT_TRUE(p.ormel.menus.Enabled("RESULTS_TABLE"));
   // The error log says nothing but its first line.
   EXPECT_EQ(p.ui.viewed_files, std::vector<std::string>{p.dir / "message.log"});
@@ -145,7 +148,7 @@ void ExpectAsBefore(SolverProject& p) {
   const SolutionState& s = p.ormel.solution;
   EXPECT_TRUE(s.ValidSolution && s.GridValid && s.ContoursValid && s.PathlinesValid);
   EXPECT_TRUE(p.ormel.menus.Enabled("RESULTS_TABLE"));
-  EXPECT_TRUE(p.ormel.menus.Checked("layermenu", kLayerContours));
+  EXPECT_TRUE(p.ormel.layers.On(Layer::kContours));
   for (const char* file : {"town.SOL", "town.GRD", "town.PTH", "town.XTR", "town.CTR", "message.log"}) {
     ASSERT_TRUE(FileExists(p.dir / file)) << file;
     EXPECT_NE(ReadAll(p.dir / file), "half") << file;
@@ -176,6 +179,95 @@ TEST(Driver, CancelledRunLeavesEverythingAsItWas) {
     ExpectAsBefore(p);
     EXPECT_TRUE(p.ui.boxes.empty());
     EXPECT_NE(p.ormel.feedback.find("cancelled"), std::string::npos);
+  }
+}
+
+TEST(Driver, ResultsOfAnOlderModelSayThatTheyAre) {
+  SolverProject p;
+  p.ormel.solution.SolutionTime = 0;
+  p.Solve();
+  EXPECT_EQ(OlderModelNotice(p.ormel), "");
+  p.Run("update Wells set Head=900 where VID=1");
+  p.ui.AnswerTo("Model Changed!", {ormel::Answer::kNo});
+  InvalidateSolution(p.ormel, true, false);
+  EXPECT_TRUE(p.ormel.solution.ValidSolution);
+  EXPECT_EQ(p.ormel.note, "OLDER MODEL");
+
+  p.ui.OnForm("SolvePrompt", [](Form& form) { form.Click("SolveOption(1)"); });
+  ModelRunVadox(p.ormel, {.AskFirst = true});
+  EXPECT_EQ(p.processes.requests.at(0).arguments.back(), "REGRID.DAT");
+  EXPECT_EQ(p.ormel.note, "OLDER MODEL") << "nothing has been solved";
+  EXPECT_NE(OlderModelNotice(p.ormel), "");
+  p.ormel.solution = {};
+  EXPECT_EQ(RestoreSolve(p.ormel), "");
+  EXPECT_TRUE(p.ormel.solution.OfOlderModel) << "after closing and opening too";
+
+  // The batch program knows nothing but the stamp.
+  p.ormel.solution = {};
+  ModelRunVadox(p.ormel, {.KeepSolution = true});
+  EXPECT_EQ(p.ormel.note, "OLDER MODEL");
+  p.ui.OnForm("SolvePrompt", [](Form& form) { form.Click("SolveOption(0)"); });
+  ModelRunVadox(p.ormel, {.AskFirst = true});
+  EXPECT_EQ(p.ormel.note, "CURRENT");
+  EXPECT_EQ(OlderModelNotice(p.ormel), "");
+}
+
+TEST(Driver, AStemThatIsAnothersIsNotOverwritten) {
+  SolverProject p;
+  p.ormel.solution.SolutionTime = 0;
+  p.Solve();
+  const std::string stamp = ReadAll(p.dir / "town.RUN");
+  // A copy of the project that still has the first one's stem.
+  p.ormel.project.DBName = p.dir / "town.2025.orm";
+  p.ormel.solution = {};
+  p.ui.AnswerTo("Model Files in Use", {ormel::Answer::kNo, ormel::Answer::kYes});
+  ModelRunVadox(p.ormel, {});
+  EXPECT_TRUE(p.processes.requests.empty());
+  EXPECT_NE(p.ui.LastText().find("town.orm"), std::string::npos) << p.ui.LastText();
+  p.solve = [&](const ProcessRequest& request) {
+    EXPECT_EQ(request.arguments.back(), "town.2025");
+    WriteAll(p.dir / "town.2025.SOL", "its own");
+    WriteAll(p.dir / "town.2025.XTR", FullExtraction(p.ormel));
+    WriteAll(p.dir / "town.2025.GRD", "its own");
+    WriteAll(p.dir / "town.2025.CTR", "LEVEL 10\r\n");
+    WriteAll(p.dir / "town.2025.PTH", "* \r\n");
+    return Ended();
+  };
+  ModelRunVadox(p.ormel, {});
+  EXPECT_TRUE(p.ormel.solution.ValidSolution);
+  EXPECT_EQ(p.Text("select OrmelBaseName from Project"), "town.2025");
+  EXPECT_EQ(ReadAll(p.dir / "town.RUN"), stamp);
+  EXPECT_EQ(ReadAll(p.dir / "town.SOL"), "new");
+}
+
+TEST(Driver, AnInterruptedRunIsTakenBack) {
+  for (const bool committing : {false, true}) {
+    SolverProject p;
+    p.Solve();
+    for (const char* file : {"town.SOL", "town.XTR"}) WriteAll(p.dir / file, "old");
+    {
+      // What a program that is killed in the middle of a run leaves.
+      std::filesystem::create_directory(p.dir / "crash");
+      KeptFiles files;
+      files.Keep(p.dir / "_RUN.JNL", {{p.dir / "town.SOL", RunFile::How::kCopy},
+                                      {p.dir / "town.XTR", RunFile::How::kSetAside},
+                                      {p.dir / "town.OUT", RunFile::How::kSetAside}});
+      for (const char* file : {"town.SOL", "town.XTR", "town.OUT"}) WriteAll(p.dir / file, "half");
+      if (committing) files.Committing();
+      for (const char* file : {"_RUN.JNL", "town.SOL.before", "town.XTR.before"})
+        std::filesystem::copy_file(p.dir / file, p.dir / ("crash/" + std::string(file)));
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(p.dir / "crash"))
+      std::filesystem::copy_file(entry.path(), p.dir / entry.path().filename().string());
+    for (const char* file : {"town.SOL", "town.XTR", "town.OUT"}) WriteAll(p.dir / file, "half");
+    WriteAll(p.dir / "town.XTR.4711.tmp", "torn");
+    EXPECT_TRUE(TakeBackInterruptedRun(p.ormel));
+    EXPECT_EQ(ReadAll(p.dir / "town.SOL"), committing ? "half" : "old");
+    EXPECT_EQ(ReadAll(p.dir / "town.XTR"), committing ? "half" : "old");
+    EXPECT_EQ(FileExists(p.dir / "town.OUT"), committing) << "was not there before the run";
+    for (const char* file : {"_RUN.JNL", "town.SOL.before", "town.XTR.before", "town.XTR.4711.tmp"})
+      EXPECT_FALSE(FileExists(p.dir / file)) << file;
+    EXPECT_FALSE(TakeBackInterruptedRun(p.ormel));
   }
 }
 
@@ -239,24 +331,95 @@ TEST(Driver, FatalStopsAreToldAndLoadNothing) {
       const SolutionState& s = p.ormel.solution;
       EXPECT_FALSE(s.ValidSolution || s.GridValid || s.ContoursValid || s.PathlinesValid) << c.name;
       EXPECT_FALSE(FileExists(p.dir / "VADOX.OPS"));
-      EXPECT_EQ(p.WellHead(), fresh ? 0.0 : 21.25) << c.name;
+      EXPECT_EQ(p.WellHead(), 21.25) << c.name;
+      for (const char* file : {"town.SOL", "town.GRD", "town.PTH", "town.XTR", "town.CTR"})
+        EXPECT_TRUE(FileExists(p.dir / file)) << c.name << ": the old files are back: " << file;
       EXPECT_EQ(p.processes.requests.size(), 1U) << "no contours, " << c.name;
     }
   }
 }
 
-TEST(Driver, HalfAnExtractionFileAsks) {
+/// A file that does not answer for every element, or holds something else, is refused; what stood stays.
+TEST(Driver, DamagedResultsAreRefusedAndTheOldOnesStay) {
+  const auto without = [](std::string text, const std::string& part) {
+    const std::size_t at = text.find(part);
+    EXPECT_NE(at, std::string::npos) << part;
+    return text.erase(at, part.size());
+  };
+  const auto with = [](std::string text, const std::string& part, const std::string& other) {
+    return text.replace(text.find(part), part.size(), other);
+  };
+  SolverProject p;
+  p.Solve();
+  const std::string good = ReadAll(p.dir / "town.XTR");
+  struct Damage {
+    const char* what;
+    std::string text;
+    const char* told;
+  };
+  const Damage cases[] = {
+      {"empty", "", "cut off"},
+      {"comments only", "* Results of town\r\n* End of results\r\n", "no record of"},
+      {"no end mark", without(good, "* End of results\r\n"), "cut off"},
+      {"cut in its last line", good.substr(0, good.size() - 2), "cut off"},
+      {"cut in the middle", good.substr(0, good.find("! slurry")), "cut off"},
+      {"a foreign label", with(good, "WL_000001", "WL_000777"), "name no element"},
+      {"a well left out", without(good, " 250.5,300,0.3,850,21.25,WL_000002\r\n"), "no record of WL_000002"},
+      {"a flux line left out", without(good, " FL_000018, 12.75\r\n"), "no record of FL_000018"},
+      {"no number", with(good, "850,21.25,WL_000001", "850,nan,WL_000001"), "what is no number"},
+      {"an infinite number", with(good, "850,21.25,WL_000001", "850,1e999,WL_000001"), "what is no number"},
+      {"another origin", "* Origin 1000 2150\r\n" + good, "another origin"},
+  };
+  for (const Damage& c : cases) {
+    for (const bool fresh : {true, false}) {
+      p.ui.boxes.clear();
+      p.solve = [&](const ProcessRequest&) {
+        p.WriteResults();
+        WriteAll(p.dir / "town.XTR", c.text);
+        return Ended();
+      };
+      if (fresh) p.ui.OnForm("SolvePrompt", [](Form& form) { form.Click("SolveOption(0)"); });
+      ModelRunVadox(p.ormel, {.AskFirst = fresh});
+      EXPECT_EQ(p.ui.LastTitle(), "Fatal execution error") << c.what;
+      EXPECT_NE(p.ui.LastText().find(c.told), std::string::npos) << c.what << ": " << p.ui.LastText();
+      EXPECT_EQ(ReadAll(p.dir / "town.XTR"), good) << c.what;
+      EXPECT_EQ(p.WellHead(), 21.25) << c.what;
+      EXPECT_TRUE(p.ormel.solution.ValidSolution) << c.what;
+    }
+  }
+}
+
+TEST(Driver, AnElementThatTheSolverLeftOutIsNoDamage) {
   SolverProject p;
   p.solve = [&](const ProcessRequest&) {
     p.WriteResults();
-    WriteAll(p.dir / "town.XTR", std::string(kResults).substr(0, 50));
+    std::string text = ReadAll(p.dir / "town.XTR");
+    for (std::size_t at; (at = text.find(",IN_000010_")) != std::string::npos;)
+      text.erase(text.rfind('\n', at) + 1, text.find('\n', at) - text.rfind('\n', at));
+    WriteAll(p.dir / "town.XTR", text);
+    WriteAll(p.dir / "error.log", "*\r\nIN_000010_0000 encloses no area: it is left out.\r\n");
     return Ended();
   };
-  p.ui.AnswerTo("Import error", {ormel::Answer::kNo});
+  p.Run("update Model set ViewErrorLog=0");
   ModelRunVadox(p.ormel, {});
-  EXPECT_EQ(p.ui.LastTitle(), "Import error");
-  EXPECT_EQ(p.WellHead(), 0.0);
-  EXPECT_TRUE(p.ormel.solution.ValidSolution);
+  EXPECT_TRUE(p.ormel.solution.ValidSolution) << p.ui.LastText();
+  EXPECT_EQ(p.ormel.feedback, "2 elements have no results.");
+}
+
+TEST(Driver, ARecordThatIsTooShortAsks) {
+  for (const ormel::Answer answer : {ormel::Answer::kNo, ormel::Answer::kYes}) {
+    SolverProject p;
+    p.solve = [&](const ProcessRequest&) {
+      p.WriteResults();
+      std::string text = ReadAll(p.dir / "town.XTR");
+      text.insert(text.find("! head specified line sinks"), " 1,2,3\r\n");
+      WriteAll(p.dir / "town.XTR", text);
+      return Ended();
+    };
+    p.ui.AnswerTo("Import error", {answer});
+    ModelRunVadox(p.ormel, {});
+    EXPECT_EQ(p.ormel.solution.ValidSolution, answer == ormel::Answer::kYes);
+  }
 }
 
 TEST(Driver, FailingContourProgramKeepsTheResults) {
@@ -284,7 +447,7 @@ TEST(Driver, WhatIsSwitchedOffLeavesNoFileOfAnotherSolution) {
   p.Solve();
   p.Run("update Model set CONTOURShow=0, TRACECompute=0");
   p.solve = [&](const ProcessRequest&) {
-    WriteAll(p.dir / "town.XTR", kResults);
+    WriteAll(p.dir / "town.XTR", FullExtraction(p.ormel));
     WriteAll(p.dir / "town.SOL", "new");
     return Ended();
   };
@@ -296,7 +459,7 @@ TEST(Driver, WhatIsSwitchedOffLeavesNoFileOfAnotherSolution) {
   for (const char* file : {"town.GRD", "town.CTR", "town.PTH"})
     EXPECT_FALSE(FileExists(p.dir / file)) << file;
   EXPECT_EQ(p.processes.requests.size(), 2U) << "without a grid there is nothing to contour";
-  EXPECT_FALSE(p.ormel.menus.Checked("layermenu", kLayerContours));
+  EXPECT_FALSE(p.ormel.layers.On(Layer::kContours));
   EXPECT_TRUE(p.ormel.solution.ValidSolution);
 }
 
@@ -321,7 +484,7 @@ TEST(Driver, ModelFolderThatIsGoneIsToldAndLosesNothing) {
   ModelRunVadox(p.ormel, {});
   EXPECT_EQ(p.ui.LastTitle(), "Unhandled Error -- Contact the ZRB");
   EXPECT_NE(p.ui.LastText().find("Unhandled error in ModelRunVadox"), std::string::npos);
-  EXPECT_NE(p.ui.LastText().find("gone/town.DAT"), std::string::npos) << p.ui.LastText();
+  EXPECT_NE(p.ui.LastText().find("gone/"), std::string::npos) << p.ui.LastText();
   EXPECT_EQ(p.WellHead(), 21.25);
   EXPECT_TRUE(p.processes.requests.empty());
   p.ormel.project.OrmelBasePath = folder;
@@ -334,7 +497,7 @@ TEST(Driver, DeckThatCannotBeWrittenLosesNothing) {
   p.ui.OnForm("SolvePrompt", [](Form& form) { form.Click("SolveOption(0)"); });
   p.ui.AnswerTo("Model Changed!", {ormel::Answer::kNo});
   ModelRunVadox(p.ormel, {.AskFirst = true});
-  EXPECT_NE(p.ui.boxes.at(0).text.find("Unhandled error in ToolsWriteVadoxElements"), std::string::npos);
+  EXPECT_NE(p.ui.boxes.at(0).text.find("Unhandled error in SeedResultRows"), std::string::npos);
   EXPECT_LE(p.ui.wait_depth, 0);
   ExpectAsBefore(p);
 }

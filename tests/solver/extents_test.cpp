@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/layers.h"
 #include "solver/fixture_project.h"
 
 namespace ormel::test {
@@ -101,7 +102,7 @@ TEST(Extents, ProtectionAreasKeepAMarginWhileShown) {
   p.Run("insert into WHPAs(Well,Radius,TimeOfTravel,Porosity) values('gone',9000,0,0)");
   ModelCheckExtents(p.ormel, false, false);
   EXPECT_EQ(p.ormel.window.model, (Extents{1000, 2000, 2000, 2750}));
-  p.ormel.menus.Check("ShowWHPAs", true);
+  p.ormel.layers.Switch(Layer::kWhpas, true);
   ModelCheckExtents(p.ormel, false, false);
   EXPECT_EQ(p.ormel.window.model, (Extents{600, 2000, 2000, 2750}))
       << "350 around (1300, 2400): left by twice";

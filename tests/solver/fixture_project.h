@@ -149,6 +149,31 @@ struct FixtureProject : TestProject {
   }
 };
 
+/// An extraction file that answers for every row that a deck has made, as the solver would: wells have the
+/// head 21.25, line-sinks 27.5, test points 22.4.
+inline std::string FullExtraction(Ormel& ormel) {
+  std::string text = "* Results of town at time 0 d\r\n";
+  const auto section = [&](const char* header, const std::string& sql, const auto& record) {
+    text += std::string("! ") + header + "\r\n";
+    RowReader rows(ormel.db(), sql);
+    while (rows.Next()) text += record(rows) + "\r\n";
+  };
+  const auto label = [](const RowReader& rows) { return std::string(rows.Text(0)); };
+  section("discharge specified wells", "select VadoxLabel from WLResults",
+          [&](const RowReader& r) { return " 250.5,300,0.3,850,21.25," + label(r); });
+  section("head specified line sinks", "select VadoxLabel from LSResults where SpecifiedHead<>-999",
+          [&](const RowReader& r) { return " 0,0,1,0,28,27.5,100,10,5,2,77,88,0.01," + label(r); });
+  section("trans domains", "select VadoxLabel from INResults",
+          [&](const RowReader& r) { return " 1,2,3,4,5,6,7,8,9,10,11,12,13," + label(r); });
+  section("slurry walls", "select VadoxLabel from NFResults",
+          [&](const RowReader& r) { return " 1,2,3,4,5,6,7,8,9," + label(r); });
+  section("flux", "select distinct 'FL_' || substr('000000' || PID,-6) from FluxInspect",
+          [&](const RowReader& r) { return " " + label(r) + ", 12.75"; });
+  RowReader points(ormel.db(), "select 'TP_' || substr('000000' || VID,-6) from TestPoints");
+  while (points.Next()) text += "@ 111.12,222.22,1,.2,12.5,2,0,10,22.4,0,0,0,0,0," + label(points) + "\r\n";
+  return text + "* End of results\r\n";
+}
+
 /// Blanks as dots and line ends as arrows.
 inline std::string Visible(const std::string& text) {
   std::string out;

@@ -32,12 +32,12 @@ std::string Tool(const std::string& path, const std::string& sql) {
 // Fields that procedures and older files count on by position.
 TEST(Schema, TablesAndFieldsComeInTheirOrder) {
   ProjectFixture project;
-  EXPECT_THAT(
-      project.db.TableNames(),
-      testing::ElementsAre("Basemaps", "LinesinkStrings", "Model", "NoFlowStrings", "Inhomogeneities",
-                           "Particles", "Polygons", "Project", "TestPoints", "TextLabels", "Vertices",
-                           "Wells", "LSResults", "INResults", "NFResults", "TPResults", "FIResults",
-                           "WLResults", "SavedWindows", "FluxInspect", "Capzones", "MapLabels", "WHPAs"));
+  EXPECT_THAT(project.db.TableNames(),
+              testing::ElementsAre("Basemaps", "LinesinkStrings", "Model", "NoFlowStrings", "Inhomogeneities",
+                                   "Particles", "Polygons", "Project", "TestPoints", "TextLabels", "Vertices",
+                                   "Wells", "LSResults", "INResults", "NFResults", "TPResults", "FIResults",
+                                   "WLResults", "SavedWindows", "FluxInspect", "Capzones", "Zones",
+                                   "MapLabels", "WHPAs"));
   const struct {
     const char* table;
     std::size_t fields;

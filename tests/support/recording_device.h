@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -47,6 +48,15 @@ inline std::string Describe(const DrawCall& call) {
       out << "line";
       pen();
       points();
+      break;
+    case DrawKind::kFineLine:
+      out << "line";
+      pen();
+      for (const FinePoint& p : call.fine) out << ' ' << std::lround(p.x) << ',' << std::lround(p.y);
+      break;
+    case DrawKind::kArea:
+      out << "area " << ColorName(*call.fill) << " opacity " << call.opacity;
+      for (const FinePoint& p : call.fine) out << ' ' << std::lround(p.x) << ',' << std::lround(p.y);
       break;
     case DrawKind::kPolygon:
       out << "area";

@@ -6,7 +6,7 @@
 #include "core/table.h"
 #include "model/inhomogeneities.h"
 #include "model/linesinks.h"
-#include "solver/deck_sections.h"
+#include "solver/result_rows.h"
 #include "store/database.h"
 #include "support/test_project.h"
 
@@ -21,7 +21,7 @@ struct PanelProject : TestProject {
     return StoreLinesink(ormel, row, points);
   }
   void Result(const std::string& label, double specified, double calculated, double discharge, double error) {
-    ResultRows(ormel.db(), true).Linesink("River", label, {0, 0}, {0, 0}, specified);
+    ResultRows(ormel.db()).Linesink("River", label, {0, 0}, {0, 0}, specified);
     ormel.db().Execute("update LSResults set CalculatedHead=?,Discharge=?,Error=? where VadoxLabel=?",
                        {calculated, discharge, error, label});
   }
@@ -92,7 +92,7 @@ TEST(INInfo, ShowsWhatChangesAndTheErrorAlongTheEdge) {
       corners);
   const std::string stem = "IN_" + std::string(6 - std::to_string(pid).size(), '0') + std::to_string(pid);
   for (const char* seq : {"_0001", "_0101", "_0201"})
-    ResultRows(p.ormel.db(), false).Inhomogeneity("Gravel", stem + seq);
+    ResultRows(p.ormel.db()).Inhomogeneity("Gravel", stem + seq);
   p.ormel.db().Execute(
       "update INResults set AvgPotJump=1234.5,StrPotJumpNode=1000,DeltaPNode=0.001,DeltaPCntr=-0.004");
   p.ormel.solution.ValidSolution = true;

@@ -6,8 +6,7 @@
 #include <filesystem>
 
 #include "core/table.h"
-#include "solver/deck_sections.h"
-#include "solver/deck_writer.h"
+#include "solver/result_rows.h"
 #include "store/database.h"
 #include "support/test_project.h"
 #include "tools/results_tables.h"
@@ -17,7 +16,7 @@ namespace {
 
 struct ResultsProject : TestProject {
   ResultsProject() {
-    ResultRows rows(ormel.db(), true);
+    ResultRows rows(ormel.db());
     rows.Linesink("Mühl, \"old\"", "LS_000001_0101", {10, 0}, {0, 0}, 20);
     rows.Linesink("Given", "LS_000002_0101", {20, 0}, {0, 0}, kNoSpecifiedHead);
     rows.Linesink("Dry", "LS_000003_0101", {30, 0}, {0, 0}, 21);

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "core/layers.h"
 #include "core/user_interface.h"
 #include "support/recording_device.h"
 #include "support/test_project.h"
@@ -19,8 +20,8 @@ struct MapProject : TestProject {
     ormel.ports.view = &map;
     ormel.window.SolveWindow = {-100.0, 100.0, 100.0, -100.0};
     map.SetUpLayers();
-    ormel.menus.Check("layermenu", kLayerElements, true);
-    ormel.menus.Check("EDITORGRID", kGridShow, false);
+    ormel.layers.Switch(Layer::kElements, true);
+    ormel.layers.Switch(Layer::kEditorGrid, false);
     map.ZoomActions(Zoom::kRedraw);
   }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/layers.h"
 #include "view/map_fixture.h"
 #include "view/map_legend.h"
 
@@ -65,11 +66,11 @@ TEST(MapOutput, LegendNamesOnlyWhatIsShown) {
   t.ormel.db().Execute("insert into LinesinkStrings (PID,Label,Drain) values (1,'a',null)");
   t.ormel.db().Execute("insert into LinesinkStrings (PID,Label,Drain) values (2,'b',1)");
   t.ormel.solution = {.ValidSolution = true, .TimeTicSpacing = 365.0};
-  t.ormel.menus.Check("layermenu", kLayerPathlines, true);
-  t.ormel.menus.Check("TMARKS", kTimeMarksShow, true);
+  t.ormel.layers.Switch(Layer::kPathlines, true);
+  t.ormel.layers.Switch(Layer::kTimeTics, true);
   EXPECT_THAT(texts(), ElementsAre("Well", "Image well", "Linesink, head specified", "Drain", "Pathline",
                                    "Time mark every 365 days"));
-  t.ormel.menus.Check("layermenu", kLayerElements, false);
+  t.ormel.layers.Switch(Layer::kElements, false);
   EXPECT_THAT(texts(), ElementsAre("Pathline", "Time mark every 365 days"));
 }
 

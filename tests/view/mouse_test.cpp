@@ -7,6 +7,7 @@
 #include <array>
 
 #include "core/command.h"
+#include "core/layers.h"
 #include "model/barriers.h"
 #include "model/digitize.h"
 #include "model/inhomogeneities.h"
@@ -365,7 +366,7 @@ TEST(Mouse, TracedLinesStayUntilClearedOrTheSolutionGoes) {
   EXPECT_EQ(t.ormel.feedback, "Streamline of 800 days, ended by: well WL_000001");
   EXPECT_THAT(t.Drawn("Traced Lines"), ::testing::ElementsAre(line));
   EXPECT_TRUE(t.Overlaid().empty()) << "now it is part of the picture";
-  t.ormel.menus.Check("TMARKS", kTimeMarksShow, true);
+  t.ormel.layers.Switch(Layer::kTimeTics, true);
   t.ormel.solution.TimeTicSpacing = 300.0;
   EXPECT_GT(t.Drawn("Traced Lines").size(), 2U) << "with its marks of time";
 

@@ -6,10 +6,14 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "core/layers.h"
+#include "solver/pathline_tics.h"
+#include "solver/result_files.h"
+#include "text/files.h"
 #include "view/contours.h"
 #include "view/map_fixture.h"
 #include "view/pathlines.h"
-#include "view/result_files.h"
+#include "view/redraw.h"
 
 namespace ormel::test {
 namespace {
@@ -36,8 +40,8 @@ std::string PathPointLine(double x, double y, double z, double t) {
 struct ResultProject : MapProject {
   ResultProject() {
     ormel.solution = {.ValidSolution = true, .PathlinesValid = true, .ContoursValid = true};
-    ormel.menus.Check("layermenu", kLayerContours, true);
-    ormel.menus.Check("layermenu", kLayerPathlines, true);
+    ormel.layers.Switch(Layer::kContours, true);
+    ormel.layers.Switch(Layer::kPathlines, true);
     ormel.db().Execute("update Model set CONTOURShow=1");
   }
   void Contours(const std::string& text) { WriteAll(dir / "town.CTR", text); }
@@ -95,7 +99,9 @@ TEST(Contours, HaveOneLabelAtTheFirstMidpointInsideTheBox) {
     std::string text = "LEVEL " + std::to_string(c.level) + "\r\n";
     for (const MapPoint& p : c.points) text += ContourPoint(p.x, p.y);
     t.Contours(text);
-    EXPECT_EQ(t.Drawn("Contours"), c.drawn) << c.what;
+    Strings drawn = t.Drawn("Contour Labels");
+    for (const std::string& line : t.surface.picture.Layer("Contours")) drawn.push_back(line);
+    EXPECT_EQ(drawn, c.drawn) << c.what;
   }
 }
 
@@ -106,11 +112,11 @@ TEST(Contours, AreDrawnOnlyWhenTheyBelongToTheSolution) {
   for (const int again : {1, 2})  // two wells of one area: its contours are drawn once
     t.ormel.db().Execute(
         "insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,WHPAText) values (?,0,0,0,'zone')", {again});
+  EXPECT_EQ(t.Drawn("Contours").size(), 1U);
+  t.ormel.layers.Switch(Layer::kWhpas, true);
   EXPECT_EQ(t.Drawn("Contours").size(), 2U);
-  t.ormel.menus.Check("ShowWHPAs", true);
-  EXPECT_EQ(t.Drawn("Contours").size(), 4U);
   EXPECT_THAT(t.Drawn("Contours"), Contains("line 12 200,100 218,100"));
-  t.ormel.menus.Check("ShowWHPAs", false);
+  t.ormel.layers.Switch(Layer::kWhpas, false);
   t.ormel.solution.ContoursValid = false;
   EXPECT_THAT(t.Drawn("Contours"), IsEmpty());
   t.ormel.solution.ContoursValid = true;
@@ -127,10 +133,10 @@ TEST(ResultFiles, AreReadOnceAndAgainWhenTheyChange) {
   t.Contours("LEVEL 5.0\r\n" + ContourPoint(0, 0) + ContourPoint(9, 0));
   t.Redraw();
   for (const Zoom code : {Zoom::kLeft, Zoom::kRight, Zoom::kIn, Zoom::kOut}) t.map.ZoomActions(code);
-  EXPECT_EQ(t.map.state().files.reads(), 1);
+  EXPECT_EQ(ResultFilesOf(t.ormel).reads(), 1);
   t.Contours("LEVEL 5.0\r\n" + ContourPoint(0, 0) + ContourPoint(9, 0) + ContourPoint(9, 9));
   t.Redraw();
-  EXPECT_EQ(t.map.state().files.reads(), 2);
+  EXPECT_EQ(ResultFilesOf(t.ormel).reads(), 2);
   t.ormel.window.solved.x_min = 50.0;
   EXPECT_THAT(t.Drawn("Contours"), Contains("line 1 300,200 318,200 318,182")) << "another origin";
   t.Contours("LEVEL 5.0\r\n" + ContourPoint(0, 0) + "      nonsense\r\n");
@@ -220,8 +226,8 @@ TEST(Tics, StandAtEqualTimes) {
       {"no spacing, no marks", {{0, 0, 0, 0}, {100, 0, 0, 1000}}, 0, {}},
   };
   for (const TicCase& c : cases)
-    EXPECT_EQ(XOf(TimeTics(OnePath(c.points), c.spacing, window, 100)), c.x) << c.what;
-  EXPECT_EQ(TimeTics(OnePath({{0, 0, 0, 0}, {1, 0, 0, 1e9}}), 1e-9, window, 100).size(), 100U)
+    EXPECT_EQ(XOf(TimeTics(OnePath(c.points), c.spacing, &window, 100)), c.x) << c.what;
+  EXPECT_EQ(TimeTics(OnePath({{0, 0, 0, 0}, {1, 0, 0, 1e9}}), 1e-9, &window, 100).size(), 100U)
       << "a spacing that would never end";
 }
 
@@ -235,7 +241,7 @@ TEST(Tics, StandAtMultiplesOfElevation) {
       {"level", {{0, 0, 10, 0}, {100, 0, 10, 1}}, 10, {}},
   };
   for (const TicCase& c : cases)
-    EXPECT_EQ(XOf(ElevationTics(OnePath(c.points), c.spacing, window, 100)), c.x) << c.what;
+    EXPECT_EQ(XOf(ElevationTics(OnePath(c.points), c.spacing, &window, 100)), c.x) << c.what;
 }
 
 TEST(Pathlines, WriteTheirMarksToTheScratchFiles) {
@@ -254,6 +260,13 @@ TEST(Pathlines, WriteTheirMarksToTheScratchFiles) {
   EXPECT_EQ(ReadAll(t.dir / "TICMARKST.TIC"), " 40            0 \r\n 80            0 \r\n");
   EXPECT_EQ(ReadAll(t.dir / "TICMARKSZ.TIC"),
             " 25            0             2 \r\n 75            0             1 \r\n");
+  std::filesystem::remove(t.dir / "TICMARKST.TIC");
+  t.Redraw();
+  EXPECT_FALSE(FileExists(t.dir / "TICMARKST.TIC")) << "drawing writes no file";
+  t.ormel.window.SolveWindow = {30, 50, 10, -10};
+  WriteTicFiles(t.ormel);
+  EXPECT_EQ(ReadAll(t.dir / "TICMARKST.TIC"), " 40            0 \r\n 80            0 \r\n")
+      << "what is seen does not matter";
   TMARKS(t.ormel, kTimeMarks2Years);
   EXPECT_EQ(t.ormel.solution.TimeTicSpacing, 730.0);
   PATHLINES(t.ormel);

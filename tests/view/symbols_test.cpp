@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/layers.h"
 #include "view/map_fixture.h"
 
 namespace ormel::test {
@@ -31,10 +32,10 @@ TEST(Redraw, DrawsTheLayersInTheirOrder) {
   db.Execute("insert into FluxInspect (PID,Label) values (?,'FI')", {t.AddPolygon("0,0 10,10")});
   db.Execute("insert into Capzones (PID,Label) values (?,'CZ')", {t.AddPolygon("0,0 10,10")});
   db.Execute("insert into TextLabels (Text,X,Y,ScalerX) values ('here',0,0,200)");
-  t.ormel.menus.Check("ShowWHPAs", true);
-  t.ormel.menus.Check("Haze", true);
-  for (const LayerItem item : {kLayerContours, kLayerPathlines, kLayerWhpas, kLayerResultsOverlay})
-    t.ormel.menus.Check("layermenu", item, true);
+  t.ormel.layers.Switch(Layer::kWhpas, true);
+  t.ormel.layers.Switch(Layer::kHaze, true);
+  for (const Layer layer : {Layer::kContours, Layer::kPathlines, Layer::kCapzones, Layer::kResultsOverlay})
+    TurnOnLayer(t.ormel, layer);
   t.ormel.solution = {.ValidSolution = true, .PathlinesValid = true, .ContoursValid = true};
   db.Execute("insert into TPResults (VID,ObsHead,ModelHead,Difference,X,Y) values (1,0,0,1,20,20)");
   db.Execute(
@@ -60,20 +61,20 @@ TEST(Redraw, DrawsTheLayersInTheirOrder) {
            " 9.0000000000 "
            " 5.0000000000\r\nEND\r\n");
   t.Redraw();
-  const Strings order{"Base Maps",      "Haze",        "Uniform Flow",    "Wells",
-                      "Linesinks",      "Barriers",    "Inhomogeneities", "Stream Boundaries",
-                      "WHPAs",          "Test Points", "Particles",       "Flux Lines",
-                      "Capture Zones",  "Text",        "Contours",        "Pathlines",
-                      "Results Overlay"};
+  const Strings order{"Base Maps",  "Haze",          "Capture Zones",   "Uniform Flow",
+                      "Linesinks",  "Barriers",      "Inhomogeneities", "Stream Boundaries",
+                      "WHPAs",      "Contours",      "Pathlines",       "Results Overlay",
+                      "Flux Lines", "Particles",     "Wells",           "Test Points",
+                      "Text",       "Contour Labels"};
   EXPECT_EQ(t.surface.picture.LayersDrawn(), order);
   EXPECT_EQ(t.surface.picture.Lines().front(), "clear 15");
   EXPECT_THAT(t.surface.picture.Layer("Haze"), ElementsAre("cover 15 opacity 0.428571 0,0 400,400"));
 
-  t.ormel.menus.Check("layermenu", kLayerElements, false);
+  t.ormel.layers.Switch(Layer::kElements, false);
   t.Redraw();
-  const Strings without{"Base Maps", "Haze",       "Uniform Flow",   "Test Points",
-                        "Particles", "Flux Lines", "Capture Zones",  "Text",
-                        "Contours",  "Pathlines",  "Results Overlay"};
+  const Strings without{
+      "Base Maps",       "Haze",       "Capture Zones", "Uniform Flow", "Contours", "Pathlines",
+      "Results Overlay", "Flux Lines", "Particles",     "Test Points",  "Text",     "Contour Labels"};
   EXPECT_EQ(t.surface.picture.LayersDrawn(), without);
 }
 
@@ -115,9 +116,9 @@ TEST(Wells, HaveTwoCirclesInMapUnitsAndALabel) {
   t.AddWell(50, 0, "tiny", 0.1);
   EXPECT_THAT(t.Drawn("Wells"),
               ElementsAre("circle 5 at 200,200 r40", "circle 5 at 200,200 r20", "circle 5 at 300,200 r3"));
-  t.ormel.menus.Check("ShowWellLabels", true);
+  t.ormel.layers.Switch(Layer::kWellLabels, true);
   // 0.015 of the width of 200 is 3 units or 6 pixels; 0.005 of the height is one unit or 2 pixels.
-  EXPECT_THAT(t.Drawn("Wells"), Contains("text \"O'Hara\" at 206,202 9 h13 Verdana bold"));
+  EXPECT_THAT(t.Drawn("Well Labels"), Contains("text \"O'Hara\" at 206,202 9 h13 Verdana bold"));
   t.surface.picture.Shape(DisplayList(400, 400, 192));
   EXPECT_THAT(t.Drawn("Wells"), Contains("circle 5 at 300,200 r6"))
       << "as large on a screen of twice the density";
@@ -141,7 +142,7 @@ TEST(Linesinks, ShowTheirKindByColour) {
   t.ormel.db().Execute("insert into LinesinkStrings (PID,Label,Drain) values (?,'LS',null)",
                        {t.AddPolygon("0,0 10,0")});
   t.ormel.gui.LinesinkShadow = 4.0;
-  t.ormel.menus.Check("ShowVertices", kLinesinkVertices, true);
+  t.ormel.layers.Switch(Layer::kLinesinkVertices, true);
   const Strings lines = t.Drawn("Linesinks");
   ASSERT_EQ(lines.size(), 4U) << "shadow, line, two vertices";
   EXPECT_EQ(lines[0], "line 15 w4 200,200 220,200");
@@ -170,7 +171,7 @@ TEST(Inhomogeneities, MarkTheirVerticesWhereACornerIsShared) {
   db.Execute("insert into Inhomogeneities (PID,Label,Color) values (?,'C',0)",
              {t.AddPolygon("-10,-10 -20,-10 -20,-20")});
   EXPECT_EQ(t.Drawn("Inhomogeneities").size(), 6U) << "boundary and closing side of each";
-  t.ormel.menus.Check("ShowVertices", kInhomogeneityVertices, true);
+  t.ormel.layers.Switch(Layer::kDomainVertices, true);
   const Strings marked = t.Drawn("Inhomogeneities");
   EXPECT_EQ(marked.size(), 12U) << "three marks on A and on B, none on C";
   EXPECT_THAT(marked, Contains("line 8 w2 224,180 220,176 216,180 220,184 224,180"));
@@ -220,12 +221,12 @@ TEST(TestPoints, FollowTheDisplayAndTheSignOfTheDifference) {
     t.ormel.db().Execute("insert into TPResults (VID,ObsHead,ModelHead,Difference,X,Y) values (?,0,0,?,0,0)",
                          {vid, c.difference});
     t.ormel.solution.ValidSolution = c.valid;
-    t.ormel.menus.Check("TESTDISPLAY", kTestText, c.text);
-    t.ormel.menus.Check("TESTDISPLAY", kTestScaledSymbols, c.scaled);
+    t.ormel.layers.Switch(Layer::kTestText, c.text);
+    t.ormel.layers.Switch(Layer::kTestScaled, c.scaled);
     for (const int item : {kTestScale5, kTestScale10, kTestScale20})
-      t.ormel.menus.Check("TPSCALING", item, item == c.scaling);
+      t.ormel.layers.Switch(*LayerOf("TPSCALING", item), item == c.scaling);
     EXPECT_EQ(t.Drawn("Test Points"), c.drawn) << c.what;
-    t.ormel.menus.Check("TESTDISPLAY", kTestShow, false);
+    t.ormel.layers.Switch(Layer::kTestPoints, false);
     EXPECT_THAT(t.Drawn("Test Points"), IsEmpty()) << c.what;
   }
 }
@@ -251,9 +252,10 @@ TEST(Text, VanishesWhenTheUserZoomsInAndFollowsItsSwitch) {
         "values ('Hill',0,0,?,12,True,?)",
         {c.scale, c.type});
     t.map.Refresh();  // the switches learn that there are labels
-    t.ormel.menus.Check("layermenu", kLayerHydrographyLabels, c.hydro);
-    t.ormel.menus.Check("layermenu", kLayerHypsographyLabels, c.hypso);
-    EXPECT_EQ(t.Drawn("Text"), c.drawn) << c.what;
+    t.ormel.layers.Switch(Layer::kHydrographyLabels, c.hydro);
+    t.ormel.layers.Switch(Layer::kHypsographyLabels, c.hypso);
+    const char* layers[] = {"Text", "Hydrography Labels", "Hypsography Labels"};
+    EXPECT_EQ(t.Drawn(layers[c.type]), c.drawn) << c.what;
   }
 }
 
@@ -282,14 +284,14 @@ TEST(Whpas, DrawTheCircleUpstreamOfTheWell) {
         "values ('North',10,0,0,1,?,?,?)",
         {c.direction, c.t, c.type});
     EXPECT_THAT(t.Drawn("WHPAs"), IsEmpty()) << c.what << ": not shown";
-    t.ormel.menus.Check("ShowWHPAs", true);
+    t.ormel.layers.Switch(Layer::kWhpas, true);
     EXPECT_EQ(t.Drawn("WHPAs"), c.drawn) << c.what;
   }
 }
 
 TEST(Whpas, BoundaryReachesAcrossTheWindowAndIsUnsetAtZero) {
   MapProject t;
-  t.ormel.menus.Check("ShowWHPAs", true);
+  t.ormel.layers.Switch(Layer::kWhpas, true);
   t.ormel.db().Execute(
       "insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,Point1X,Point1Y,Point2X,Point2Y) "
       "values ('a',0,0,0,500,10,510,10)");
@@ -304,12 +306,12 @@ TEST(CaptureZones, AClosedOneIsDrawnBackToItsFirstVertex) {
   MapProject t;
   const Pid pid = t.AddPolygon("0,0 10,0 10,10");
   t.ormel.db().Execute("insert into Capzones (PID,Label) values (?,'CZ')", {pid});
-  t.ormel.menus.Check("layermenu", kLayerWhpas, true);
+  t.ormel.layers.Switch(Layer::kCapzones, true);
   const Strings open = t.Drawn("Capture Zones");
   t.ormel.db().Execute("update Polygons set Closed=1");
   const Strings closed = t.Drawn("Capture Zones");
-  ASSERT_EQ(closed.size(), open.size() + 1);
-  EXPECT_THAT(closed.back(), ::testing::EndsWith("220,180 200,200"));
+  EXPECT_THAT(open, ElementsAre("line 9 200,200 220,200 220,180"));
+  EXPECT_THAT(closed, ElementsAre("line 9 200,200 220,200 220,180 200,200"));
 }
 
 TEST(UniformFlow, PointsWithTheFlow) {
@@ -352,7 +354,7 @@ TEST(Erasing, GivesANewPictureUnlessTheUserRedrawsByHand) {
 
   t.ormel.db().Execute("insert into Particles (VID) values (?)", {vid});
   t.Redraw();
-  t.ormel.menus.Check("layermenu", kLayerManualRedraw, true);
+  t.ormel.layers.Switch(Layer::kManualRedraw, true);
   const int pictures = t.surface.pictures;
   t.map.DrawElement(Element::kParticle, vid, -1, DrawMode::kErase);
   t.map.Refresh();

@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "core/layers.h"
 #include "view/display_commands.h"
 #include "view/map_fixture.h"
 
@@ -103,7 +104,7 @@ TEST(ZoomActions, KeepsTheWindowThatCanBeDrawn) {
 
 TEST(ZoomActions, ReportsOnlyWhileTheUserRedrawsByHand) {
   MapProject t;
-  t.ormel.menus.Check("layermenu", kLayerManualRedraw, true);
+  t.ormel.layers.Switch(Layer::kManualRedraw, true);
   const int pictures = t.surface.pictures;
   t.map.ZoomActions(Zoom::kRedrawInPlace);
   EXPECT_EQ(t.surface.pictures, pictures);
@@ -215,20 +216,20 @@ TEST(EditorGrid, IsStoredShownAndSnapsByItsCommands) {
 
 TEST(Layers, AreOfferedOnceTheyHaveSomethingToShow) {
   MapProject t;
-  EXPECT_FALSE(t.ormel.menus.Enabled("layermenu", kLayerTestPoints));
-  EXPECT_FALSE(t.ormel.menus.Enabled("layermenu", kLayerPathlines));
+  EXPECT_FALSE(t.ormel.layers.Offered(Layer::kTestPoints));
+  EXPECT_FALSE(t.ormel.layers.Offered(Layer::kPathlines));
   t.ormel.db().Execute("insert into TestPoints (VID,Label) values (?,'TP')", {t.AddVertex(0, 0)});
   t.map.Refresh();
-  EXPECT_TRUE(t.ormel.menus.Enabled("layermenu", kLayerTestPoints));
+  EXPECT_TRUE(t.ormel.layers.Offered(Layer::kTestPoints));
   t.ormel.solution.ValidSolution = true;
   t.Redraw();
-  EXPECT_TRUE(t.ormel.menus.Checked("layermenu", kLayerPathlines)) << "paths are asked for by the settings";
-  EXPECT_TRUE(t.ormel.menus.Checked("PATHLINES", 0));
-  t.ormel.menus.Check("layermenu", kLayerPathlines, false);
+  EXPECT_TRUE(t.ormel.layers.On(Layer::kPathlines)) << "paths are asked for by the settings";
+  EXPECT_TRUE(t.ormel.layers.On(Layer::kPathlines));
+  t.ormel.layers.Switch(Layer::kPathlines, false);
   t.Redraw();
-  EXPECT_FALSE(t.ormel.menus.Checked("PATHLINES", 0)) << "the user's choice stays";
+  EXPECT_FALSE(t.ormel.layers.On(Layer::kPathlines)) << "the user's choice stays";
   t.map.DrawElement(Element::kCapzone, -1, t.AddPolygon("0,0 10,0 0,10"), DrawMode::kNormal);
-  EXPECT_TRUE(t.ormel.menus.Checked("layermenu", kLayerWhpas));
+  EXPECT_TRUE(t.ormel.layers.On(Layer::kCapzones));
 }
 
 TEST(ResultsOverlay, IsChosenByItsCommand) {
@@ -259,6 +260,24 @@ TEST(MapView, AFailureInALayerLeavesTheProgramUsable) {
   t.map.state().basemaps = nullptr;
   t.map.ZoomActions(Zoom::kRedraw);
   EXPECT_EQ(t.surface.pictures, t.surface.finished);
+}
+
+TEST(Zoom, ToExtentsComesBackFromALargeWindow) {
+  MapProject t;
+  t.ormel.db().Execute("delete from Vertices");
+  t.AddWell(10, 20, "A");
+  t.AddWell(60, 70, "B");
+  t.ormel.db().Execute("update Model set UNIFLOWCompute=1");
+  for (int i = 0; i < 6; ++i) t.map.ZoomActions(Zoom::kOut);
+  t.map.ZoomActions(Zoom::kExtents);
+  EXPECT_EQ(t.ormel.window.SolveWindow, (MapRect{10, 60, 70, 20}));
+  EXPECT_TRUE(t.ormel.window.at_extents);
+  t.ormel.db().Execute("delete from Vertices where X>50");
+  t.AddWell(50, 20, "C");  // all on one line: the window still has a height
+  for (int i = 0; i < 6; ++i) t.map.ZoomActions(Zoom::kOut);
+  t.map.ZoomActions(Zoom::kExtents);
+  EXPECT_NEAR(t.ormel.window.SolveWindow.Width(), 40.0, 1e-9);
+  EXPECT_NEAR(t.ormel.window.SolveWindow.y1, 40.0, 1e-9);
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "core/layers.h"
+#include "model/area_runs.h"
 #include "model/wells.h"
 #include "support/test_project.h"
 #include "whpa/delineation.h"
@@ -250,13 +252,32 @@ TEST(Whpa, ABoundaryGivenUpAfterItsFirstClickLeavesNoHalfOfIt) {
 
   // The same kind again keeps the name of its files, and what is stored is shown and can be deleted.
   program.clock.now.month += 1;
-  program.ormel.menus.Check("ShowWHPAs", false);
+  program.ormel.layers.Switch(Layer::kWhpas, false);
   ScriptPathlines(program, DrawWithoutBoundary);
   WHPA(program.ormel, 1);
   EXPECT_EQ(program.Text("select WHPAText from WHPAs"), stem);
-  EXPECT_TRUE(program.ormel.menus.Checked("ShowWHPAs"));
+  EXPECT_TRUE(program.ormel.layers.On(Layer::kWhpas));
   EXPECT_TRUE(program.ormel.menus.Enabled("DeleteWHPA", 2));
   EXPECT_FALSE(program.ormel.menus.Enabled("DeleteWHPA", 3));
+}
+
+TEST(Whpa, TheSecondPointIsComparedWithTheFirstOfTheSameArea) {
+  TestProject program;
+  AddWell(program, "North", 800, {100, 0});
+  for (const char* type : {"2", "3"})
+    program.ormel.db().Execute(
+        std::string("insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,Type,Point1X,"
+                    "Point1Y) values ('North',0,0,0.2,") +
+        type + ",5,5)");
+  program.ormel.StreamWell = kMultipleWells;
+  program.ormel.mouse.LastX = program.ormel.mouse.LastY = 10;
+  ElemAddStreamBoundaryVertex(program.ormel, 1);
+  ElemAddStreamBoundaryVertex(program.ormel, 2);
+  EXPECT_EQ(program.ui.LastTitle(), "Stream Boundary");
+  EXPECT_EQ(program.solver.whpa_runs, 0);
+  program.ormel.mouse.LastX = program.ormel.mouse.LastY = 5;  // where the calculated area's boundary begins
+  ElemAddStreamBoundaryVertex(program.ormel, 2);
+  EXPECT_EQ(program.solver.whpa_runs, 1);
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
 #include "whpa/delineation.h"
+#include "core/settings.h"
+#include "model/area_runs.h"
 
 #include <gtest/gtest.h>
 

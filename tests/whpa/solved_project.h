@@ -15,8 +15,8 @@
 #include "solver/driver.h"
 #include "solver/solver_bridge.h"
 #include "support/test_project.h"
-#include "whpa/outline.h"
 #include "whpa/outline_command.h"
+#include "whpa/rings.h"
 #include "whpa/run.h"
 
 namespace ormel::test {

@@ -120,6 +120,12 @@ TEST_F(OrmelcmdTest, DelineatesEachKindOfSimpleArea) {
       Do({"sql", "town.orm", "--csv", "select WHPAText from WHPAs where Type=2"}).substr(9);
   EXPECT_TRUE(std::filesystem::exists(dir / (stem.substr(0, stem.find('\n')) + ".PTH"))) << stem;
   Do({"whpa", "rerun", "town.orm"});
+  // Another time of travel than the one that is traced needs a word from the user.
+  EXPECT_EQ(with({"0.8", "--time", "5000", "--direction", "180"}).code, 1);
+  const auto agreed_time =
+      with({"0.8", "--time", "5000", "--direction", "180", "--answer", "Time of Travel=Yes"});
+  EXPECT_EQ(agreed_time.code, 0) << agreed_time.err;
+  EXPECT_NE(agreed_time.out.find("traced for 5000 days"), std::string::npos) << agreed_time.out;
 
   // Both kinds of pathlines exclude one another: without an answer nothing changes.
   const std::vector<std::string> multiple{"whpa",      "multiple",    "town.orm",

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <stdexcept>
@@ -101,6 +103,28 @@ TEST_F(ProcessesTest, LeavesNoProgramBehindWhenTheListenerFails) {
                std::runtime_error);
   std::this_thread::sleep_for(milliseconds(700));
   EXPECT_FALSE(std::filesystem::exists(dir / "late"));
+}
+
+TEST_F(ProcessesTest, OneHoldsALockAtATime) {
+  const std::string file = dir / "lock";
+  std::shared_ptr<void> first = processes.Lock(file);
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(PosixProcesses().Lock(file), nullptr);
+  // A program that the holder has started does not hold it.
+  Shell("sleep 0");
+  first.reset();
+  EXPECT_FALSE(std::filesystem::exists(file)) << "nothing of a lock stays";
+  EXPECT_NE(PosixProcesses().Lock(file), nullptr);
+  EXPECT_NE(processes.Lock(dir / "no folder/lock"), nullptr) << "the run itself tells what is amiss there";
+  // The holder's end, whatever it is, frees it.
+  const pid_t child = fork();
+  if (child == 0) {
+    const std::shared_ptr<void> held = PosixProcesses().Lock(file);
+    kill(getpid(), SIGKILL);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_NE(processes.Lock(file), nullptr);
 }
 
 TEST(OwnFolder, IsThatOfTheTestProgram) {

@@ -256,6 +256,62 @@ TEST(Clipping, CutsALineIntoTheRunsThatAreInside) {
   EXPECT_EQ(ClipPolyline(dot, QRectF(0, 0, 10, 10)).size(), 1u);
 }
 
+TEST(PainterDevice, CurvesKeepPlacesBetweenPixels) {
+  // A line that rises by one pixel in forty: rounded to pixels it has one step, between pixels none.
+  const auto grey_at = [](bool fine) {
+    const QImage image = Drawn({60, 20}, 96, [&](DrawingDevice& device) {
+      if (fine)
+        device.FineLine(std::vector<FinePoint>{{10, 10}, {30, 9.5}, {50, 9}}, Pen{});
+      else
+        device.Polyline(std::vector<DevicePoint>{{10, 10}, {30, 10}, {50, 9}}, Pen{});
+    });
+    return qRed(image.pixel(30, 9));
+  };
+  EXPECT_NEAR(grey_at(true), 127, 20) << "half of the line lies in each row";
+  EXPECT_GT(grey_at(false), 220);
+}
+
+TEST(PainterDevice, AreasLetShineThroughAndHalosCoverLines) {
+  const QImage image = Drawn({60, 60}, 96, [](DrawingDevice& device) {
+    device.Polyline(std::vector<DevicePoint>{{0, 30}, {59, 30}}, Pen{});
+    device.Area(std::vector<FinePoint>{{0, 0}, {20, 0}, {20, 60}, {0, 60}}, kRed, 0.2);
+  });
+  EXPECT_EQ(image.pixel(10, 10), qRgb(255, 204, 204));
+  EXPECT_EQ(qBlue(image.pixel(10, 30)), 0) << "the line is still there";
+  EXPECT_EQ(image.pixel(40, 10), qRgb(255, 255, 255));
+
+  const auto ink_of_line = [](bool halo) {
+    const QImage labelled = Drawn({120, 40}, 96, [&](DrawingDevice& device) {
+      for (int y = 0; y < 40; y += 2) device.Polyline(std::vector<DevicePoint>{{0, y}, {119, y}}, Pen{});
+      TextStyle style;
+      style.height = 20;
+      style.halo = halo;
+      style.color = kWhite;  // only the lines leave ink
+      device.Text({10, 28}, "12.5", style);
+    });
+    long ink = 0;
+    for (int y = 0; y < 40; ++y)
+      for (int x = 0; x < 120; ++x) ink += 255 - qRed(labelled.pixel(x, y));
+    return ink;
+  };
+  EXPECT_LT(ink_of_line(true), ink_of_line(false) * 95 / 100);
+}
+
+TEST(PainterDevice, AKeptPictureComesBackPixelForPixel) {
+  std::shared_ptr<const KeptPicture> kept;
+  const QImage first = Drawn({50, 40}, 96, [&](DrawingDevice& device) {
+    device.Polyline(std::vector<DevicePoint>{{0, 0}, {49, 39}}, Pen{});
+    kept = device.Keep();
+  });
+  ASSERT_NE(kept, nullptr);
+  const QImage second = Drawn({50, 40}, 96, [&](DrawingDevice& device) {
+    device.Circle({20, 20}, 10, Pen{}, kRed);
+    EXPECT_TRUE(device.Put(*kept));
+  });
+  EXPECT_EQ(first, second);
+  Drawn({51, 40}, 96, [&](DrawingDevice& device) { EXPECT_FALSE(device.Put(*kept)) << "another size"; });
+}
+
 }  // namespace
 }  // namespace ormel
 

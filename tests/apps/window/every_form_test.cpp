@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "analysis/calibration_form.h"
+#include "analysis/report_form.h"
 #include "model/barriers.h"
 #include "model/delete.h"
 #include "model/inhomogeneities.h"
@@ -85,6 +87,8 @@ Forms AllForms(Ormel& ormel) {
   Add<INInfo>(forms, ormel);
   Add<PrintSetup>(forms, ormel, MapExtras{}, true);
   Add<SaveMap>(forms, ormel, MapExtras{}, 1600, 96);
+  Add<CalibrationStats>(forms, ormel, CalibrationData{});
+  Add<ReportForm>(forms, ormel, "the model has not been solved");
   return forms;
 }
 

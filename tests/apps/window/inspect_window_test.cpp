@@ -5,7 +5,7 @@
 
 #include "ormel/form_dialog.h"
 #include "ormel/table_view.h"
-#include "solver/deck_sections.h"
+#include "solver/result_rows.h"
 #include "window/window_fixture.h"
 
 namespace ormel::test {
@@ -65,7 +65,7 @@ TEST_F(InspectWindowTest, AnswersAtOnceWithManyRows) {
   constexpr int kRows = 50'000;
   {
     Transaction all(program->ormel.db());
-    ResultRows rows(program->ormel.db(), true);
+    ResultRows rows(program->ormel.db());
     for (int i = 0; i < kRows; ++i)
       rows.Linesink("River " + std::to_string(i), "LS_" + std::to_string(i), {i * 0.5, 0}, {0, 0}, i % 977);
   }

@@ -2,6 +2,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -50,6 +51,10 @@ class WhpaWindowTest : public WindowTest {
     processes.on_run = [this](const ProcessRequest& request, const auto& line, const auto& cancelled) {
       return real_.Run(request, line, cancelled);
     };
+  }
+
+  static std::function<void(QDialog&)> AnswerBox(QMessageBox::StandardButton button) {
+    return [button](QDialog& dialog) { qobject_cast<QMessageBox*>(&dialog)->button(button)->click(); };
   }
 
   /// Does something with the modal dialog of this title, once it is in front.
@@ -109,6 +114,8 @@ TEST_F(WhpaWindowTest, ACalculatedAreaWithAStreamLeadsFromItsDialogsOverTwoClick
   EXPECT_EQ(program->ormel.mouse.MouseElement, Element::kStreamBoundary);
   EXPECT_FALSE(FileExists(RunFile(".PTH")));
   Click({150, 100});
+  OnDialog("Time of Travel", AnswerBox(QMessageBox::Yes));
+  OnDialog("Pathlines Cut", AnswerBox(QMessageBox::No));
   Click({150, 700});
   Settle(100);
   EXPECT_TRUE(FileExists(RunFile(".PTH")));
@@ -128,6 +135,7 @@ TEST_F(WhpaWindowTest, MultipleWellsAreTracedAtOnceWithoutAStream) {
     Enter(dialog);
   });
   OnDialog("Stream Boundary", [](QDialog& dialog) { Enter(dialog); });
+  OnDialog("Pathlines Cut", AnswerBox(QMessageBox::No));
   ASSERT_NE(Item("WHPA", 2), nullptr);
   Item("WHPA", 2)->trigger();
   Settle(100);
@@ -138,7 +146,7 @@ TEST_F(WhpaWindowTest, MultipleWellsAreTracedAtOnceWithoutAStream) {
 TEST_F(WhpaWindowTest, AnOutlineIsTracedFromTheSolvedModel) {
   Start(town);
   program->ormel.db().Execute(
-      "update Model set AQThickness='20', AQHydCond=15, SOLVERIterations=2, ViewErrorLog=0, "
+      "update Model set AQBase=-50, AQThickness='20', AQHydCond=15, SOLVERIterations=2, ViewErrorLog=0, "
       "ViewMessageLog=0");
   ASSERT_NE(Item("MODEL_CMDS", 2), nullptr);
   Item("MODEL_CMDS", 2)->trigger();
@@ -160,9 +168,7 @@ TEST_F(WhpaWindowTest, AnOutlineIsTracedFromTheSolvedModel) {
 
 TEST_F(WhpaWindowTest, UniformFlowIsWarnedOfPlacedByAClickAndRemoved) {
   Start(town);
-  const auto answer = [](QMessageBox::StandardButton button) {
-    return [button](QDialog& dialog) { qobject_cast<QMessageBox*>(&dialog)->button(button)->click(); };
-  };
+  const auto answer = AnswerBox;
   ASSERT_NE(Item("ELEM_CMDS", 3), nullptr);
   OnDialog("Warning - Uniform Flow", answer(QMessageBox::Yes));
   Item("ELEM_CMDS", 3)->trigger();

@@ -1,0 +1,26 @@
+// The files of the outside programs' runs, which lie in the project's model folder (`OrmelBasePath`).
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace ormel {
+
+struct Ormel;
+
+/// Full path of a file in the model folder.  A file that stands there under the same name in other capitals
+/// is the one meant.
+std::string ModelFile(const Ormel& ormel, std::string_view name);
+/// Full path of `<stem><extension>` in the model folder, e.g. ".XTR".
+std::string StemFile(const Ormel& ormel, std::string_view extension);
+/// Deletes the file when it is there; a failure is no error.
+void DeleteTolerantly(const std::string& path);
+
+/// `wanted` as a stem of which no run's files lie in the folder, with a number behind it where they do.
+std::string FreeStem(const std::string& folder, std::string_view wanted);
+
+/// Deletes the files of the run of that stem; nothing for an empty stem and for "NONE", which names none.  A
+/// file that is missing is no error.
+void RemoveRunFiles(const Ormel& ormel, std::string_view stem);
+
+}  // namespace ormel
