@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "aem/equations.h"
-#include "aem/influence.h"
-#include "aem/strings.h"
+#include "aem/influence/influence.h"
+#include "aem/system/equations.h"
+#include "aem/system/strings.h"
 
 namespace aem::detail {
 
@@ -76,7 +76,7 @@ double HeadRangeAtControls(const System& s, const std::vector<double>& field,
   double low = 1e300, high = -1e300;
   for (std::size_t q = 0; q < s.controls.size(); ++q) {
     const Control& c = s.controls[q];
-    if (KindOf(c.condition) != FieldKind::kPotential) continue;
+    if (!TellsHead(c.condition)) continue;
     const bool both = c.condition == Condition::kEdge || c.condition == Condition::kWallHead;
     const double head = c.zone.Head(both ? field[q] + 0.5 * strength[q] : field[q]);
     low = std::min(low, head);

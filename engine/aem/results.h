@@ -118,11 +118,16 @@ struct WallResult {
   std::vector<WallVertexResult> vertices;
 };
 
-/// An error and the element that has it.
+/// An error, and the element and the place that have it.
 struct WorstError {
   double value = 0.0;
   std::string label;
+  Complex at{};
 };
+
+/// Beyond these a solution is no solution: mean error of head along a whole segment or edge by the range of
+/// heads, and mean flow through a wall that it should not let by, beside the undisturbed flow along it.
+inline constexpr double kFailedHead = 0.05, kFailedLeakage = 0.5;
 
 /// Errors at points that were no control points, and what they are measured by.
 struct Checks {
@@ -133,6 +138,10 @@ struct Checks {
   /// beyond what the wall lets through [L2/d].
   WorstError wall_leakage;
   double undisturbed_flow = 0.0;  ///< mean flow per length along that wall without walls and domains [L2/d]
+  /// Means over whole segments, edges and walls, which kFailedHead and kFailedLeakage are for: errors beside
+  /// a crossing of strings of unlike heads, or at a corner, hardly count in them.
+  WorstError line_sink_mean, domain_mean;  ///< [L]
+  WorstError wall_mean;                    ///< by that wall's undisturbed flow [-]
 };
 
 /// Flows of the whole model [L3/d], positive where water leaves the aquifer.  Transient wells live on

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "aem/answers.h"
-#include "aem/system.h"
+#include "aem/field/answers.h"
+#include "aem/system/system.h"
 
 namespace aem {
 

@@ -2,9 +2,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "aem/equations.h"
-#include "aem/influence.h"
-#include "aem/system.h"
+#include "aem/influence/influence.h"
+#include "aem/system/equations.h"
+#include "aem/system/ignored.h"
+#include "aem/system/system.h"
 
 namespace aem::detail {
 
@@ -12,11 +13,15 @@ namespace {
 
 constexpr double kHeadTolerance = 1e-9;  ///< change of head, relative to the range, that ends the iteration
 
+/// Of an edge on its thicker side; where that is dry its base, since there is no head there that could
+/// settle.
 double HeadAt(const Control& c, double field, double strength) {
-  if (KindOf(c.condition) != FieldKind::kPotential) return kNotSet;
-  return c.condition == Condition::kEdge || c.condition == Condition::kWallHead
-             ? c.zone.Head(field + 0.5 * strength)
-             : c.zone.Head(field);
+  if (!TellsHead(c.condition)) return kNotSet;
+  if (c.condition != Condition::kEdge && c.condition != Condition::kWallHead)
+    return std::max(c.zone.Head(field), c.zone.base);
+  const bool left = c.zone.base <= c.right.base;
+  const Zone& zone = left ? c.zone : c.right;
+  return std::max(zone.Head(field + (left ? 0.5 : -0.5) * strength), zone.base);
 }
 
 /// Largest change of head at the control points, and the range of heads there.
@@ -38,7 +43,7 @@ struct Change {
 void StartValues(const System& s, std::vector<double>* field, std::vector<double>* strength) {
   for (std::size_t q = 0; q < s.controls.size(); ++q) {
     const Control& c = s.controls[q];
-    if (KindOf(c.condition) != FieldKind::kPotential) continue;
+    if (!TellsHead(c.condition)) continue;
     const bool given = c.condition == Condition::kHead || c.condition == Condition::kResistance ||
                        c.condition == Condition::kScreen;
     double head = given ? c.head : s.model.aquifer.reference_head;
@@ -144,6 +149,12 @@ class Iteration {
     if (good) GoOn();
     // Where conditions depend on the head, its last shape may ask for more than the first did.
     if (good && began && depends_ && report_.converged && Raise() && Begin() && Step()) GoOn();
+    if (report_.iterations > 0 && !report_.cancelled && !s_.refused) {
+      const std::size_t before = s_.findings.size();
+      CheckIdle(s_);
+      report_.findings.insert(report_.findings.end(), s_.findings.begin() + std::ptrdiff_t(before),
+                              s_.findings.end());
+    }
     s_.converged = report_.converged;
     if (!report_.converged && !report_.cancelled && !s_.refused && report_.iterations > 0)
       Tell(Severity::kWarning,
@@ -201,11 +212,10 @@ class Iteration {
       change.Add(s_.controls[q], values[q], strengths[q], values_[q], strengths_[q]);
     s_.x = std::move(next);
     s_.SetCoefficients();
-    values_.swap(values);
-    strengths_.swap(strengths);
+    Follow(change.largest, &values, &strengths);
     const std::vector<double> carried_before = s_.carried;
     const int switched =
-        s_.SwitchStates(values_, report_.iterations > asked_ + s_.options.extra_iterations / 2);
+        s_.SwitchStates(values, report_.iterations > asked_ + s_.options.extra_iterations / 2);
     ++report_.iterations;
     ++s_.iterations_done;
     report_.change = change.largest;
@@ -228,9 +238,37 @@ class Iteration {
     return !s_.refused;
   }
 
+  /// Where the next iteration is linearised: at what was solved, or half way there where heads swing.
+  void Follow(double change, std::vector<double>* values, std::vector<double>* strengths) {
+    constexpr int kPatience = 4;
+    swings_ = change > 0.7 * report_.change ? swings_ + 1 : 0;
+    if (report_.iterations == 0 || swings_ < kPatience) {
+      values_ = *values;
+      strengths_ = *strengths;
+      return;
+    }
+    for (std::size_t q = 0; q < values_.size(); ++q) {
+      values_[q] = 0.5 * (values_[q] + (*values)[q]);
+      strengths_[q] = 0.5 * (strengths_[q] + (*strengths)[q]);
+    }
+  }
+
+  /// Beyond the iterations allowed it goes on as long as every dozen of them gains.
   void GoOn() {
+    constexpr int kLook = 12, kMost = 600;
     const int limit = depends_ ? asked_ + s_.options.extra_iterations : 1;
-    while (report_.iterations < limit && !report_.converged && Step()) {
+    const bool may_go_on = depends_ && s_.options.extra_iterations > 0;
+    std::vector<double> changes;
+    const auto gains = [&] {
+      if (changes.size() < 2 * kLook) return true;
+      const auto middle = changes.end() - kLook;
+      return *std::min_element(middle, changes.end()) < 0.7 * *std::min_element(middle - kLook, middle);
+    };
+    while (!report_.converged) {
+      const bool beyond = report_.iterations >= limit;
+      if (beyond && !(may_go_on && report_.iterations < kMost && gains())) return;
+      if (!Step()) return;
+      changes.push_back(report_.change);
     }
   }
 
@@ -241,6 +279,7 @@ class Iteration {
   bool depends_ = false;
   bool nothing_new_ = false;  ///< raising orders has come to its end
   int round_ = 1;             ///< of raising orders
+  int swings_ = 0;            ///< iterations one after another that changed heads about as much as before
   double tolerance_ = kFine;  ///< of iterative linear solutions
   std::unique_ptr<LinearSolver> solver_;
   std::vector<Linearised> linear_;

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <complex>
 
-#include "aem/geometry.h"
+#include "aem/kernel/geometry.h"
 
 namespace aem::detail {
 namespace {

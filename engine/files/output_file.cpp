@@ -13,6 +13,16 @@ namespace {
 
 constexpr std::size_t kBufferSize = 1 << 18;
 
+/// Path of the temporary file that is open; a signal handler may read it at any time.
+char open_path[4096] = "";
+
+void Remember(const std::string& path) {
+  open_path[0] = 0;
+  if (path.size() >= sizeof open_path) return;
+  std::memcpy(open_path + 1, path.c_str() + 1, path.size());
+  open_path[0] = path[0];
+}
+
 std::string Sentence(const std::string& file, const std::string& what_happened, int error_number) {
   std::string text = fmt::format("The file \"{}\" {}", file, what_happened);
   if (error_number != 0) text += fmt::format(": {}", std::strerror(error_number));
@@ -31,11 +41,17 @@ OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
   temporary_ = fmt::format("{}.{}.tmp", path_, ::getpid());
   descriptor_ = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
   if (descriptor_ < 0) throw FileError(path_, "cannot be written", errno);
+  Remember(temporary_);
 }
 
 OutputFile::~OutputFile() {
   if (descriptor_ >= 0) ::close(descriptor_);
   if (!temporary_.empty()) ::unlink(temporary_.c_str());
+  open_path[0] = 0;
+}
+
+void RemoveOpenFile() noexcept {
+  if (open_path[0] != 0) ::unlink(open_path);
 }
 
 void OutputFile::Write(std::string_view text) {

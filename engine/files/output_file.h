@@ -44,6 +44,10 @@ class OutputFile {
   int descriptor_ = -1;
 };
 
+/// Removes the temporary file that was opened last and is not closed yet.  For a signal handler that ends the
+/// program.
+void RemoveOpenFile() noexcept;
+
 /// One text in one step.
 void WriteWholeFile(const std::string& path, std::string_view text);
 

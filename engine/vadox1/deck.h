@@ -64,7 +64,7 @@ struct ExtractCommand {
 struct GridCommand {
   std::string file;
   aem::Window window;  ///< not set: that of the layout
-  int columns = 40;
+  int columns = 40;    ///< below 2: no grid is made
 };
 
 /// One particle at a point, or several around the rim of the well that stands there.
@@ -85,8 +85,8 @@ struct BoundaryLine {
 };
 struct TraceCommand {
   std::string file;
-  double time = 0.0;           ///< longest travel time
-  std::optional<double> step;  ///< without: a part of the window's diagonal
+  double time = 0.0;           ///< longest travel time; 0: no path is traced
+  std::optional<double> step;  ///< without, or 0: a part of the window's diagonal
   std::vector<PointStart> points;
   std::vector<WellStart> wells;
   std::vector<BoundaryLine> boundaries;

@@ -107,24 +107,39 @@ std::vector<aem::Finding> ChecksFindings(const aem::Checks& checks) {
     const char* what;
     const char* of;
     const char* remedy;
+    const aem::WorstError& mean;  ///< beside which `fails` of the measure makes the solution worthless
+    double fails;
   } rows[] = {
       {checks.line_sink_head, checks.head_range,
        "The head along this line-sink is off by up to {:.3G}, which is {:.2G} percent of the range of {}. {}",
-       "heads in the model", "Give the string more vertices there, and one head where strings meet."},
+       "heads in the model", "Give the string more vertices there, and one head where strings meet.",
+       checks.line_sink_mean, aem::kFailedHead * checks.head_range},
       {checks.domain_head_jump, checks.head_range,
        "The heads on both sides of this domain's edge differ by up to {:.3G}, which is {:.2G} percent of the "
        "range of {}. {}",
-       "heads in the model", "Give its ring more vertices where it bends or comes near to another element."},
+       "heads in the model", "Give its ring more vertices where it bends or comes near to another element.",
+       checks.domain_mean, aem::kFailedHead * checks.head_range},
       {checks.wall_leakage, checks.undisturbed_flow,
        "This wall lets up to {:.3G} per length through beyond what it should, which is {:.2G} percent of {}. "
        "{}",
-       "the flow without it", "Give it more vertices where it bends or comes near to another element."}};
+       "the flow without it", "Give it more vertices where it bends or comes near to another element.",
+       checks.wall_mean, aem::kFailedLeakage}};
   std::vector<aem::Finding> findings;
   for (const auto& row : rows) {
     if (row.worst.value <= std::max(kShare * row.measure, kNothing)) continue;
     const double percent = 100.0 * row.worst.value / std::max(row.measure, 1e-300);
-    findings.push_back({aem::Severity::kWarning, row.worst.label, 0,
-                        fmt::format(fmt::runtime(row.what), row.worst.value, percent, row.of, row.remedy)});
+    findings.push_back(
+        {aem::Severity::kWarning, row.worst.label, 0,
+         fmt::format(fmt::runtime(row.what), row.worst.value, percent, row.of, row.remedy) +
+             fmt::format(" The place is {:.8g}, {:.8g}.", row.worst.at.real(), row.worst.at.imag())});
+  }
+  for (const auto& row : rows) {
+    if (row.mean.value <= std::max(row.fails, kNothing)) continue;
+    findings.push_back(
+        {aem::Severity::kFatal, row.mean.label, 0,
+         fmt::format("The solution has failed: its conditions do not hold along this element near {:.8g}, "
+                     "{:.8g}, and no result can be trusted. {}",
+                     row.mean.at.real(), row.mean.at.imag(), row.remedy)});
   }
   return findings;
 }

@@ -192,6 +192,7 @@ class Parser {
   bool grid_ready_ = false;
   TraceCommand trace_;
   bool trace_pending_ = false;  ///< particles wait for "go"
+  bool trace_timed_ = false;    ///< "time" has stood in the block
   ZonesCommand zones_;
 };
 

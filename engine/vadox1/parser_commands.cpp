@@ -119,7 +119,7 @@ void Parser::GridWindow() {
 
 void Parser::HorizontalPoints() {
   grid_.columns = Whole(1);
-  if (grid_.columns < 2) throw UnusableLine{"A grid needs 2 horizontal points at least"};
+  if (grid_.columns < 0) throw UnusableLine{"The number of horizontal points must not be below zero"};
 }
 
 void Parser::Go() {
@@ -136,7 +136,7 @@ void Parser::SurferFile() {
 
 void Parser::TraceBlock() {
   trace_ = {};
-  trace_pending_ = false;
+  trace_pending_ = trace_timed_ = false;
   Enter(Level::kTrace);
 }
 
@@ -146,12 +146,13 @@ void Parser::TraceFile() {
 
 void Parser::TraceTime() {
   trace_.time = Number(1);
-  if (!(trace_.time > 0.0)) throw UnusableLine{"The longest travel time must be greater than zero"};
+  if (!(trace_.time >= 0.0)) throw UnusableLine{"The longest travel time must not be below zero"};
+  trace_timed_ = true;
 }
 
 void Parser::TraceStep() {
   trace_.step = Number(1);
-  if (!(*trace_.step > 0.0)) throw UnusableLine{"The step must be greater than zero"};
+  if (!(*trace_.step >= 0.0)) throw UnusableLine{"The step must not be below zero"};
 }
 
 void Parser::AddPoint() {
@@ -191,7 +192,7 @@ void Parser::Boundary() {
 
 void Parser::RunTrace() {
   if (trace_.file.empty()) throw UnusableLine{"\"file\" must stand before the paths are traced"};
-  if (!(trace_.time > 0.0)) throw UnusableLine{"\"time\" must stand before the paths are traced"};
+  if (!trace_timed_) throw UnusableLine{"\"time\" must stand before the paths are traced"};
   Add(trace_);
   trace_pending_ = false;
 }

@@ -1,5 +1,6 @@
 #include "vadox1/run.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -128,6 +129,14 @@ std::string RunAndExplain(const std::string& file, Logs& logs, int& status) {
 }
 
 }  // namespace
+
+void EndAtOnce() noexcept {
+  constexpr std::string_view kWords = "The run was interrupted before it was finished. Start it again.\r\n";
+  files::RemoveOpenFile();
+  const int file = ::open(kFatalFile, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (file >= 0 && ::write(file, kWords.data(), kWords.size()) >= 0) ::close(file);
+  ::_exit(kInterrupted);
+}
 
 int RunSolver(const std::vector<std::string>& arguments) {
   ::unlink(kFatalFile);

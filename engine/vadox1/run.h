@@ -11,6 +11,9 @@ namespace vadox1 {
 /// files.
 extern std::atomic<bool> interrupted;
 
+/// For a signal handler: ends a run that has not come to a chance to end by itself, without half files.
+[[noreturn]] void EndAtOnce() noexcept;
+
 enum ExitStatus {
   kClean = 0,
   kFatal = 1,        ///< VADOX.OPS says why

@@ -154,7 +154,12 @@ void Session::ReportSolve(const aem::IterationReport& report) {
                   report.change, report.residual));
   const aem::Checks checks = solution_->Check();
   logs_.Message(ChecksText(checks));
-  for (const aem::Finding& finding : ChecksFindings(checks)) logs_.Report(finding, false);
+  std::string failed;
+  for (const aem::Finding& finding : ChecksFindings(checks)) {
+    logs_.Report(finding, false);
+    if (finding.severity == aem::Severity::kFatal) failed += FindingText(finding, false) + "\n";
+  }
+  if (!failed.empty()) throw Fatal(failed, true);
   files::WriteWholeFile(deck_name_ + ".OUT", ListingText(*solution_, checks, deck_.origin));
 }
 
@@ -210,6 +215,12 @@ void Session::Do(const ExtractCommand& command) {
 
 void Session::Do(const GridCommand& command) {
   const aem::Solution& solution = Solved();
+  if (command.columns < 2) {
+    // What an earlier run left must not pass as this one's.
+    std::remove(command.file.c_str());
+    logs_.Message(fmt::format("Note: a grid of {} columns is none: no heads were gridded.", command.columns));
+    return;
+  }
   const GridShape shape = ShapeGrid(WindowOr(command.window, "grid"), command.columns);
   if (shape.rows == 0) {
     throw Fatal(

@@ -31,7 +31,10 @@ constexpr double kTop = 1e30;  ///< an elevation above every water table
 
 double StepOf(const TraceCommand& command, const aem::Window& window, Logs& logs) {
   const double diagonal = std::hypot(window.right - window.left, window.top - window.bottom);
-  const double step = command.step.value_or(kDefaultStep * diagonal);
+  const double standard = kDefaultStep * diagonal;
+  if (command.step == 0.0)
+    logs.Message(fmt::format("Note: the tracing step is 0: the standard one, {:.6g}, was used.", standard));
+  const double step = command.step.value_or(0.0) == 0.0 ? standard : *command.step;
   if (step >= kLeastStep * diagonal) return step;
   logs.Error(fmt::format("The tracing step {:.6g} is too small for the window; {:.6g} was used instead.",
                          step, kLeastStep * diagonal));
@@ -105,6 +108,11 @@ Session::Starts Session::CollectStarts(const TraceCommand& command) {
 
 void Session::Do(const TraceCommand& command) {
   const aem::Solution& solution = Solved();
+  if (command.time == 0.0) {
+    files::WriteWholeFile(command.file, PathText({}));
+    logs_.Message("Note: the longest travel time is 0: no paths were traced.");
+    return;
+  }
   const aem::Window window = WindowOr({}, "trace");
   Starts starts = CollectStarts(command);
   aem::TraceOptions options;

@@ -1,5 +1,5 @@
 // Segments found by place.
-#include "aem/geometry.h"
+#include "aem/kernel/geometry.h"
 
 #include <gtest/gtest.h>
 

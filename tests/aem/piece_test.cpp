@@ -1,5 +1,5 @@
 // Line elements against direct quadrature, and near against far.
-#include "aem/piece.h"
+#include "aem/kernel/piece.h"
 
 #include <gtest/gtest.h>
 
