@@ -10,6 +10,8 @@
 
 namespace ormel {
 
+class Database;
+
 namespace schema {
 
 inline constexpr int kProjectVersion = 208;
@@ -53,6 +55,8 @@ const Field* FindField(const Table& table, std::string_view name);
 std::string TypeName(const Field& field);
 /// The field as CREATE TABLE and ALTER TABLE ADD COLUMN take it, with the rules that hold for its contents.
 std::string FieldDeclaration(const Table& table, const Field& field);
+/// Makes the table, with its indexes, in a project of an older version that has none.
+void EnsureTable(Database& database, std::string_view table);
 std::string CreateTableSql(const Table& table);
 /// All indexes of the table, as "create index" statements.
 std::vector<std::string> CreateIndexSql(const Table& table);

@@ -4,6 +4,9 @@
 
 #include "store/connection.h"
 #include "store/schema.h"
+
+#include "store/connection.h"
+#include "store/database.h"
 #include "text/strings.h"
 
 namespace ormel::schema {
@@ -110,6 +113,14 @@ std::string FieldDeclaration(const Table& table, const Field& field) {
   if (field.required) out += " NOT NULL";
   if (field.has_default) out += " DEFAULT " + DefaultSql(field);
   return out + Check(table, field);
+}
+
+void EnsureTable(Database& database, std::string_view table) {
+  if (database.HasTable(table)) return;
+  const Table& wanted = *FindTable(table);
+  database.connection()->Exec(CreateTableSql(wanted).c_str());
+  for (const std::string& index : CreateIndexSql(wanted)) database.connection()->Exec(index.c_str());
+  database.connection()->ForgetTables();
 }
 
 std::string CreateTableSql(const Table& table) {

@@ -33,14 +33,6 @@ std::string MadeText(const Ormel& ormel) {
          two(now.minute);
 }
 
-/// A project of an older version gets the table with its first zone.
-void EnsureTable(Database& db) {
-  if (db.HasTable("Zones")) return;
-  const schema::Table& table = *schema::FindTable("Zones");
-  db.Execute(schema::CreateTableSql(table));
-  for (const std::string& index : schema::CreateIndexSql(table)) db.Execute(index);
-}
-
 void DeleteZone(Ormel& ormel, const std::string& label) {
   std::vector<Pid> old;
   {
@@ -74,7 +66,7 @@ std::string ZoneLabel(const std::string& name, double years, std::size_t part) {
 void StoreZone(Ormel& ormel, const ZoneOwner& owner, const WellOutlines& well, const ZoneOutline& zone,
                double tolerance) {
   Database& db = ormel.db();
-  EnsureTable(db);
+  schema::EnsureTable(db, "Zones");
   const double years = zone.time / kDaysPerYear;
   DeleteHoles(ormel, owner.zone_name, years);
   for (std::size_t part = 0; part < zone.rings.size(); ++part) {

@@ -39,6 +39,7 @@ double IsochroneError(double x, double y, double t) {
 TEST(CaptureZone, OfOneWellAgreesWithTheIsochroneOfUniformFlow) {
   SolvedProject program;
   program.AddWell("O'Hara's", {501000, 201000});
+  program.ormel.db().Execute("drop table Zones");  // a project of an older version
   ModelRunVadox(program.ormel, {});
   ASSERT_TRUE(program.ormel.solution.ValidSolution) << program.ui.LastText();
   program.ui.OnForm("OutlineCaptureZone", [](Form& form) {
