@@ -321,11 +321,8 @@ Rings RingsOf(const Fan& fan, const Source& source, double time, double toleranc
   all = drawing.Round(drawing.Simplify(all, kSimplify * tolerance * width), kWritten * width);
   const GEOSGeometry* main = nullptr;
   for (const GEOSGeometry* polygon : drawing.Polygons(all)) {
-    if (drawing.Holds(polygon, source.at)) {
-      main = polygon;
-    } else {
-      rings.elsewhere += drawing.Area(polygon);
-    }
+    // Ground that does not hang together with the well's is left out, and missed by the balance.
+    if (drawing.Holds(polygon, source.at)) main = polygon;
   }
   if (main == nullptr) {
     rings.failure = "The outline does not hold the well.";

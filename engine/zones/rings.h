@@ -12,7 +12,6 @@ struct Rings {
   std::vector<Complex> outer;               ///< counter-clockwise
   std::vector<std::vector<Complex>> holes;  ///< clockwise
   double area = 0.0;                        ///< of the outer ring less the holes
-  double elsewhere = 0.0;                   ///< area of ground that does not hang together with the well
   std::string failure;                      ///< a sentence; empty when all is well
 };
 

@@ -13,6 +13,8 @@ namespace {
 
 /// Of a zone's water, over which it is no zone at all; right ones stay below 0.007.
 constexpr double kMostImbalance = 0.05;
+/// By which the flow across the rim may miss the well's discharge: else something stands within the rim.
+constexpr double kRimError = 0.01;
 
 /// Places that a zone never closes over: wells but its own.
 std::vector<Complex> OtherWells(const PlanField& field, const Source& source) {
@@ -37,6 +39,10 @@ WellZones OutlineWell(const PlanField& field, const Source& source, std::span<co
   for (const Track& track : fan.tracks()) ++result.ends[track.end()];
   if (fan.Unresolved() > 0) {
     result.failure = "Its paths could not be told apart within the tolerance.";
+    return result;
+  }
+  if (!(std::fabs(fan.RimFlow() - 1.0) <= kRimError)) {
+    result.failure = "What flows to it is not what it takes: another element stands within its radius.";
     return result;
   }
   const std::vector<Complex> others = OtherWells(field, source);

@@ -30,8 +30,10 @@ std::string FaultOf(const WellOutlines& well, const ZoneOutline& zone, const Gro
   if (!ground.Holds(well.at)) return "its outline does not hold the well.  Look at the pathlines around it.";
   if (!Consistent(well, zone) || std::fabs(ground.Area() - zone.area) > 1e-4 * zone.area)
     return "its numbers do not agree with one another.  Outline it again.";
-  if (!(std::fabs(zone.balance) <= kZoneError))
-    return "its volume is off by " + Percent(std::fabs(zone.balance)) +
+  // Water that was not followed has no ground within the outline.
+  const double missing = std::fabs(zone.balance) + std::fabs(zone.left_out) / zone.pumped;
+  if (!(missing <= kZoneError))
+    return "its volume is off by " + Percent(missing) +
            " of the water that the well takes.  Outline it again with a smaller tolerance; look for elements "
            "that lie close to one another within it.";
   return {};
