@@ -7,10 +7,11 @@
 
 #include "core/ormel.h"
 #include "core/table.h"
+#include "core/table_file.h"
 #include "core/user_interface.h"
+#include "model/geometry.h"
 #include "store/bulk.h"
 #include "store/database.h"
-#include "core/table_file.h"
 
 namespace ormel {
 namespace {
@@ -18,9 +19,10 @@ namespace {
 constexpr std::array kControls{
     ControlSpec{.name = "lblExplanation",
                 .kind = ControlKind::kNote,
-                .caption = "Shares tell where the water came from that the well takes in the time: it stood in the "
-                           "aquifer, or recharge, streams or the ground beyond an edge brought it.  The balance "
-                           "is what these miss of it; a zone that misses more than 1 percent is not stored."},
+                .caption =
+                    "Shares tell where the water came from that the well takes in the time: it stood in the "
+                    "aquifer, or recharge, streams or the ground beyond an edge brought it.  The balance "
+                    "is what these miss of it; a zone that misses more than 1 percent is not stored."},
     ControlSpec{.name = "grid", .kind = ControlKind::kTable}, kCopyButton, kExportButton,
     ControlSpec{
         .name = "Close", .kind = ControlKind::kButton, .caption = "Close", .role = ButtonRole::kReject}};
@@ -42,26 +44,15 @@ std::vector<TableColumn> Columns(bool metres) {
           {.name = "Ends", .caption = "Ends of paths", .number = false}};
 }
 
-/// Signed areas of all capture zone polygons, in square map units.
+/// Areas of all capture zone polygons, in square map units.
 std::map<std::int64_t, double> Areas(Database& db) {
   std::map<std::int64_t, double> areas;
   RowReader rows(db,
                  "select Vertices.PID,X,Y from Vertices inner join Capzones on Capzones.PID=Vertices.PID "
                  "order by Vertices.PID,Seq");
-  std::int64_t pid = -1;
-  double x0 = 0.0, y0 = 0.0, x = 0.0, y = 0.0;
-  while (rows.Next()) {
-    if (rows.Long(0) != pid) {
-      pid = rows.Long(0);
-      x0 = x = rows.Double(1);
-      y0 = y = rows.Double(2);
-      continue;
-    }
-    // Relative to the first vertex, to which the ring returns.
-    areas[pid] += 0.5 * ((x - x0) * (rows.Double(2) - y0) - (rows.Double(1) - x0) * (y - y0));
-    x = rows.Double(1);
-    y = rows.Double(2);
-  }
+  std::map<std::int64_t, std::vector<MapPoint>> rings;
+  while (rows.Next()) rings[rows.Long(0)].push_back({rows.Double(1), rows.Double(2)});
+  for (const auto& [pid, ring] : rings) areas[pid] = PolygonArea(ring, ring.front());
   return areas;
 }
 
@@ -74,33 +65,38 @@ std::shared_ptr<Table> ReadZoneTable(Database& db, bool metres) {
   auto table = std::make_shared<Table>(Columns(metres));
   const std::map<std::int64_t, double> areas = Areas(db);
   const bool known = db.HasTable("Zones");
-  RowReader rows(db, known ? "select Capzones.Label,Capzones.PID,Zones.Well,Years,Area,Pumped,Pores,Recharge,"
-                             "Surface,Edge,Balance,Tolerance,Ends,Made,Shared from Capzones left join Zones on "
-                             "Zones.PID=Capzones.PID order by Capzones.Label"
-                           : "select Label,PID,null,null,null,null,null,null,null,null,null,null,null,null,null "
-                             "from Capzones order by Label");
+  RowReader rows(db,
+                 known ? "select Capzones.Label,Capzones.PID,Zones.Well,Years,Area,Pumped,Pores,Recharge,"
+                         "Surface,Edge,Balance,Tolerance,Ends,Made,Shared from Capzones left join Zones on "
+                         "Zones.PID=Capzones.PID order by Capzones.Label"
+                       : "select Label,PID,null,null,null,null,null,null,null,null,null,null,null,null,null "
+                         "from Capzones order by Label");
   while (rows.Next()) {
     const auto found = areas.find(rows.Long(1));
     const double area = found == areas.end() ? 0.0 : found->second;
     if (rows.IsNull(2)) {
-      table->AddRow({rows.Get(0), Value(), Value(), std::fabs(area) / unit, Value(), Value(), Value(), Value(),
-                     Value(), Value(), "drawn by hand"});
+      table->AddRow({rows.Get(0), Value(), Value(), area / unit, Value(), Value(), Value(), Value(), Value(),
+                     Value(), "drawn by hand"});
       continue;
     }
     const double pumped = rows.Double(5);
-    const auto percent = [&](int column) { return pumped > 0.0 ? 100.0 * rows.Double(column) / pumped : 0.0; };
-    const bool changed = std::fabs(area - rows.Double(4)) > 1e-6 * std::fabs(rows.Double(4));
+    const auto percent = [&](int column) {
+      return pumped > 0.0 ? 100.0 * rows.Double(column) / pumped : 0.0;
+    };
+    const double stored = std::fabs(rows.Double(4));  // holes are stored with a negative one
+    const bool changed = std::fabs(area - stored) > 1e-6 * stored;
     const char* state = changed                 ? "changed by hand"
                         : rows.Double(14) > 0.0 ? "checked; part of it beneath streams"
                                                 : "checked";
-    table->AddRow({rows.Get(0), rows.Get(2), rows.Double(3), std::fabs(area) / unit, percent(6), percent(7),
-                   percent(8), percent(9), 100.0 * rows.Double(10), 100.0 * rows.Double(11), state, rows.Get(13),
+    table->AddRow({rows.Get(0), rows.Get(2), rows.Double(3), area / unit, percent(6), percent(7), percent(8),
+                   percent(9), 100.0 * rows.Double(10), 100.0 * rows.Double(11), state, rows.Get(13),
                    rows.Get(12)});
   }
   return table;
 }
 
-ZoneTable::ZoneTable(Ormel& ormel) : Form(ormel), table_(ReadZoneTable(ormel.db(), ormel.project.BasemapMeters)) {
+ZoneTable::ZoneTable(Ormel& ormel)
+    : Form(ormel), table_(ReadZoneTable(ormel.db(), ormel.project.BasemapMeters)) {
   InitControls();
   Mutable("grid").table = table_;
   Offer("Copy", table_->Rows() > 0);

@@ -224,6 +224,27 @@ void VgGdi::Emit(std::vector<DevicePoint>& line, const Pen& pen) {
   line.clear();
 }
 
+/// Along the located spots, as far as they lie near the view: `add` takes each into `line`, `end` draws and
+/// empties it.
+template <class Line, class Add, class End>
+void VgGdi::FollowSpots(const Line& line, const Add& add, const End& end) {
+  if (!spots_far_) {
+    for (const Spot& spot : spots_) add(spot);
+    return end(spots_.back());
+  }
+  const clip::Box near = Neighbourhood(view_);
+  Spot last{};
+  for (std::size_t i = 1; i < spots_.size(); ++i) {
+    const auto part = clip::Segment(near, spots_[i - 1], spots_[i]);
+    if (!part) continue;
+    if (!line.empty() && !near.Holds(spots_[i - 1])) end(last);  // the line came back from outside
+    add(part->first);
+    add(part->second);
+    last = part->second;
+  }
+  if (!line.empty()) end(last);
+}
+
 void VgGdi::vgGDIPolyline(std::span<const MapPoint> points, PenStyle style, double width, Color color) {
   if (points.size() < 2 || !LocateAll(points, width)) return;
   const Pen pen{style, width, color};
@@ -240,21 +261,7 @@ void VgGdi::vgGDIPolyline(std::span<const MapPoint> points, PenStyle style, doub
     if (line_.empty() || !(line_.back() == point)) line_.push_back(point);
     Emit(line_, pen);
   };
-  if (!spots_far_) {
-    for (const Spot& spot : spots_) add(spot);
-    return end(spots_.back());
-  }
-  const clip::Box near = Neighbourhood(view_);
-  Spot last{};
-  for (std::size_t i = 1; i < spots_.size(); ++i) {
-    const auto part = clip::Segment(near, spots_[i - 1], spots_[i]);
-    if (!part) continue;
-    if (!line_.empty() && !near.Holds(spots_[i - 1])) end(last);  // the line came back from outside
-    add(part->first);
-    add(part->second);
-    last = part->second;
-  }
-  if (!line_.empty()) end(last);
+  FollowSpots(line_, add, end);
 }
 
 void VgGdi::vgGDIFineLine(std::span<const MapPoint> points, double width, Color color) {
@@ -272,21 +279,7 @@ void VgGdi::vgGDIFineLine(std::span<const MapPoint> points, double width, Color 
     target_->FineLine(fine_, pen);
     fine_.clear();
   };
-  if (!spots_far_) {
-    for (const Spot& spot : spots_) add(spot);
-    return end(spots_.back());
-  }
-  const clip::Box near = Neighbourhood(view_);
-  Spot last{};
-  for (std::size_t i = 1; i < spots_.size(); ++i) {
-    const auto part = clip::Segment(near, spots_[i - 1], spots_[i]);
-    if (!part) continue;
-    if (!fine_.empty() && !near.Holds(spots_[i - 1])) end(last);  // the line came back from outside
-    add(part->first);
-    add(part->second);
-    last = part->second;
-  }
-  if (!fine_.empty()) end(last);
+  FollowSpots(fine_, add, end);
 }
 
 void VgGdi::vgGDIArea(std::span<const MapPoint> ring, Color fill, double opacity) {

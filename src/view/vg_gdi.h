@@ -134,6 +134,8 @@ class VgGdi {
   Spot Locate(MapPoint at) const;
   /// Fills `spots_`; false when nothing of the shape, drawn with this pen, can be seen.
   bool LocateAll(std::span<const MapPoint> points, double pen_width);
+  template <class Line, class Add, class End>
+  void FollowSpots(const Line& line, const Add& add, const End& end);
   void DrawGrid(const MapRect& window);
   void DrawGridLines(double from, double to, bool vertical, const MapRect& window, double spacing);
   void Emit(std::vector<DevicePoint>& line, const Pen& pen);
