@@ -46,7 +46,7 @@ void MapExport::ReadChoices() {
     return static_cast<int>(Val(ormel_.settings().GetSetting(key, std::to_string(otherwise))));
   };
   extras_.legend = read("MapLegend", 1) != 0;
-  extras_.legend_corner = static_cast<LegendCorner>(std::clamp(read("MapLegendAt", 0), 0, 4));
+  extras_.legend_corner = static_cast<LegendCorner>(std::clamp(read("MapLegendAt", 0), 0, 5));
   extras_.scale_bar = read("MapScaleBar", 1) != 0;
   extras_.north_arrow = read("MapNorthArrow", 1) != 0;
   landscape_ = read("PaperLandscape", 1) != 0;

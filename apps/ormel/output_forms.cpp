@@ -84,7 +84,8 @@ void ExtrasForm::PutExtras(const MapExtras& extras) {
   PutCheck("chkLegend", extras.legend);
   ControlState& place = Mutable("cmbLegend");
   // In the order of LegendCorner.
-  place.items = {"Where it hides least", "Lower right", "Upper left", "Lower left", "Upper right"};
+  place.items = {"Where it hides least", "Lower right", "Upper left",
+                 "Lower left",           "Upper right", "Beside the map"};
   place.selected = {static_cast<int>(extras.legend_corner)};
   PutCheck("chkScaleBar", extras.scale_bar);
   PutCheck("chkNorthArrow", extras.north_arrow);

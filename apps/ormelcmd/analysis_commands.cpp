@@ -177,10 +177,18 @@ void AddObserve(CLI::App& app, Program& program) {
 
 struct ReportOptions {
   std::string path, file, description, save;
-  std::vector<std::string> without;
+  std::vector<std::string> without, with;
   std::string window;
   bool no_results = false;
 };
+
+/// "map, zones" and "areas" as three names.
+std::vector<std::string> NamesIn(const std::vector<std::string>& lists) {
+  std::vector<std::string> all;
+  for (const std::string& names : lists)
+    for (const std::string& name : ParseString(names, ',')) all.emplace_back(Trim(name));
+  return all;
+}
 
 int Report(const CommonOptions& common, const ReportOptions& given) {
   if (!given.save.empty()) {
@@ -190,8 +198,8 @@ int Report(const CommonOptions& common, const ReportOptions& given) {
   if (given.path.empty() || given.file.empty())
     throw UserError("a report needs the project and the name of its file, .pdf or .html");
   ReportRequest request;
-  for (const std::string& names : given.without)
-    for (const std::string& name : ParseString(names, ',')) request.without.emplace_back(Trim(name));
+  request.without = NamesIn(given.without);
+  request.with = NamesIn(given.with);
   Session session(MakeBatchOptions(common));
   session.OpenProject(given.path);
   Ormel& ormel = session.ormel();
@@ -216,8 +224,14 @@ void AddReport(CLI::App& app, Program& program) {
   CLI::App* command = app.add_subcommand("report", "Write a report of the model and its results");
   command->add_option("project", given->path, "The project");
   command->add_option("file", given->file, "Path of the report: .pdf or .html");
-  command->add_option("--without", given->without,
-                      "Sections to leave out, separated by commas; their names stand in the description");
+  command
+      ->add_option("--without", given->without,
+                   "Sections to leave out, separated by commas; their names stand in the description")
+      ->allow_extra_args(false);
+  command
+      ->add_option("--with", given->with,
+                   "Sections that are written only on request: outlines (coordinates of the zones)")
+      ->allow_extra_args(false);
   command->add_option("--description", given->description, "File that lays down texts and tables");
   command->add_option("--save-description", given->save,
                       "Write the standard description, to be changed there");

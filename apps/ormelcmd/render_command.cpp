@@ -105,7 +105,8 @@ void ParseSize(const std::string& text, PictureSize& size) {
 void ParseLegendPlace(const std::string& text, MapSheet& sheet) {
   constexpr std::array kCorners{
       std::pair{"lower-right", LegendCorner::kLowerRight}, std::pair{"upper-left", LegendCorner::kUpperLeft},
-      std::pair{"lower-left", LegendCorner::kLowerLeft}, std::pair{"upper-right", LegendCorner::kUpperRight}};
+      std::pair{"lower-left", LegendCorner::kLowerLeft}, std::pair{"upper-right", LegendCorner::kUpperRight},
+      std::pair{"beside", LegendCorner::kBeside}};
   if (text.empty()) return;
   sheet.legend = true;
   for (const auto& [name, corner] : kCorners)
@@ -117,7 +118,7 @@ void ParseLegendPlace(const std::string& text, MapSheet& sheet) {
   const auto is_share = [](const std::string& s) { return IsNumeric(s) && Val(s) >= 0.0 && Val(s) <= 1.0; };
   if (shares.size() != 2 || !is_share(shares[0]) || !is_share(shares[1]))
     throw UserError(
-        "--legend-at takes lower-right, upper-left, lower-left, upper-right or two shares from 0 to "
+        "--legend-at takes lower-right, upper-left, lower-left, upper-right, beside or two shares from 0 to "
         "1 such as 0.7,0.05, not \"" +
         text + "\"");
   sheet.legend_at = {Val(shares[0]), Val(shares[1])};

@@ -18,7 +18,6 @@ namespace ormel {
 namespace {
 
 constexpr int kDpi = 96;
-constexpr double kMapShare = 0.74;     ///< of a map's width, the rest for its legend
 constexpr QSize kChartFile(900, 650);  ///< pixels of a chart in a file
 
 std::string PngBytes(const QImage& image) {
@@ -34,7 +33,7 @@ std::string QtPublisher::ChartPng(const Chart& chart, const PictureShape& shape)
   return PngBytes(ChartImage(chart, QSize(shape.width, shape.height), shape.fineness));
 }
 
-std::string QtPublisher::MapPng(const PictureShape& shape) {
+std::string QtPublisher::MapPng(const PictureShape& shape, const std::optional<MapRect>& window) {
   const QSize size = QSize(shape.width, shape.height) * shape.fineness;
   QImage image(size, QImage::Format_RGB32);
   if (image.isNull()) return {};
@@ -44,9 +43,7 @@ std::string QtPublisher::MapPng(const PictureShape& shape) {
   QPainterDevice device(painter, size, dpi, dpi);
   MapSheet sheet;
   sheet.legend = sheet.scale_bar = sheet.north_arrow = sheet.box = true;
-  // The legend hides what it lies on: the window stands to its left.
-  MapRect window = ormel_.window.SolveWindow;
-  window.x2 = window.x1 + window.Width() / kMapShare;
+  sheet.legend_corner = LegendCorner::kBeside;
   sheet.window = window;
   const bool drawn = DrawMapOutput(ormel_, view_.state(), device, sheet);
   painter.end();

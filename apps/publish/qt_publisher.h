@@ -14,7 +14,7 @@ class QtPublisher final : public Publisher {
   QtPublisher(Ormel& ormel, MapViewImpl& view) : ormel_(ormel), view_(view) {}
 
   std::string ChartPng(const Chart& chart, const PictureShape& shape) override;
-  std::string MapPng(const PictureShape& shape) override;
+  std::string MapPng(const PictureShape& shape, const std::optional<MapRect>& window) override;
   std::string SaveChart(const Chart& chart, const std::string& path) override;
   std::string SavePdf(const std::string& html, const PageStyle& style, const std::string& path,
                       const std::function<bool(double)>& go_on) override;

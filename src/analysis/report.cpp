@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "analysis/report_sources.h"
+#include "core/layers.h"
 #include "core/ormel.h"
 #include "core/publisher.h"
 #include "core/quantities.h"
@@ -62,6 +63,36 @@ Table ReadSelect(Ormel& ormel, const std::string& sql) {
   return table;
 }
 
+/// The zones with a margin around them; nothing when there are none.
+std::optional<MapRect> ZonesWindow(Ormel& ormel) {
+  constexpr double kMargin = 0.06;
+  RowReader bounds(ormel.db(),
+                   "select min(v.X),max(v.X),min(v.Y),max(v.Y) from Capzones c inner join Vertices v on "
+                   "v.PID=c.PID");
+  if (!bounds.Next() || bounds.IsNull(0)) return {};
+  Extents e{bounds.Double(0), bounds.Double(1), bounds.Double(2), bounds.Double(3)};
+  const double margin = kMargin * std::max(e.x_max - e.x_min, e.y_max - e.y_min);
+  e = {e.x_min - margin, e.x_max + margin, e.y_min - margin, e.y_max + margin};
+  return WindowOf(e);
+}
+
+/// A map of zones shows their lines and areas: paths and their marks would hide them.
+class WithoutPaths {
+ public:
+  WithoutPaths(Ormel& ormel, bool without) : ormel_(ormel), before_(ormel.layers) {
+    if (!without) return;
+    ormel.layers.Switch(Layer::kPathlines, false);
+    ormel.layers.Switch(Layer::kCapzones, true);
+  }
+  ~WithoutPaths() { ormel_.layers = before_; }
+  WithoutPaths(const WithoutPaths&) = delete;
+  WithoutPaths& operator=(const WithoutPaths&) = delete;
+
+ private:
+  Ormel& ormel_;
+  LayerSwitches before_;
+};
+
 class Writer {
  public:
   Writer(ReportSources& sources, const ReportRequest& request,
@@ -85,8 +116,11 @@ class Writer {
 
  private:
   bool LeftOut(const ReportSection& section) const {
-    return std::any_of(request_.without.begin(), request_.without.end(),
-                       [&section](const std::string& name) { return EqualNoCase(name, section.id); });
+    const auto named_in = [&section](const std::vector<std::string>& names) {
+      return std::any_of(names.begin(), names.end(),
+                         [&section](const std::string& name) { return EqualNoCase(name, section.id); });
+    };
+    return named_in(request_.without) || (section.on_request && !named_in(request_.with));
   }
 
   void Look(const std::string& what, double share = 0.0) {
@@ -217,7 +251,9 @@ class Writer {
   }
 
   void PutHead(const ReportField& column, bool right) {
-    html_ += right ? "<th class=\"n\" align=\"right\">" : "<th align=\"left\">";
+    html_ += right         ? "<th class=\"n\" align=\"right\">"
+             : column.wide ? "<th align=\"left\" width=\"74%\">"
+                           : "<th align=\"left\">";
     html_ += EscapeHtml(column.heading);
     const std::string unit = UnitOf(ormel_, column.quantity);
     if (!unit.empty()) html_ += "<br>[" + UnitHtml(unit) + "]";
@@ -234,13 +270,17 @@ class Writer {
   }
 
   void Put(const ReportPicture& picture) {
-    if (picture.what != "map" && !sources_.results()) return;
+    const bool map = picture.what == "map" || picture.what == "zones";
+    if (!map && !sources_.results()) return;
+    const std::optional<MapRect> window = picture.what == "zones" ? ZonesWindow(ormel_) : std::nullopt;
+    if (picture.what == "zones" && !window) return;
     if (ormel_.ports.publisher == nullptr)
       throw BadBlock("this program cannot draw the picture \"" + picture.what + "\"");
     const PictureShape shape{picture.width, picture.height, 2.0};
     std::string png;
-    if (picture.what == "map") {
-      png = ormel_.ports.publisher->MapPng(shape);
+    if (map) {
+      const WithoutPaths without_paths(ormel_, window.has_value());
+      png = ormel_.ports.publisher->MapPng(shape, window);
     } else {
       const std::optional<Chart> chart = sources_.ChartOf(picture.what);
       if (!chart) return;
@@ -265,16 +305,18 @@ class Writer {
   int number_ = 0, tables_ = 0, figures_ = 0;
 };
 
-/// A name to leave out that no section has is most likely misspelt.
-std::string UnknownSection(const ReportDescription& report, const std::vector<std::string>& without) {
-  for (const std::string& name : without) {
+/// A name that no section has is most likely misspelt.
+std::string UnknownSection(const ReportDescription& report, const ReportRequest& request) {
+  std::vector<std::string> named = request.without;
+  named.insert(named.end(), request.with.begin(), request.with.end());
+  for (const std::string& name : named) {
     std::string names;
     bool known = false;
     for (const ReportSection& section : report.sections) {
       known = known || EqualNoCase(section.id, name);
       names += (names.empty() ? "" : ", ") + section.id;
     }
-    if (!known) return "There is no section \"" + name + "\" to leave out; the sections are " + names + ".";
+    if (!known) return "There is no section \"" + name + "\"; the sections are " + names + ".";
   }
   return {};
 }
@@ -362,7 +404,7 @@ ReportOutcome WriteReport(Ormel& ormel, const ReportRequest& request) {
   if (const auto* damage = std::get_if<FileDamage>(&description))
     return {ReportEnd::kFailed, damage->Message()};
   const auto& report = std::get<ReportDescription>(description);
-  if (std::string unknown = UnknownSection(report, request.without); !unknown.empty())
+  if (std::string unknown = UnknownSection(report, request); !unknown.empty())
     return {ReportEnd::kFailed, unknown};
 
   const PleaseWait wait(ormel, "Writing the report...");

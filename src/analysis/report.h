@@ -18,6 +18,7 @@ struct ReportRequest {
   std::string path;                  ///< ".html", ".htm" or ".pdf"
   std::string description;           ///< file of the description; empty for the program's own
   std::vector<std::string> without;  ///< names of sections to leave out
+  std::vector<std::string> with;     ///< names of sections that are written only on request
   bool results = false;              ///< the results are those of the model as it stands
   std::string reason;                ///< why not, where they are not
 };

@@ -34,8 +34,12 @@ constexpr std::array kControls{
 /// What the form opens with the next time.
 struct Memory {
   std::string description;
-  std::vector<std::string> without;
+  std::vector<std::string> without, with;
 };
+
+bool Holds(const std::vector<std::string>& names, const std::string& name) {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
 
 bool MayWrite(Ormel& ormel, const std::string& path) {
   return !FileExists(path) ||
@@ -63,11 +67,11 @@ ReportForm::ReportForm(Ormel& ormel, const std::string& reason)
     Put("tbDescription", "");
     LoadSections();
   }
-  ControlState& list = Mutable("listSections");
-  std::erase_if(list.selected, [&](int i) {
-    return std::find(last.without.begin(), last.without.end(), ids_[static_cast<std::size_t>(i)]) !=
-           last.without.end();
-  });
+  std::vector<int>& selected = Mutable("listSections").selected;
+  std::erase_if(selected,
+                [&](int i) { return Holds(last.without, sections_[static_cast<std::size_t>(i)].id); });
+  for (std::size_t i = 0; i < sections_.size(); ++i)
+    if (Holds(last.with, sections_[i].id)) selected.push_back(static_cast<int>(i));
 }
 
 std::span<const ControlSpec> ReportForm::Controls() const {
@@ -78,13 +82,13 @@ bool ReportForm::LoadSections() {
   const auto description = ReadDescription(Text("tbDescription"));
   if (const auto* damage = std::get_if<FileDamage>(&description))
     return Refuse("tbDescription", "Report", damage->Message());
-  ids_.clear();
+  sections_.clear();
   ControlState& list = Mutable("listSections");
   list.items.clear();
   list.selected.clear();
   for (const ReportSection& section : std::get<ReportDescription>(description).sections) {
-    list.selected.push_back(static_cast<int>(ids_.size()));
-    ids_.push_back(section.id);
+    if (!section.on_request) list.selected.push_back(static_cast<int>(sections_.size()));
+    sections_.push_back({section.id, section.on_request});
     list.items.push_back(section.heading.empty() ? "Title Page" : section.heading);
   }
   return true;
@@ -132,7 +136,7 @@ bool ReportForm::Ok() {
   if (State("listSections").selected.empty())
     return Refuse("listSections", "Report", "No section is selected.  Please select at least one section.");
   const ReportRequest request = Request();
-  ormel().form_memory["Report"] = Memory{request.description, request.without};
+  ormel().form_memory["Report"] = Memory{request.description, request.without, request.with};
   return true;
 }
 
@@ -142,9 +146,11 @@ ReportRequest ReportForm::Request() const {
   request.results = results_;
   request.reason = reason_;
   const std::vector<int>& selected = State("listSections").selected;
-  for (std::size_t i = 0; i < ids_.size(); ++i)
-    if (std::find(selected.begin(), selected.end(), static_cast<int>(i)) == selected.end())
-      request.without.push_back(ids_[i]);
+  for (std::size_t i = 0; i < sections_.size(); ++i) {
+    const bool chosen = std::find(selected.begin(), selected.end(), static_cast<int>(i)) != selected.end();
+    if (chosen && sections_[i].on_request) request.with.push_back(sections_[i].id);
+    if (!chosen && !sections_[i].on_request) request.without.push_back(sections_[i].id);
+  }
   return request;
 }
 

@@ -29,7 +29,11 @@ class ReportForm final : public OkCancelForm {
   bool LoadSections();
   void SaveCopy();
 
-  std::vector<std::string> ids_;
+  struct Section {
+    std::string id;
+    bool on_request = false;
+  };
+  std::vector<Section> sections_;  ///< in the order of the list
   bool results_;
   std::string reason_;
 };

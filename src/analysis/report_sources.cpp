@@ -34,7 +34,9 @@ constexpr std::array kTables{
     TableRow{"statistics", [](ReportSources& s) { return StatisticsTable(s.ormel(), s.Calibration()); }},
     TableRow{"flows", [](ReportSources& s) { return FlowsTable(s.ormel()); }},
     TableRow{"warnings", [](ReportSources& s) { return WarningsTable(s.Listing()); }},
-    TableRow{"vertices", [](ReportSources& s) { return VerticesTable(s.ormel()); }}};
+    TableRow{"vertices", [](ReportSources& s) { return VerticesTable(s.ormel()); }},
+    TableRow{"coordinates", [](ReportSources& s) { return CoordinatesTable(s.ormel(), false); }},
+    TableRow{"outlines", [](ReportSources& s) { return CoordinatesTable(s.ormel(), true); }}};
 
 std::string TimeText(const Ormel& ormel) {
   const ClockTime now = ormel.clock().Now();

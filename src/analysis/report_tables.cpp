@@ -106,11 +106,22 @@ struct StringTotal {
 struct RingOwner {
   const char* element;
   const char* table;
+  bool zone = false;
 };
 constexpr std::array kRingOwners{
     RingOwner{"linesink string", "LinesinkStrings"}, RingOwner{"barrier", "NoFlowStrings"},
     RingOwner{"inhomogeneity", "Inhomogeneities"}, RingOwner{"flux inspection line", "FluxInspect"},
-    RingOwner{"capture zone", "Capzones"}};
+    RingOwner{"capture zone", "Capzones", true}};
+
+/// Label, X, Y and `PID` of each vertex, in order.
+RowReader RingRows(Ormel& ormel, const RingOwner& owner) {
+  return {ormel.db(), std::string("select e.Label,v.X,v.Y,e.PID from ") + owner.table +
+                          " e inner join Vertices v on v.PID=e.PID order by e.Label,e.PID,v.Seq"};
+}
+
+std::string ToTwoDecimals(double value) {
+  return NumberText(std::round(value * 100.0) / 100.0);
+}
 
 }  // namespace
 
@@ -250,9 +261,32 @@ std::shared_ptr<Table> WarningsTable(const SolverListing& listing) {
 std::shared_ptr<Table> VerticesTable(Ormel& ormel) {
   auto table = Made({"Element", "Label", "X", "Y"});
   for (const RingOwner& owner : kRingOwners) {
-    RowReader rows(ormel.db(), std::string("select e.Label,v.X,v.Y from ") + owner.table +
-                                   " e inner join Vertices v on v.PID=e.PID order by e.Label,e.PID,v.Seq");
+    RowReader rows = RingRows(ormel, owner);
     while (rows.Next()) table->AddRow({owner.element, rows.Get(0), rows.Get(1), rows.Get(2)});
+  }
+  return table;
+}
+
+std::shared_ptr<Table> CoordinatesTable(Ormel& ormel, bool zones) {
+  auto table = Made({"Element", "Label", "Vertices", "Coordinates"});
+  for (const RingOwner& owner : kRingOwners) {
+    if (owner.zone != zones) continue;
+    RowReader rows = RingRows(ormel, owner);
+    std::int64_t vertices = 0, pid = kNoPolygon;
+    std::string label, coordinates;
+    const auto end_row = [&] {
+      if (vertices > 0) table->AddRow({owner.element, label, vertices, coordinates});
+      vertices = 0;
+      coordinates.clear();
+    };
+    while (rows.Next()) {
+      if (rows.Long(3) != pid) end_row();
+      pid = rows.Long(3);
+      label = rows.Text(0);
+      coordinates +=
+          (vertices++ == 0 ? "" : "; ") + ToTwoDecimals(rows.Double(1)) + " " + ToTwoDecimals(rows.Double(2));
+    }
+    end_row();
   }
   return table;
 }

@@ -33,5 +33,8 @@ std::shared_ptr<Table> FlowsTable(Ormel& ormel);
 std::shared_ptr<Table> WarningsTable(const SolverListing& listing);
 /// `Element`, `Label`, `X`, `Y`: every vertex of every string, domain and line in order.
 std::shared_ptr<Table> VerticesTable(Ormel& ormel);
+/// `Element`, `Label`, `Vertices`, `Coordinates`: one row for each string, domain and line, or for each
+/// capture zone, with its vertices as a text "x y; x y" to two decimals [map length].
+std::shared_ptr<Table> CoordinatesTable(Ormel& ormel, bool zones);
 
 }  // namespace ormel

@@ -11,7 +11,8 @@
 namespace ormel {
 namespace {
 
-constexpr std::array<std::string_view, 5> kPictures{"map", "fit", "order", "residuals", "discharges"};
+constexpr std::array<std::string_view, 6> kPictures{"map",   "zones",     "fit",
+                                                    "order", "residuals", "discharges"};
 constexpr std::array<std::string_view, 4> kPapers{"A4", "A3", "Letter", "Legal"};
 
 /// Ends the parsing; its words go to the user.
@@ -156,9 +157,9 @@ class Parser {
       throw Fault("@section takes a name of one word, then | and its heading");
     for (const ReportSection& other : report_.sections)
       if (other.id == parts[0]) throw Fault("there are two sections \"" + parts[0] + "\"");
-    if (!parts[2].empty() && parts[2] != "results")
-      throw Fault("the third part of @section can only be: results");
-    report_.sections.push_back({parts[0], parts[1], parts[2] == "results", {}});
+    if (!parts[2].empty() && parts[2] != "results" && parts[2] != "on request")
+      throw Fault("the third part of @section can only be: results, or on request");
+    report_.sections.push_back({parts[0], parts[1], parts[2] == "results", parts[2] == "on request", {}});
   }
   void TableStart(std::string_view rest) {
     Section().blocks.push_back({line_, ReportTable{}});
@@ -179,7 +180,8 @@ class Parser {
     field.what = parts[0];
     field.heading = parts[1].empty() ? parts[0] : parts[1];
     if (field.what.empty()) throw Fault("@column has no field");
-    SetFormat(field, parts[2], parts[3]);
+    field.wide = parts[3] == "wide";
+    SetFormat(field, parts[2], field.wide ? "" : parts[3]);
     table_->columns.push_back(std::move(field));
   }
   void Empty(std::string_view rest) {
@@ -204,7 +206,7 @@ class Parser {
     picture.what = parts[0];
     if (std::find(kPictures.begin(), kPictures.end(), picture.what) == kPictures.end())
       throw Fault("there is no picture \"" + picture.what +
-                  "\"; there are map, fit, order, residuals, discharges");
+                  "\"; there are map, zones, fit, order, residuals, discharges");
     const std::vector<std::string> sides = ParseString(parts[1], 'x');
     if (sides.size() == 2) {
       picture.width = static_cast<int>(Val(sides[0]));

@@ -23,6 +23,7 @@ struct ReportField {
   Quantity quantity = Quantity::kNone;
   NumberFormat format;
   std::string heading{};  ///< of a column
+  bool wide = false;      ///< a column that takes most of its table's width
 };
 
 struct ReportText {
@@ -39,7 +40,7 @@ struct ReportTable {
 };
 
 struct ReportPicture {
-  std::string what;  ///< "map", "fit", "order", "residuals", "discharges"
+  std::string what;  ///< "map", "zones", "fit", "order", "residuals", "discharges"
   int width = 640, height = 480;
   std::string caption;
 };
@@ -53,6 +54,7 @@ struct ReportSection {
   std::string id;
   std::string heading;
   bool needs_results = false;
+  bool on_request = false;  ///< long: only in a report that asks for it
   std::vector<ReportBlock> blocks;
 };
 

@@ -2,7 +2,10 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
+
+#include "core/types.h"
 
 namespace ormel {
 
@@ -28,9 +31,9 @@ class Publisher {
 
   /// A chart as the bytes of a PNG file; empty when there is not enough memory.
   virtual std::string ChartPng(const Chart& chart, const PictureShape& shape) = 0;
-  /// The map's present window and layers with legend, scale bar and north arrow, as the bytes of a PNG file;
-  /// empty when there is no room to draw on.
-  virtual std::string MapPng(const PictureShape& shape) = 0;
+  /// The map's layers in a window (none: the present one) with legend, scale bar and north arrow, as the
+  /// bytes of a PNG file; empty when there is no room to draw on.
+  virtual std::string MapPng(const PictureShape& shape, const std::optional<MapRect>& window) = 0;
   /// Writes a chart into a file whose extension (.png, .svg, .pdf) tells the kind.  Gives an empty text, or
   /// the sentence that tells what failed and what to do.
   virtual std::string SaveChart(const Chart& chart, const std::string& path) = 0;

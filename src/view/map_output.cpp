@@ -196,12 +196,18 @@ DeviceRect LegendPlace(Ormel& ormel, VgGdi& vg, const MapSheet& output, const De
     const int y = at(area.top, area.bottom, size.y, output.legend_at->second);
     return {x, y, x + size.x, y + size.y};
   }
-  if (output.legend_corner != LegendCorner::kAuto)
+  if (output.legend_corner != LegendCorner::kAuto && output.legend_corner != LegendCorner::kBeside)
     return places.at(static_cast<std::size_t>(output.legend_corner) - 1);
   const Hidden hidden(ormel, vg);
   return *std::min_element(places.begin(), places.end(), [&](const DeviceRect& a, const DeviceRect& b) {
     return hidden.Under(a) < hidden.Under(b);
   });
+}
+
+/// A legend beside the map leaves it most of the width and is not higher than it; otherwise it stands on it.
+bool LegendStandsBeside(const MapSheet& output, const DeviceRect& area, DevicePoint size) {
+  return output.legend_corner == LegendCorner::kBeside && !output.legend_at &&
+         5 * size.x < 2 * (area.right - area.left) && size.y <= area.bottom - area.top;
 }
 
 DeviceRect PageArea(const DrawingDevice& device, const std::optional<PageMargins>& margins) {
@@ -232,16 +238,24 @@ bool DrawMapOutput(Ormel& ormel, ViewState& state, DrawingDevice& device, const 
   const int top = area.top;
   if (!output.title.empty()) area.top += device.DpiY() * 10 / 72 * 5 / 2;
 
-  VgGdi vg(ormel);
+  VgGdi vg(ormel), sheet(ormel);  // the map's, and that of the whole sheet for a legend beside it
   MapRect window = UsableWindow(ormel, output.window.value_or(ormel.window.SolveWindow));
   if (vg.InitArea(device, area, window, false, 0.0) != VgInit::kDone) return false;
-  Furniture furniture(ormel, device, vg, area);
+  MapRect whole = window;
+  sheet.InitArea(device, area, whole, false, 0.0);
+  Furniture margin(ormel, device, sheet, area);
   LabelPlacer labels;
   std::vector<LegendEntry> entries;
-  DeviceRect legend;
   if (output.legend) entries = LegendOf(ormel, state);
-  if (!entries.empty()) {
-    const DevicePoint size = furniture.LegendSize(entries);
+  const DevicePoint size = margin.LegendSize(entries);
+  const bool beside = !entries.empty() && LegendStandsBeside(output, area, size);
+  DeviceRect legend{area.right - size.x, area.top, area.right, area.top + size.y};
+  if (beside) {
+    area.right -= size.x + std::max(1, vg.PointUnit()) / 2;
+    if (vg.InitArea(device, area, window, false, 0.0) != VgInit::kDone) return false;
+  }
+  Furniture furniture(ormel, device, vg, area);
+  if (!entries.empty() && !beside) {
     legend = LegendPlace(ormel, vg, output, area, size,
                          furniture.LegendPlaces(size, output.scale_bar, output.north_arrow));
     labels.Reserve(legend);
@@ -252,7 +266,7 @@ bool DrawMapOutput(Ormel& ormel, ViewState& state, DrawingDevice& device, const 
   device.SetClip(area);
   DrawMap({ormel, vg, &labels}, state);
   device.ClearClip();
-  furniture.Legend(entries, legend);
+  (beside ? margin : furniture).Legend(entries, legend);
   if (output.scale_bar) furniture.ScaleBar();
   if (output.north_arrow) furniture.NorthArrow();
   if (output.box) furniture.Frame();

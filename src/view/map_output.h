@@ -19,6 +19,7 @@ enum class LegendCorner {
   kUpperLeft,
   kLowerLeft,
   kUpperRight,
+  kBeside,  ///< on a strip of its own at the map's right, where that leaves the map most of the width
 };
 
 /// What a sheet shows beside the map.

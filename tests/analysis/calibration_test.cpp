@@ -25,7 +25,7 @@ struct FakePublisher : Publisher {
     charts.push_back(chart.title);
     return "png";
   }
-  std::string MapPng(const PictureShape&) override { return "png"; }
+  std::string MapPng(const PictureShape&, const std::optional<MapRect>&) override { return "png"; }
   std::string SaveChart(const Chart& chart, const std::string& path) override {
     charts.push_back(chart.title);
     saved = path;

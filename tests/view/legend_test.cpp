@@ -170,6 +170,35 @@ TEST(Legend, StandsWhereItHidesNoZone) {
   const DevicePoint beyond = box({.legend = true, .legend_at = std::pair{1.0, 1.0}});
   EXPECT_LT(beyond.x, 800) << "it stays on the sheet";
   EXPECT_LT(beyond.y, 600);
+
+  // On a strip of its own while it leaves the map most of the width: nothing of the map is drawn there.
+  RecordingDevice page(800, 600);
+  ASSERT_TRUE(DrawMapOutput(t.ormel, t.map.state(), page,
+                            {.legend = true, .legend_corner = LegendCorner::kBeside, .box = true}));
+  int frame = 0, legend = 800;
+  std::string layer;
+  for (const DrawCall& call : page.calls()) {
+    if (call.kind == DrawKind::kLayer) layer = call.text;
+    for (const DevicePoint& p : call.points) {
+      if (layer == "Frame") frame = std::max(frame, p.x);
+      if (layer == "Legend") legend = std::min(legend, p.x);
+    }
+  }
+  EXPECT_LT(frame, legend);
+  EXPECT_GT(frame, 480);
+  const DevicePoint narrow = [&] {
+    RecordingDevice strip(220, 600);
+    EXPECT_TRUE(DrawMapOutput(t.ormel, t.map.state(), strip,
+                              {.legend = true, .legend_corner = LegendCorner::kBeside, .box = true}));
+    DevicePoint most{0, 0};
+    for (const DrawCall& call : strip.calls()) {
+      if (call.kind == DrawKind::kLayer) layer = call.text;
+      for (const DevicePoint& p : call.points)
+        if (layer == "Frame") most = {std::max(most.x, p.x), std::max(most.y, p.y)};
+    }
+    return most;
+  }();
+  EXPECT_EQ(narrow.x, 220) << "on a narrow sheet it lies on the map";
 }
 
 }  // namespace
