@@ -181,7 +181,7 @@ void AddRenderCommand(CLI::App& app, Program& program) {
   command->add_flag("--legend", given->output.legend, "Legend of the layers shown");
   command->add_option(
       "--legend-at", given->legend_at,
-      "Corner of the legend: lower-right, upper-left, lower-left or upper-right; or X,Y, its upper "
+      "Place of the legend: lower-right, upper-left, lower-left, upper-right, beside; or X,Y, its upper "
       "left corner as shares of the map; otherwise where it hides least of zones and wells");
   command->add_flag("--scale-bar", given->output.scale_bar, "Scale bar in map units");
   command->add_flag("--north-arrow", given->output.north_arrow, "North arrow");

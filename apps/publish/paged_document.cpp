@@ -116,7 +116,8 @@ void PaintPart(QPainter& painter, const Part& part, int page, QSizeF body, doubl
   context.clip = shown;
   painter.save();
   painter.translate(margin, margin - shown.top());
-  painter.setClipRect(shown);
+  // A picture at the head of the next page may begin a fraction of a pixel too early.
+  painter.setClipRect(shown.adjusted(0, 0, 0, -1));
   part.document->documentLayout()->draw(&painter, context);
   painter.restore();
 }

@@ -252,7 +252,7 @@ class Writer {
 
   void PutHead(const ReportField& column, bool right) {
     html_ += right         ? "<th class=\"n\" align=\"right\">"
-             : column.wide ? "<th align=\"left\" width=\"74%\">"
+             : column.wide ? "<th align=\"left\" width=\"62%\">"
                            : "<th align=\"left\">";
     html_ += EscapeHtml(column.heading);
     const std::string unit = UnitOf(ormel_, column.quantity);
