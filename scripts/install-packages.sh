@@ -1,10 +1,13 @@
 #!/bin/sh
-# Installs what packages.txt lists and the machine lacks. Says what it does; silent when nothing is missing.
+# Installs what packages.txt, and further lists that are named, hold and the machine lacks. Says what it does; silent
+# when nothing is missing.
 set -eu
-root=$(cd "$(dirname "$0")/.." && pwd)
+cd "$(dirname "$0")/.."
+lists="packages.txt $*"  # from the root of the sources
 
 missing=""
-for package in $(grep -v '^#' "$root/packages.txt"); do
+# shellcheck disable=SC2086  # a list of files
+for package in $(grep -hv '^#' $lists); do
   status=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
   [ "$status" = installed ] || missing="$missing $package"
 done
