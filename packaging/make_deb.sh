@@ -32,6 +32,14 @@ Description: groundwater flow by analytic elements and capture zones of wells
  and the time-of-travel capture zone of each well follows, checked against the
  water that the well takes.  ormelcmd does the same without a window.
 EOF
+# Started by root without a project, Ormel remembers folders beside itself.
+cat >"$tree/DEBIAN/postrm" <<'EOF'
+#!/bin/sh
+set -e
+rm -f /usr/lib/ormel/Ormel.def
+rmdir /usr/lib/ormel 2>/dev/null || true
+EOF
+chmod 755 "$tree/DEBIAN/postrm"
 (cd "$tree" && find usr -type f -print0 | LC_ALL=C sort -z | xargs -0 md5sum >DEBIAN/md5sums)
 dpkg-deb --root-owner-group -Zxz --build "$tree" "$out/ormel_${version}_$architecture.deb" >/dev/null
 rm -r "$tree/DEBIAN"
