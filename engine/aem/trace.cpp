@@ -4,8 +4,8 @@
 #include <complex>
 #include <mutex>
 #include <numbers>
-#include <thread>
 
+#include "aem/parallel.h"
 #include "aem/trace_path.h"
 
 namespace aem {
@@ -41,13 +41,8 @@ std::vector<Path> TracePaths(const TraceField& field, std::span<const PathStart>
       if (!progress(finished)) stop.store(true);
     }
   };
-  const unsigned wanted = options.threads > 0 ? static_cast<unsigned>(options.threads)
-                                              : std::max(1u, std::thread::hardware_concurrency());
-  const std::size_t threads = std::min<std::size_t>(wanted, starts.size());
-  std::vector<std::jthread> team;
-  for (std::size_t i = 1; i < threads; ++i) team.emplace_back(work);
-  work();
-  team.clear();
+  const auto wanted = std::size_t(detail::ThreadCount(options.threads));
+  detail::RunOnThreads(int(std::min(wanted, starts.size())), &stop, work);
   if (stop.load() || Stopped(options.stop)) paths.clear();
   return paths;
 }

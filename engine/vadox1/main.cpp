@@ -1,13 +1,16 @@
+#include <malloc.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 
 #include "files/program_help.h"
 #include "vadox1/run.h"
 
 namespace {
 
-constexpr unsigned kGrace = 3;  ///< seconds that a run has to end with its logs, after one signal
+constexpr suseconds_t kGrace = 150'000;  ///< microseconds that a run has to end by itself after a signal
 
 constexpr const char* kHelp =
     "Usage: VADOX1.EXE <size> <name of the deck>\n"
@@ -27,7 +30,8 @@ void EndNow(int) {
 
 void Interrupt(int signal) {
   vadox1::interrupted.store(true);
-  ::alarm(kGrace);
+  const itimerval grace{{0, 0}, {0, kGrace}};
+  ::setitimer(ITIMER_REAL, &grace, nullptr);
   // A second signal ends the program at once.
   std::signal(signal, SIG_DFL);
 }
@@ -36,6 +40,11 @@ void Interrupt(int signal) {
 
 int main(int argc, char** argv) {
   if (files::AnswersHelp(argc, argv, "VADOX1.EXE", kHelp)) return 0;
+#ifdef M_MMAP_THRESHOLD
+  // Large arrays come and go with every round of a solution: their pages are kept for the next.
+  ::mallopt(M_MMAP_THRESHOLD, 32 << 20);
+  ::mallopt(M_TRIM_THRESHOLD, 1 << 30);
+#endif
   std::signal(SIGINT, Interrupt);
   std::signal(SIGTERM, Interrupt);
   std::signal(SIGALRM, EndNow);
@@ -44,5 +53,8 @@ int main(int argc, char** argv) {
 #ifdef SIGXFSZ
   std::signal(SIGXFSZ, SIG_IGN);
 #endif
-  return vadox1::RunSolver({argv + 1, argv + argc});
+  const int status = vadox1::RunSolver({argv + 1, argv + argc});
+  // All is written.  What libraries do at their end may wait for memory that there is not, for ever.
+  std::fflush(nullptr);
+  ::_exit(status);
 }

@@ -4,7 +4,9 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <new>
 
@@ -130,11 +132,25 @@ std::string RunAndExplain(const std::string& file, Logs& logs, int& status) {
 
 }  // namespace
 
+namespace {
+std::array<char, 4096> error_log_file{};  ///< for the handler of a signal, which may not ask an object
+}
+
+void RememberErrorLog(const std::string& file) noexcept {
+  error_log_file[0] = '\0';
+  if (file.empty() || file.size() >= error_log_file.size() || file == "con") return;
+  std::memcpy(&error_log_file[1], file.c_str() + 1, file.size());  // with the zero at its end
+  error_log_file[0] = file[0];
+}
+
 void EndAtOnce() noexcept {
   constexpr std::string_view kWords = "The run was interrupted before it was finished. Start it again.\r\n";
   files::RemoveOpenFile();
-  const int file = ::open(kFatalFile, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  if (file >= 0 && ::write(file, kWords.data(), kWords.size()) >= 0) ::close(file);
+  for (const char* name : {kFatalFile, static_cast<const char*>(error_log_file.data())}) {
+    if (*name == '\0') continue;
+    const int file = ::open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (file >= 0 && ::write(file, kWords.data(), kWords.size()) >= 0) ::close(file);
+  }
   ::_exit(kInterrupted);
 }
 

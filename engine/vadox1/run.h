@@ -14,6 +14,9 @@ extern std::atomic<bool> interrupted;
 /// For a signal handler: ends a run that has not come to a chance to end by itself, without half files.
 [[noreturn]] void EndAtOnce() noexcept;
 
+/// The error log that EndAtOnce tells of the interruption; empty or "con": none.
+void RememberErrorLog(const std::string& file) noexcept;
+
 enum ExitStatus {
   kClean = 0,
   kFatal = 1,        ///< VADOX.OPS says why

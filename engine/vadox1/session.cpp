@@ -111,6 +111,7 @@ aem::Solution& Session::Solved() {
 }
 
 void Session::Do(const LogCommand& command) {
+  if (command.log == Log::kError) RememberErrorLog(command.file);
   logs_.Name(command);
 }
 void Session::Do(const LayoutCommand& command) {

@@ -167,6 +167,84 @@ TEST(ClosedRegions, AnIdleDrainHoldsNoHead) {
   EXPECT_TRUE(pumped.Refused());
 }
 
+std::vector<aem::Wall> TwoThatCross() {
+  std::vector<aem::Wall> walls{WallAlong({{-120, -30}, {100, -30}, {100, 90}}),
+                               WallAlong({{-100, -60}, {-100, 70}, {130, 70}})};
+  walls[1].origin.label = "HB_000002_0000";
+  return walls;
+}
+
+// Open walls that cross are to the water outside what a closed wall with the same ends is.
+TEST(ClosedRegions, WallsThatCrossLeaveOutWhatHasNoHead) {
+  aem::Model m = Base();
+  m.aquifer.uniform_flow = {0.5, 0.2};
+  m.line_sinks.push_back(HeadString({{-300, -200}, {-300, 200}}, 33.0));
+  m.walls = TwoThatCross();
+  aem::Solution open(m);
+  ASSERT_FALSE(open.Refused()) << Said(open.Findings());
+  EXPECT_NE(Said(open.Findings()).find("HB_000002_0000 shut in a region near"), std::string::npos)
+      << Said(open.Findings());
+  EXPECT_EQ(open.Findings().back().severity, aem::Severity::kWarning);
+  open.Iterate(1);
+  EXPECT_EQ(open.At({0, 20}).status, aem::PointStatus::kIgnored);
+
+  aem::Model closed = m;
+  closed.walls = {WallAlong({{-100, -30}, {100, -30}, {100, 70}, {-100, 70}}, aem::WallKind::kKeepOutside),
+                  WallAlong({{-120, -30}, {-100, -30}}), WallAlong({{100, 70}, {100, 90}}),
+                  WallAlong({{-100, -60}, {-100, -30}}), WallAlong({{100, 70}, {130, 70}})};
+  aem::Solution same(closed);
+  ASSERT_FALSE(same.Refused()) << Said(same.Findings());
+  same.Iterate(1);
+  for (Complex z :
+       {Complex{-110, 20}, Complex{110, 80}, Complex{0, -40}, Complex{140, 60}, Complex{-40, 200}})
+    EXPECT_NEAR(open.At(z).head, same.At(z).head, 2e-4 * same.HeadRange()) << z;
+
+  // A head in there settles it; a well without one has nowhere to take its water from.
+  m.line_sinks.push_back(HeadString({{-150, 20}, {-50, 20}, {0, 40}}, 31.0));
+  aem::Solution settled(m);
+  settled.Iterate(1);
+  EXPECT_NEAR(settled.At({60, 0}).head, 31.0, 1e-3);
+  m.line_sinks.pop_back();
+  for (const bool rain : {false, true}) {
+    aem::Model fed = m;
+    if (rain) {
+      fed.domains.push_back(Polygon({{-400, -400}, {400, -400}, {400, 400}, {-400, 400}}));
+      fed.domains[0].recharge_sink = -1e-3;
+    } else {
+      fed.wells.push_back({{"W", 1}, {20, 20}, 0.3, false, 10.0});
+    }
+    const aem::Solution refused(fed);
+    EXPECT_TRUE(refused.Refused());
+    EXPECT_NE(Said(refused.Findings()).find("HB_000001_0000: This wall and HB_000002_0000"),
+              std::string::npos);
+  }
+}
+
+TEST(ClosedRegions, EachPartOfAClosedWallNeedsAHeadOfItsOwn) {
+  aem::Model m = Base();
+  m.walls.push_back(WallAlong({{0, 0}, {200, 0}, {200, 100}, {0, 100}}, aem::WallKind::kClosed));
+  m.line_sinks.push_back(HeadString({{50, 20}, {50, 80}}, 31.0));
+  m.walls.push_back(WallAlong({{100, -20}, {110, 120}}));  // parts it in two
+  aem::Solution parted(m);
+  ASSERT_FALSE(parted.Refused()) << Said(parted.Findings());
+  parted.Iterate(1);
+  EXPECT_NEAR(parted.At({20, 50}).head, 31.0, 1e-3);
+  EXPECT_EQ(parted.At({150, 50}).status, aem::PointStatus::kIgnored);
+  // A closed wall around another holds nothing by what stands in the inner one.
+  m.walls[1] = WallAlong({{-100, -100}, {300, -100}, {300, 200}, {-100, 200}}, aem::WallKind::kClosed);
+  m.walls[1].origin.label = "HB_000009_0000";
+  const aem::Solution around(m);
+  EXPECT_TRUE(around.Refused());
+  EXPECT_EQ(around.Findings().back().label, "HB_000009_0000");
+  // Of a string that leaves a closed wall the part within is enough.
+  m.walls.pop_back();
+  m.line_sinks = {HeadString({{190, 50}, {400, 50}}, 31.0)};
+  aem::Solution part(m);
+  ASSERT_FALSE(part.Refused()) << Said(part.Findings());
+  part.Iterate(1);
+  EXPECT_NEAR(part.At({20, 50}).head, 31.0, 1e-3);
+}
+
 // One-dimensional: with k (h^2)/2 between two canals and a step of the base the flow is the same on both
 // sides.  The step stands 0.05 below the water.
 TEST(Bases, JustBelowTheWaterConverge) {

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <new>
+#include <thread>
 
 #include "aem/models.h"
 #include "aem/trace.h"
@@ -236,6 +238,18 @@ TEST_F(TownPaths, AwkwardStartsEndWithAReasonAndFewPoints) {
     EXPECT_LT(path.points.size(), 1000u) << path.start.at;
     EXPECT_EQ(path.label.empty(), path.end != aem::PathEnd::kWell && path.end != aem::PathEnd::kSurfaceWater);
   }
+}
+
+TEST_F(TownPaths, WhatAThreadThrowsReachesTheCaller) {
+  const std::vector<aem::PathStart> starts(64, {{-700, 300}, 4.0, true});
+  aem::TraceOptions options = Tracing(6000.0, 20.0);
+  options.threads = 4;
+  const auto caller = std::this_thread::get_id();
+  const auto fails = [&](std::size_t) -> bool {
+    if (std::this_thread::get_id() != caller) throw std::bad_alloc();
+    return true;
+  };
+  EXPECT_THROW(aem::TracePaths(*field_, starts, options, fails), std::bad_alloc);
 }
 
 }  // namespace

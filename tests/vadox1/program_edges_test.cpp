@@ -1,6 +1,11 @@
 // Values at the edge of what can be asked for, and runs that end before their work is done.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <chrono>
+#include <csignal>
+#include <thread>
 
 #include "vadox1/program_run.h"
 
@@ -64,6 +69,54 @@ TEST(Edges, the_seventh_field_of_a_line_sink_of_given_discharge_is_its_label) {
   const auto record = Labelled(ReadXtr(town.Read("x.XTR")), "LS_000004_0001");
   EXPECT_EQ(record.fields.size(), 7u);
   EXPECT_NEAR(record.Number(5), 100.0, 1e-9);
+}
+
+/// Rivers side by side, from south to north.
+std::string Rivers(int segments) {
+  std::string text = " linesink\n";
+  for (int i = 0; i < segments; ++i) {
+    if (i % 100 == 0) text += " head\n resistance 0\n width 0 0\n depth 0\n";
+    const int x = 90 * (i / 100) + 7 * (i % 3), y = 80 * (i % 100);
+    text += " " + std::to_string(x) + " " + std::to_string(y) + " " +
+            std::to_string(90 * (i / 100) + 7 * ((i + 1) % 3)) + " " + std::to_string(y + 80) + " " +
+            std::to_string(40 + i % 100) + " LS_" + std::to_string(1000000 + i) + "\n";
+  }
+  return text + " quit\n";
+}
+
+// The limit on processor time ends a run that would wait for memory for ever.
+TEST(Edges, a_run_short_of_memory_says_so_and_ends) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "needs more room by itself";
+#endif
+  for (const int megabytes : {80, 180, 340, 480}) {
+    Town town;
+    const Outcome run = town.Run(kModel + Rivers(1000) + kSolve + Grid(200) + " stop\n", Town::kStem,
+                                 "ulimit -t 20; ulimit -v " + std::to_string(1024 * megabytes) + ";");
+    EXPECT_EQ(run.status, 1) << megabytes << run.errors;
+    EXPECT_THAT(run.fatal, HasSubstr("more memory")) << megabytes;
+    EXPECT_FALSE(town.Has("my town.GRD"));
+  }
+}
+
+TEST(Edges, a_signal_ends_a_large_run_soon_wherever_it_is) {
+  for (const int after : {0, 400, 900, 1700}) {
+    Town town;
+    ormel::test::WriteAll(town / "my town.DAT", kModel + Rivers(20000) + kSolve + " stop\n");
+    const pid_t run = town.StartAside();
+    while (!town.Has("out.txt") || town.Read("out.txt").empty())
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    std::this_thread::sleep_for(std::chrono::milliseconds(after));
+    const auto asked = std::chrono::steady_clock::now();
+    ASSERT_EQ(kill(run, SIGTERM), 0);
+    int status = 0;
+    ASSERT_EQ(waitpid(run, &status, 0), run);
+    // A fifth of a second on an idle machine.
+    EXPECT_LT(std::chrono::steady_clock::now() - asked, std::chrono::milliseconds(1200)) << after;
+    ASSERT_TRUE(WIFEXITED(status)) << after;
+    EXPECT_EQ(WEXITSTATUS(status), 2) << after;
+    EXPECT_THAT(town.Read("VADOX.OPS"), HasSubstr("interrupted")) << after;
+  }
 }
 
 }  // namespace

@@ -1,13 +1,10 @@
 // Potential and discharge at a point.
 #include <atomic>
 #include <cmath>
-#include <exception>
-#include <mutex>
-#include <system_error>
-#include <thread>
 
 #include "aem/field/area_field.h"
 #include "aem/field/farfield.h"
+#include "aem/parallel.h"
 #include "aem/system/system.h"
 
 namespace aem::detail {
@@ -166,32 +163,14 @@ void ParallelFor(int threads, std::size_t count, const std::function<void(std::s
     return;
   }
   std::atomic<std::size_t> next{0};
-  std::exception_ptr first;
-  std::mutex guard;
-  const auto work = [&] {
-    try {
-      for (;;) {
-        const std::size_t begin = next.fetch_add(block);
-        if (begin >= count) return;
-        body(begin, std::min(count, begin + block));
-      }
-    } catch (...) {
-      const std::lock_guard lock(guard);
-      if (!first) first = std::current_exception();
-      next.store(count);
+  std::atomic<bool> stop{false};
+  RunOnThreads(threads, &stop, [&] {
+    while (!stop.load(std::memory_order_relaxed)) {
+      const std::size_t begin = next.fetch_add(block);
+      if (begin >= count) return;
+      body(begin, std::min(count, begin + block));
     }
-  };
-  {
-    std::vector<std::jthread> pool;
-    pool.reserve(std::size_t(threads));
-    try {
-      for (int t = 1; t < threads; ++t) pool.emplace_back(work);
-    } catch (const std::system_error&) {
-      // No thread to be had: those that run do the work.
-    }
-    work();
-  }
-  if (first) std::rethrow_exception(first);
+  });
 }
 
 }  // namespace aem::detail

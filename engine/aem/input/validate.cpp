@@ -44,6 +44,12 @@ std::vector<Complex> CleanRing(const std::vector<LabelledPoint>& points, double 
   return ring;
 }
 
+std::string PlaceText(Complex at) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.8g, %.8g", at.real(), at.imag());
+  return text;
+}
+
 bool EnclosesArea(const std::vector<Complex>& ring, double tolerance) {
   return ring.size() >= 3 && std::abs(SignedArea(ring)) > tolerance * std::abs(ring[1] - ring[0]);
 }
@@ -53,6 +59,7 @@ bool EnclosesArea(const std::vector<Complex>& ring, double tolerance) {
 namespace {
 
 using detail::Box;
+using detail::PlaceText;
 
 /// Collects findings; every check is a member so that none has to pass the list along.
 class Validator {
@@ -268,12 +275,6 @@ class Validator {
     const double length = std::abs(p.b - p.a), s = detail::Dot(along, q.a - p.a),
                  t = detail::Dot(along, q.b - p.a);
     return std::min(std::max(s, t), length) - std::max(std::min(s, t), 0.0) > 4.0 * tolerance_;
-  }
-
-  static std::string PlaceText(Complex at) {
-    char text[64];
-    std::snprintf(text, sizeof text, "%.8g, %.8g", at.real(), at.imag());
-    return text;
   }
 
   /// Middle of the part of p that q lies on.

@@ -18,4 +18,7 @@ std::vector<Complex> CleanRing(const std::vector<LabelledPoint>& points, double 
 /// False for what is no ring: fewer than three vertices, or all on one line.  Pre: cleaned.
 bool EnclosesArea(const std::vector<Complex>& ring, double tolerance);
 
+/// Coordinates as a message tells them.
+std::string PlaceText(Complex at);
+
 }  // namespace aem::detail

@@ -1,14 +1,17 @@
 #include "aem/linear/linear.h"
 
 #include <lapacke.h>
+#include <sys/mman.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
-#include <cstdlib>
 #include <new>
 
+#include "aem/parallel.h"
+
 extern "C" void openblas_set_num_threads(int threads);
+extern "C" void* blas_memory_alloc(int position);
+extern "C" void blas_memory_free(void* buffer);
 
 namespace aem::detail {
 
@@ -108,17 +111,29 @@ bool InvertRows(std::vector<float>* matrix, std::size_t n, std::size_t rows, std
                              pivots.data(), inverse->data(), size) == 0;
 }
 
+namespace {
+
+/// The library takes a buffer for each thread that calls it at once with others, at its first calls, and asks
+/// the system for it for ever if it gets none.  All are taken here, where want of room can still be told.
+void TakeBuffers(int threads) {
+  constexpr std::size_t kBuffer = std::size_t(128) << 20;       // as the library has it
+  const std::size_t size = kBuffer * std::size_t(threads + 1);  // one more for its own thread
+  void* const room = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (room == MAP_FAILED) throw std::bad_alloc();
+  ::munmap(room, size);
+  std::vector<void*> taken;
+  for (int i = 0; i < threads; ++i) taken.push_back(blas_memory_alloc(0));
+  for (void* buffer : taken) blas_memory_free(buffer);
+}
+
+}  // namespace
+
 void SetDenseThreads(int threads) {
-  // The library asks the system for its buffers at its first call, and for ever if it gets none.
-  static std::atomic<bool> probed{false};
-  if (!probed.load()) {
-    constexpr std::size_t kBuffer = std::size_t(64) << 20;
-    void* const room = std::malloc(kBuffer * std::size_t(threads + 1));
-    if (room == nullptr) throw std::bad_alloc();
-    std::free(room);
-    probed.store(true);
-  }
-  openblas_set_num_threads(threads);
+  static const bool taken = [] {
+    TakeBuffers(ThreadCount(0));
+    return true;
+  }();
+  if (taken) openblas_set_num_threads(threads);
 }
 
 }  // namespace aem::detail

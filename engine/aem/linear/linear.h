@@ -28,7 +28,8 @@ class DenseFactors {
 /// The first `rows` rows of the inverse of a small matrix of n columns, column-major, which is lost; each row
 /// is n numbers of `inverse`.  On the calling thread alone.  False: singular.
 bool InvertRows(std::vector<float>* matrix, std::size_t n, std::size_t rows, std::vector<float>* inverse);
-/// Threads that dense algebra may use from now on.
+/// Threads that dense algebra may use from now on.  To be called before anything else of this header.  Throws
+/// std::bad_alloc where there is no room for the library's buffers.
 void SetDenseThreads(int threads);
 
 }  // namespace aem::detail

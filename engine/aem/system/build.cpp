@@ -1,9 +1,9 @@
 // Turns the model into elements, unknowns and control points.
 #include <algorithm>
 #include <cmath>
-#include <thread>
 
 #include "aem/input/validate.h"
+#include "aem/parallel.h"
 #include "aem/system/arrangement.h"
 #include "aem/system/ignored.h"
 #include "aem/system/strings.h"
@@ -12,7 +12,7 @@
 namespace aem::detail {
 
 System::System(Model m, Options o) : model(std::move(m)), options(o) {
-  if (options.threads <= 0) options.threads = std::max(1, int(std::thread::hardware_concurrency()));
+  options.threads = ThreadCount(options.threads);
   findings = Validate(model);
   validated = findings.size();
   for (const Finding& f : findings) refused = refused || f.severity == Severity::kFatal;
@@ -50,8 +50,7 @@ void BuildReference(System& s) {
   // Where a wall keeps its inside only, nothing comes from infinity and the heads inside fix the level. Where
   // the reference point lies within a wall that keeps its outside, the heads outside do, and nothing comes
   // from infinity either.
-  const bool enclosed =
-      std::any_of(s.ignored.begin(), s.ignored.end(), [](const auto& r) { return !r.inside; });
+  const bool enclosed = KeepsInside(s);
   const bool left_out = s.Ignored(s.model.aquifer.reference_point);
   AddPoint(s, s.model.aquifer.reference_point, 0, s.model.aquifer.reference_head,
            enclosed   ? Condition::kNone
@@ -130,6 +129,7 @@ void System::Clear() {
   edges.clear();
   features = {};
   end_power.clear();
+  enclosures.clear();
   ignored.clear();
   edge_only.clear();
   segment_of.clear();
@@ -155,6 +155,7 @@ void System::BuildOnce() {
   origin = model.aquifer.reference_point;
   Arrangement arrangement = Arrange(*this);
   zones = Zones(model.aquifer, model.domains, rings);
+  enclosures = FindEnclosures(*this, arrangement);
   FindIgnored(*this);
   if (refused) return;
   BuildReference(*this);

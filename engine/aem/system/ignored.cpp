@@ -11,61 +11,104 @@ namespace aem::detail {
 
 namespace {
 
-/// What holds the level of a region.
+/// What holds the level of a region, and what brings or takes water there.
 struct Supply {
-  bool head = false;   ///< given for better and worse
-  bool drain = false;  ///< holds for what takes or loses only as much as there is: drains and routed streams
-  bool water = false;  ///< something brings water that a drain can take
+  bool head = false;    ///< given for better and worse
+  bool drain = false;   ///< holds for what takes or loses only as much as there is: drains and routed streams
+  bool water = false;   ///< something brings water that a drain can take
+  bool source = false;  ///< something of given rate, whatever it is
 };
-
-template <class List, class Where>
-void AddPoints(const List& list, const Where& where, Supply* supply) {
-  for (const auto& e : list) {
-    if (!where(e.at)) continue;
-    supply->head = supply->head || e.by_head;
-    supply->water = supply->water || (!e.by_head && e.value < 0.0);
-  }
-}
-
-template <class Where>
-Supply SupplyOf(const Model& m, const Where& where) {
-  Supply supply;
-  AddPoints(m.wells, where, &supply);
-  AddPoints(m.partial_wells, where, &supply);
-  AddPoints(m.disks, where, &supply);
-  for (const LineSinkString& s : m.line_sinks)
-    for (const LineSinkSegment& g : s.segments) {
-      if (!where(0.5 * (g.from + g.to))) continue;
-      const bool routed = s.kind == LineSinkKind::kStream;
-      supply.head = supply.head || s.kind == LineSinkKind::kHead;
-      supply.drain = supply.drain || s.kind == LineSinkKind::kDrain || routed;
-      supply.water = supply.water || (routed && (s.inflow > 0.0 || s.overland_flow > 0.0)) ||
-                     (s.kind == LineSinkKind::kDischarge && g.value < 0.0);
-    }
-  for (const Domain& d : m.domains) {
-    if (d.recharge_sink >= 0.0 || d.ring.empty()) continue;
-    // Any part of it inside will do: what a drain then takes is looked at after the solve.
-    for (std::size_t i = 0; i < d.ring.size(); ++i) {
-      const Complex a = d.ring[i].at, b = d.ring[(i + 1) % d.ring.size()].at;
-      supply.water = supply.water || where(a) || where(0.5 * (a + b));
-    }
-  }
-  return supply;
-}
 
 bool Holds(const Supply& s) {
   return s.head || (s.drain && s.water);
 }
 
-/// Whether recharge falls on a region from a domain that holds it whole.
-bool RechargedWhole(const Model& m, const std::vector<Complex>& ring) {
-  return std::any_of(m.domains.begin(), m.domains.end(), [&](const Domain& d) {
-    if (d.recharge_sink >= 0.0 || d.ring.size() < 3) return false;
-    std::vector<Complex> around;
-    for (const LabelledPoint& p : d.ring) around.push_back(p.at);
-    return Contains(around, ring[0]);
-  });
-}
+/// Supplies of all regions: of the unbounded one first, then of the enclosures.
+class Supplies {
+ public:
+  explicit Supplies(const System& s) : s_(s), of_(s.enclosures.size() + 1) {
+    AddPoints(s.model.wells);
+    AddPoints(s.model.partial_wells);
+    AddPoints(s.model.disks);
+    for (const TheisRecord& t : s.model.theis)
+      if (Supply* here = At(t.at)) here->source = true;
+    for (std::size_t k = 0; k < s.model.line_sinks.size(); ++k)
+      for (std::size_t i = 0; i < s.model.line_sinks[k].segments.size(); ++i) AddSegment(k, i);
+    for (std::size_t d = 0; d < s.rings.size(); ++d) AddRecharge(d);
+  }
+
+  /// -1: the unbounded region.
+  const Supply& Of(int enclosure) const { return of_[std::size_t(enclosure + 1)]; }
+  /// Of all that is computed.
+  Supply Whole() const {
+    Supply sum;
+    for (const Supply& o : of_) {
+      sum.head = sum.head || o.head;
+      sum.drain = sum.drain || o.drain;
+      sum.water = sum.water || o.water;
+    }
+    return sum;
+  }
+
+ private:
+  Supply* At(Complex at) {
+    return s_.Ignored(at) ? nullptr : &of_[std::size_t(EnclosureAt(s_.enclosures, at) + 1)];
+  }
+
+  template <class List>
+  void AddPoints(const List& list) {
+    for (const auto& e : list)
+      if (Supply* here = At(e.at)) {
+        here->head = here->head || e.by_head;
+        here->source = true;
+        here->water = here->water || (!e.by_head && e.value < 0.0);
+      }
+  }
+
+  void AddSegment(std::size_t k, std::size_t i) {
+    const LineSinkString& string = s_.model.line_sinks[k];
+    const LineSinkSegment& g = string.segments[i];
+    std::vector<double> cuts = s_.segment_cuts[k][i];
+    cuts.insert(cuts.end(), {0.0, 1.0});
+    std::sort(cuts.begin(), cuts.end());
+    const double smallest = 2.0 * s_.tolerance / std::max(std::abs(g.to - g.from), s_.tolerance);
+    const bool routed = string.kind == LineSinkKind::kStream;
+    for (std::size_t c = 0; c + 1 < cuts.size(); ++c) {
+      if (cuts[c + 1] - cuts[c] <= smallest) continue;
+      Supply* here = At(g.from + 0.5 * (cuts[c] + cuts[c + 1]) * (g.to - g.from));
+      if (here == nullptr) continue;
+      here->head = here->head || string.kind == LineSinkKind::kHead;
+      here->drain = here->drain || string.kind == LineSinkKind::kDrain || routed;
+      here->source = here->source || (string.kind == LineSinkKind::kDischarge && g.value != 0.0);
+      here->water = here->water || (routed && (string.inflow > 0.0 || string.overland_flow > 0.0)) ||
+                    (string.kind == LineSinkKind::kDischarge && g.value < 0.0);
+    }
+  }
+
+  /// Any part of a domain will do: what a drain then takes is looked at after the solve.
+  void AddRecharge(std::size_t d) {
+    const double rate = s_.model.domains[d].recharge_sink;
+    const std::vector<Complex>& ring = s_.rings[d];
+    if (rate == 0.0 || ring.size() < 3) return;
+    const auto add = [&](Complex at) {
+      if (Supply* here = At(at)) {
+        here->source = true;
+        here->water = here->water || rate < 0.0;
+      }
+    };
+    // Its ring has a vertex at every wall that it meets, so that an edge lies in one region.
+    const double turn = SignedArea(ring) > 0.0 ? 1.0 : -1.0;
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+      const Complex along = ring[(i + 1) % ring.size()] - ring[i];
+      add(ring[i] + 0.5 * along + 1e-6 * turn * along * Complex{0.0, 1.0});
+    }
+    for (const Enclosure& e : s_.enclosures)
+      if (Contains(ring, e.inside)) add(e.inside);
+  }
+
+  const System& s_;
+  std::vector<Supply> of_;
+};
 
 bool Crosses(const std::vector<Complex>& a, const std::vector<Complex>& b) {
   const auto inside = [](double t) { return t > 1e-9 && t < 1.0 - 1e-9; };
@@ -83,6 +126,13 @@ bool LiesWithin(const std::vector<Complex>& inner, const std::vector<Complex>& o
   return Contains(outer, inner[0] + 0.5 * along + 1e-6 * turn * along * Complex{0.0, 1.0});
 }
 
+/// A wall around a region that is left out for want of a head.
+int WallOf(const System& s, const IgnoredRegion& region) {
+  for (const Enclosure& e : s.enclosures)
+    if (e.way == region.way) return e.walls[0];
+  return 0;
+}
+
 }  // namespace
 
 namespace {
@@ -94,13 +144,12 @@ constexpr const char* kIdleDrain =
     "head there: give a head inside or ignore the inside.";
 
 /// The reference point's head is not used where it is ignored; then something else must give one.
-void CheckReference(System& s) {
+void CheckReference(System& s, const Supplies& supplies) {
   const Complex reference = s.model.aquifer.reference_point;
   for (const IgnoredRegion& r : s.ignored) {
     if (Contains(r.ring, reference) != r.inside) continue;
-    const Supply kept = SupplyOf(s.model, [&](Complex at) { return !s.Ignored(at); });
     const Origin& wall = s.model.walls[r.wall].origin;
-    if (Holds(kept) || (kept.drain && RechargedWhole(s.model, r.ring)))
+    if (Holds(r.inside ? supplies.Of(-1) : supplies.Whole()))
       s.Add(Severity::kNote, wall,
             "The reference point lies on the ignored side of this wall: its head is not used, no water comes "
             "from infinity, and the heads given on the other side decide.");
@@ -113,10 +162,45 @@ void CheckReference(System& s) {
   }
 }
 
-/// A region that no water enters or leaves but through elements, and the ring around it.
-bool IsTight(const Wall& wall) {
-  if (wall.kind == WallKind::kOpen || wall.kind == WallKind::kKeepOutside) return false;
-  return wall.conductivity == 0.0 || wall.kind == WallKind::kKeepInside;
+/// One closed wall shuts it in and nothing else does.
+bool IsOneWall(const System& s, const Enclosure& e) {
+  return e.walls.size() == 1 && s.model.walls[e.walls[0]].kind != WallKind::kOpen;
+}
+
+const Origin& FirstWall(const System& s, const Enclosure& e) {
+  return s.model.walls[e.walls[0]].origin;
+}
+
+/// "This wall and HB_000002_0000 shut in a region near 100, 200", the first label being that of the finding.
+std::string ShutIn(const System& s, const Enclosure& e) {
+  std::string text = "This wall";
+  for (std::size_t i = 1; i < e.walls.size(); ++i)
+    text += (i + 1 < e.walls.size() ? ", " : " and ") + s.model.walls[e.walls[i]].origin.label;
+  return text + (e.walls.size() > 1 ? " shut" : " shuts") + " in a region near " + PlaceText(e.inside);
+}
+
+/// Without a given head and without water that comes or goes nothing flows there, and its one head is
+/// anyone's guess: it is left out.
+void LeaveOut(System& s, const Enclosure& e) {
+  s.Add(Severity::kWarning, FirstWall(s, e),
+        ShutIn(s, e) +
+            " without any given head: its heads are undetermined and left out.  Give a head inside, or "
+            "let the walls end where they meet.");
+  s.ignored.push_back({-1, true, e.ring, e.way});
+}
+
+void CheckEnclosure(System& s, const Enclosure& e, const Supply& supply) {
+  const bool one = IsOneWall(s, e), holds = Holds(supply);
+  if (!holds && one) {
+    s.Add(Severity::kFatal, FirstWall(s, e), supply.drain ? kIdleDrain : kNoHead);
+  } else if (!holds && supply.source) {
+    s.Add(Severity::kFatal, FirstWall(s, e),
+          ShutIn(s, e) +
+              " without any given head, but with a well or other source: give a head inside, or let "
+              "the walls end where they meet.");
+  } else if (!holds) {
+    LeaveOut(s, e);
+  }
 }
 
 }  // namespace
@@ -125,38 +209,50 @@ void FindIgnored(System& s) {
   for (std::size_t w = 0; w < s.model.walls.size(); ++w) {
     const Wall& wall = s.model.walls[w];
     if (wall.kind == WallKind::kKeepOutside || wall.kind == WallKind::kKeepInside)
-      s.ignored.push_back({int(w), wall.kind == WallKind::kKeepOutside, CleanRing(wall.points, s.tolerance)});
+      s.ignored.push_back(
+          {int(w), wall.kind == WallKind::kKeepOutside, CleanRing(wall.points, s.tolerance), {}});
   }
-  CheckReference(s);
+  const Supplies supplies(s);
+  CheckReference(s, supplies);
   if (s.refused) return;
-  for (const Wall& wall : s.model.walls) {
-    if (!IsTight(wall)) continue;
-    const std::vector<Complex> ring = CleanRing(wall.points, s.tolerance);
-    const auto inside = [&](Complex at) { return Contains(ring, at) && !s.Ignored(at); };
-    Supply supply = SupplyOf(s.model, inside);
-    supply.water = supply.water || (supply.drain && RechargedWhole(s.model, ring));
-    if (!Holds(supply))
-      s.Add(Severity::kFatal, wall.origin, supply.drain ? kIdleDrain : kNoHead);
-    else if (Contains(ring, s.model.aquifer.reference_point) && wall.kind == WallKind::kClosed)
-      s.Add(Severity::kFatal, wall.origin,
-            "The reference point lies inside this closed wall: move it outside.");
+  const bool from_infinity = !KeepsInside(s);
+  const int reference = EnclosureAt(s.enclosures, s.model.aquifer.reference_point);
+  std::vector<char> ignored;
+  for (const Enclosure& e : s.enclosures) ignored.push_back(s.Ignored(e.inside) ? 1 : 0);
+  for (std::size_t i = 0; i < s.enclosures.size(); ++i) {
+    if (ignored[i] != 0) continue;
+    const Enclosure& e = s.enclosures[i];
+    if (int(i) == reference && from_infinity && Holds(supplies.Of(reference)))
+      s.Add(Severity::kFatal, FirstWall(s, e),
+            IsOneWall(s, e) ? "The reference point lies inside this closed wall: move it outside."
+                            : ShutIn(s, e) + ", and the reference point lies there: move it outside.");
+    else
+      CheckEnclosure(s, e, supplies.Of(int(i)));
   }
 }
 
+bool KeepsInside(const System& s) {
+  return std::any_of(s.ignored.begin(), s.ignored.end(), [](const auto& r) { return !r.inside; });
+}
+
 void CheckIdle(System& s) {
-  for (const Wall& wall : s.model.walls) {
-    if (!IsTight(wall)) continue;
-    const std::vector<Complex> ring = CleanRing(wall.points, s.tolerance);
-    const auto inside = [&](Complex at) { return Contains(ring, at) && !s.Ignored(at); };
-    if (SupplyOf(s.model, inside).head) continue;
+  const Supplies supplies(s);
+  for (std::size_t e = 0; e < s.enclosures.size(); ++e) {
+    if (s.Ignored(s.enclosures[e].inside) || supplies.Of(int(e)).head) continue;
     bool holds = false;
     for (std::size_t k = 0; k < s.flag_of.size() && !holds; ++k)
       for (std::size_t i = 0; i < s.flag_of[k].size() && !holds; ++i) {
         const LineSinkSegment& g = s.model.line_sinks[k].segments[i];
         const int flag = s.flag_of[k][i];
-        holds = flag >= 0 && s.flags[flag] == 0 && inside(0.5 * (g.from + g.to));
+        holds = flag >= 0 && s.flags[flag] == 0 && EnclosureAt(s.enclosures, 0.5 * (g.from + g.to)) == int(e);
       }
-    if (!holds) s.Add(Severity::kFatal, wall.origin, kIdleDrain);
+    if (holds) continue;
+    s.Add(Severity::kFatal, FirstWall(s, s.enclosures[e]),
+          IsOneWall(s, s.enclosures[e])
+              ? kIdleDrain
+              : ShutIn(s, s.enclosures[e]) +
+                    " whose drains and streams get no water, so that none of them holds a head there: give a "
+                    "head inside, or let the walls end where they meet.");
   }
 }
 
@@ -172,7 +268,7 @@ void BuildAreas(System& s) {
         s.Add(Severity::kFatal, s.model.domains[d].origin,
               (rate != 0.0 ? "The domain's recharge" : "The domain, which has a base of its own,") +
                   std::string(" lies partly on ignored ground: let its ring end at wall ") +
-                  s.model.walls[region.wall].origin.label + ".");
+                  s.model.walls[region.wall >= 0 ? region.wall : WallOf(s, region)].origin.label + ".");
         return;
       }
       if (rate == 0.0) continue;
@@ -186,21 +282,36 @@ void BuildAreas(System& s) {
   }
 }
 
+namespace {
+
+/// The integral of the jump along a control's share of its piece, as the edge runs, times `factor`.
+void AddJump(const System& s, const Control& c, double factor, std::map<int, double>* sum) {
+  const JumpEdge& edge = s.edges[s.owners[c.piece].edge];
+  const double way =
+      Dot(s.pieces[c.piece].to - s.pieces[c.piece].from, edge.to - edge.from) > 0.0 ? 1.0 : -1.0;
+  std::array<double, kMaxBasis> values;
+  BasisValues(s.pieces[c.piece], c.parameter, values.data(), nullptr);
+  for (const Term& t : s.terms[c.piece])
+    for (int n = 0; n < s.pieces[c.piece].size; ++n)
+      (*sum)[t.unknown] += factor * way * c.weight * t.coefficient[n] * values[n];
+}
+
+}  // namespace
+
 void WeighLoops(System& s) {
-  std::map<int, std::map<int, double>> sums;
-  for (const Control& c : s.controls) {
-    if (c.condition != Condition::kWall) continue;
-    const int wall = s.edges[s.owners[c.piece].edge].wall;
-    const bool free = std::any_of(s.ignored.begin(), s.ignored.end(),
-                                  [&](const IgnoredRegion& r) { return r.wall == wall && r.inside; });
-    if (!free) continue;
-    std::array<double, kMaxBasis> values;
-    BasisValues(s.pieces[c.piece], c.parameter, values.data(), nullptr);
-    for (const Term& t : s.terms[c.piece])
-      for (int n = 0; n < s.pieces[c.piece].size; ++n)
-        sums[wall][t.unknown] += c.weight * t.coefficient[n] * values[n];
+  for (const IgnoredRegion& r : s.ignored) {
+    if (!r.inside) continue;
+    const std::map<int, double> way(r.way.begin(), r.way.end());
+    std::map<int, double> sum;
+    for (const Control& c : s.controls) {
+      if (c.condition != Condition::kWall) continue;
+      const JumpEdge& edge = s.edges[s.owners[c.piece].edge];
+      const auto on_way = way.find(edge.drawn);
+      if (r.wall < 0 ? on_way != way.end() : edge.wall == r.wall)
+        AddJump(s, c, r.wall < 0 ? on_way->second : 1.0, &sum);
+    }
+    if (!sum.empty()) s.loops.emplace_back(sum.begin(), sum.end());
   }
-  for (const auto& [wall, weights] : sums) s.loops.emplace_back(weights.begin(), weights.end());
 }
 
 }  // namespace aem::detail

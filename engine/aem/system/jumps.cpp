@@ -285,7 +285,7 @@ namespace {
 /// Edges within ignored ground carry nothing.
 bool Skipped(const System& s, int wall, Complex middle, Complex aside) {
   for (const IgnoredRegion& r : s.ignored) {
-    if (r.wall == wall) continue;
+    if (wall >= 0 && r.wall == wall) continue;
     const bool left = Contains(r.ring, middle + aside) == r.inside,
                right = Contains(r.ring, middle - aside) == r.inside;
     if (left && right) return true;
@@ -368,8 +368,10 @@ void FindPowers(System& s, Arrangement* arrangement) {
 void PlaceEdges(System& s, Arrangement* arrangement) {
   arrangement->around.assign(arrangement->nodes.size(), {});
   std::vector<std::pair<Complex, Complex>> lines;
-  for (const ArrangementEdge& e : arrangement->edges) {
+  for (std::size_t i = 0; i < arrangement->edges.size(); ++i) {
+    const ArrangementEdge& e = arrangement->edges[i];
     JumpEdge edge;
+    edge.drawn = int(i);
     edge.from = arrangement->nodes[e.from];
     edge.to = arrangement->nodes[e.to];
     edge.wall = e.wall;

@@ -14,6 +14,7 @@
 #include "aem/kernel/sources.h"
 #include "aem/kernel/theis.h"
 #include "aem/solution.h"
+#include "aem/system/enclosed.h"
 #include "aem/system/features.h"
 
 namespace aem::detail {
@@ -41,6 +42,7 @@ struct JumpEdge {
   Zone left, right;
   int wall = -1;                  ///< index in the model's walls, -1: a change of properties only
   int domain = -1, segment = -1;  ///< a domain whose ring runs here (or the wall's), and its vertex before
+  int drawn = -1;                 ///< edge of the arrangement
   std::vector<int> pieces;        ///< in order from `from` to `to`
 };
 
@@ -93,11 +95,12 @@ struct Orders {
   std::vector<unsigned char> of_edge;  ///< index in System::edges; empty before these are known
 };
 
-/// A closed wall whose one side is left out of the computation.
+/// Ground that is left out of the computation.
 struct IgnoredRegion {
-  int wall = -1;
+  int wall = -1;       ///< that asks for it; -1: shut in by several without a given head
   bool inside = true;  ///< what lies inside is ignored, else what lies outside
   std::vector<Complex> ring;
+  std::vector<std::pair<int, double>> way;  ///< without a wall: Enclosure::way
 };
 
 /// Elements, unknowns and state of a model.
@@ -128,6 +131,7 @@ struct System {
   std::shared_ptr<const FarField> far;         ///< none: everything is summed directly
   std::shared_ptr<const AreaField> far_areas;  ///< areas and disks of given rate; none: summed directly
   std::vector<JumpEdge> edges;
+  std::vector<Enclosure> enclosures;  ///< by tight walls, smaller ones first
   std::vector<IgnoredRegion> ignored;
   /// By unknown: a jump at a node where a wall meets domain edges, decided by the condition of the edges
   /// alone.
