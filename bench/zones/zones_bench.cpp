@@ -16,6 +16,7 @@ void Outline(benchmark::State& state) {
   aem_bench::AddWells(&model, static_cast<int>(state.range(1)));
   aem::Solution solution(model);
   solution.Iterate(1);
+  solution.PrepareManyPoints();
   const aem::SolutionField field(solution);
   const zones::PlanField plan(field, 0.0);
   std::vector<zones::Source> sources;

@@ -123,6 +123,10 @@ double Solution::Time() const {
   return system_->time;
 }
 
+void Solution::PrepareManyPoints() {
+  system_->PrepareManyPoints();
+}
+
 PointState Solution::At(Complex point) const {
   return system_->State(point);
 }

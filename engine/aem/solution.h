@@ -92,6 +92,10 @@ class Solution {
   double Time() const;
 
   // --- the field ----------------------------------------------------------------------------------------
+  /// Before very many questions about the same ground, such as the paths of an outline: what is found of
+  /// small cells of it is kept from now on (memory: 240 MB at most), until the solution changes.  Answers
+  /// differ from those without by less than 1e-8 of the field.  May not run beside anything else.
+  void PrepareManyPoints();
   /// The state at one point; cheap enough for a particle tracer.
   PointState At(Complex point) const;
   /// The same at many points, threaded.  Pre: both spans have one size.

@@ -19,6 +19,7 @@ constexpr double kDefaultTolerance = 0.002;
 }  // namespace
 
 void Session::Do(const ZonesCommand& command) {
+  Solved().PrepareManyPoints();
   const aem::SolutionField field(Solved());
   const zones::PlanField plan(field, time_);
   std::vector<zones::Source> sources;
@@ -43,9 +44,9 @@ void Session::Do(const ZonesCommand& command) {
   Progress(0.0, text);
   std::exception_ptr stopped;
   const std::vector<zones::WellZones> outlined =
-      zones::OutlineZones(plan, sources, command.times, options, [&](std::size_t done) {
+      zones::OutlineZones(plan, sources, command.times, options, [&](double share) {
         try {
-          Progress(static_cast<double>(done) / static_cast<double>(sources.size()), text);
+          Progress(share, text);
         } catch (...) {
           stopped = std::current_exception();
         }

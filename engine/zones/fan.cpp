@@ -199,6 +199,15 @@ bool Fan::Add(const std::vector<std::size_t>& where) {
   return true;
 }
 
+/// Each round halves what the strips carry that are not good yet, down to what is too thin to matter.
+void Fan::TellProgress(const std::vector<std::size_t>& bad) {
+  if (!options_.progress) return;
+  double widest = kThin;
+  for (const std::size_t i : bad) widest = std::max(widest, std::fabs(strips_[i].flow) / source_.discharge);
+  told_ = std::max(told_, 1.0 - std::log(widest / kThin) / std::log(1.0 / kThin));
+  options_.progress(told_);
+}
+
 bool Fan::Build() {
   std::vector<double> angles;
   for (std::size_t i = 0; i < kFirstTracks; ++i) angles.push_back(2.0 * kPi * double(i) / kFirstTracks);
@@ -211,6 +220,7 @@ bool Fan::Build() {
     std::vector<std::size_t> bad;
     for (std::size_t i = 0; i < strips_.size(); ++i)
       if (!strips_[i].good) bad.push_back(i);
+    TellProgress(bad);
     if (bad.empty() || tracks_.size() + bad.size() > kMostTracks) break;
     if (!Add(bad)) return false;
   }

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -23,6 +24,8 @@ struct FanOptions {
   int threads = 1;
   std::vector<aem::EndlessLine> boundaries;  ///< at which the ground ends
   const std::atomic<bool>* stop = nullptr;
+  /// Told the share of Build that is done, rising from 0 to 1.
+  std::function<void(double)> progress;
 };
 
 /// The well of a zone.
@@ -61,6 +64,7 @@ class Fan {
   StripRules Rules() const;
   bool HoldsWell(Complex a, Complex b, Complex c, Complex d) const;
   bool Add(const std::vector<std::size_t>& where);
+  void TellProgress(const std::vector<std::size_t>& bad);
   double AngleAfter(std::size_t i) const;
 
   const PlanField& field_;
@@ -72,7 +76,8 @@ class Fan {
   double storage_ = 1.0;     ///< porosity times thickness at the well [L]
   double least_size_ = 1.0;  ///< SizeAfter the shortest time [L]
   double rim_flow_ = 0.0;
-  int round_ = 0;  ///< of adding tracks
+  int round_ = 0;      ///< of adding tracks
+  double told_ = 0.0;  ///< of the progress
   std::vector<double> volumes_;
   std::vector<Track> tracks_;
   std::vector<Strip> strips_;

@@ -73,13 +73,23 @@ class Drawing {
     return valid;
   }
 
-  Shape Union(std::vector<Shape> shapes, double grid) const {
-    std::vector<GEOSGeometry*> loose;
-    for (Shape& shape : shapes)
-      if (shape) loose.push_back(shape.release());
-    Shape all = Own(GEOSGeom_createCollection_r(geos_.get(), GEOS_GEOMETRYCOLLECTION, loose.data(),
-                                                static_cast<unsigned>(loose.size())));
+  /// Null where lines that nearly coincide defeat the library.
+  Shape Union(const std::vector<Shape>& shapes, double grid) const {
+    std::vector<GEOSGeometry*> copies;
+    for (const Shape& shape : shapes)
+      if (shape) copies.push_back(GEOSGeom_clone_r(geos_.get(), shape.get()));
+    Shape all = Own(GEOSGeom_createCollection_r(geos_.get(), GEOS_GEOMETRYCOLLECTION, copies.data(),
+                                                static_cast<unsigned>(copies.size())));
     return Own(GEOSUnaryUnionPrec_r(geos_.get(), all.get(), grid));
+  }
+
+  /// The shapes and what lies within `width` of any of them.
+  Shape Widened(const std::vector<Shape>& shapes, double width, double grid) const {
+    if (Shape all = Union(shapes, grid)) return Buffer(all, width);
+    // Each widened by itself they overlap, and no lines coincide.
+    std::vector<Shape> wide;
+    for (const Shape& shape : shapes) wide.push_back(Buffer(shape, width));
+    return Union(wide, grid);
   }
 
   Shape Buffer(const Shape& shape, double width) const {
@@ -315,8 +325,11 @@ Rings RingsOf(const Fan& fan, const Source& source, double time, double toleranc
     return rings;
   }
   shapes.push_back(drawing.Polygon(Rim(source, fan.rim() * 1.01)));
-  Shape all = drawing.Union(std::move(shapes), kGrid * width);
-  all = drawing.Buffer(all, kClosing * width);
+  Shape all = drawing.Widened(shapes, kClosing * width, kGrid * width);
+  if (!all) {
+    rings.failure = "Its stream tubes could not be united into one outline.";
+    return rings;
+  }
   all = drawing.Buffer(all, -kClosing * width);
   all = drawing.Round(drawing.Simplify(all, kSimplify * tolerance * width), kWritten * width);
   const GEOSGeometry* main = nullptr;

@@ -15,6 +15,29 @@ namespace {
 constexpr double kMostImbalance = 0.05;
 /// By which the flow across the rim may miss the well's discharge: else something stands within the rim.
 constexpr double kRimError = 0.01;
+/// Of the work for a well that is done when its tracks are followed.
+constexpr double kFollowed = 0.85;
+
+/// What all wells have done, told as one share.
+class Shares {
+ public:
+  Shares(std::size_t wells, const std::function<bool(double)>& tell, std::atomic<bool>* stop)
+      : of_well_(wells, 0.0), tell_(tell), stop_(stop) {}
+  void Put(std::size_t well, double share) {
+    if (!tell_) return;
+    const std::lock_guard lock(guard_);
+    all_ += share - of_well_[well];
+    of_well_[well] = share;
+    if (!stop_->load() && !tell_(all_ / double(of_well_.size()))) stop_->store(true);
+  }
+
+ private:
+  std::mutex guard_;
+  std::vector<double> of_well_;
+  double all_ = 0.0;
+  const std::function<bool(double)>& tell_;
+  std::atomic<bool>* stop_;
+};
 
 /// Places that a zone never closes over: wells but its own.
 std::vector<Complex> OtherWells(const PlanField& field, const Source& source) {
@@ -47,6 +70,7 @@ WellZones OutlineWell(const PlanField& field, const Source& source, std::span<co
   }
   const std::vector<Complex> others = OtherWells(field, source);
   for (std::size_t j = 0; j < times.size(); ++j) {
+    if (options.stop->load()) return result;
     Rings rings = RingsOf(fan, source, times[j], options.tolerance, others);
     if (!rings.failure.empty()) {
       result.failure = rings.failure;
@@ -78,7 +102,7 @@ WellZones OutlineWell(const PlanField& field, const Source& source, std::span<co
 
 std::vector<WellZones> OutlineZones(const PlanField& field, std::span<const Source> wells,
                                     std::span<const double> times, const ZoneOptions& options,
-                                    const std::function<bool(std::size_t)>& progress) {
+                                    const std::function<bool(double)>& progress) {
   std::vector<WellZones> results(wells.size());
   const std::size_t machine = options.threads > 0 ? static_cast<std::size_t>(options.threads)
                                                   : std::max(1u, std::thread::hardware_concurrency());
@@ -89,17 +113,16 @@ std::vector<WellZones> OutlineZones(const PlanField& field, std::span<const Sour
   fan.threads = static_cast<int>(std::max<std::size_t>(1, machine / team_size));
   fan.boundaries = options.boundaries;
   fan.stop = options.stop != nullptr ? options.stop : &stop;
-  std::atomic<std::size_t> next{0}, done{0};
-  std::mutex reporting;
+  std::atomic<std::size_t> next{0};
+  Shares shares(wells.size(), progress, &stop);
   const auto work = [&] {
     for (;;) {
       const std::size_t index = next.fetch_add(1);
       if (index >= wells.size() || stop.load() || fan.stop->load()) return;
-      results[index] = OutlineWell(field, wells[index], times, fan);
-      const std::size_t finished = done.fetch_add(1) + 1;
-      if (!progress) continue;
-      const std::lock_guard lock(reporting);
-      if (!progress(finished)) stop.store(true);
+      FanOptions own = fan;
+      own.progress = [&](double share) { shares.Put(index, kFollowed * share); };
+      results[index] = OutlineWell(field, wells[index], times, own);
+      shares.Put(index, 1.0);
     }
   };
   std::vector<std::jthread> team;

@@ -41,10 +41,11 @@ struct ZoneOptions {
   const std::atomic<bool>* stop = nullptr;
 };
 
-/// Zones of several wells; `times` ascending, above 0.  `progress` receives the number of wells done, from
-/// one thread at a time, and returns false to stop.  Stopped, the result is empty.
+/// Zones of several wells; `times` ascending, above 0.  `progress` receives the share of the work that is
+/// done, 0 to 1 and rising, some twenty times a well and from one thread at a time, and returns false to
+/// stop. Stopped, the result is empty.
 std::vector<WellZones> OutlineZones(const PlanField& field, std::span<const Source> wells,
                                     std::span<const double> times, const ZoneOptions& options,
-                                    const std::function<bool(std::size_t)>& progress = {});
+                                    const std::function<bool(double)>& progress = {});
 
 }  // namespace zones

@@ -57,6 +57,50 @@ TEST(FarField, AgreesWithDirectSummation) {
   EXPECT_NEAR(std::abs(fast.At(middle).discharge - direct.At(middle).discharge), 0.0, 1e-9 * strength);
 }
 
+/// Cells kept for many points hold as much as what they are made from, near every kind of element, in any
+/// order of questions and from several threads; a new solution drops them.
+TEST(FarField, ItsKeptCellsAgreeWithDirectSummation) {
+  aem::Model m = Random(1500, 60);
+  m.domains[0].recharge_sink = -0.002;
+  m.disks.push_back({{"P", 1}, {420.0, 130.0}, 35.0, false, 0.004});
+  double strength = 0.002 * 600.0 * 500.0;
+  for (const auto& g : m.line_sinks[0].segments) strength += std::abs(g.value) * std::abs(g.to - g.from);
+  for (const aem::Well& w : m.wells) strength += std::abs(w.value);
+  for (const int segments : {1500, 20}) {  // with and without the scheme below the cells
+    m.line_sinks[0].segments.resize(std::size_t(segments));
+    aem::Solution fast(m), direct(m, {.direct_summation = true});
+    fast.Iterate(1);
+    ASSERT_TRUE(direct.LoadState(fast.SaveState()));
+    fast.PrepareManyPoints();
+    std::mt19937 random(11);
+    std::uniform_real_distribution<double> u(-1100.0, 1100.0), beyond(-9000.0, 9000.0), close(0.01, 3.0);
+    std::vector<Complex> places{m.wells[3].at, m.wells[5].at + 0.1, {-300.0, -200.0}, {455.0, 130.0}};
+    for (int i = 0; i < 3000; ++i) places.emplace_back(u(random), u(random));
+    for (int i = 0; i < 300; ++i) places.emplace_back(beyond(random), beyond(random));
+    for (int i = 0; i < 1000; ++i) {
+      const aem::LineSinkSegment& g = m.line_sinks[0].segments[std::size_t(i % segments)];
+      const double off = i % 4 == 0 ? 0.0 : close(random);
+      places.push_back(0.5 * (g.from + g.to) + std::polar(off, 3.0 * u(random)));
+    }
+    std::vector<aem::PointState> states(places.size());
+    fast.Evaluate(places, states);
+    for (std::size_t i = 0; i < places.size(); ++i) {
+      const aem::PointState b = direct.At(places[i]);
+      ASSERT_NEAR(states[i].potential, b.potential, 1e-9 * strength) << places[i];
+      ASSERT_NEAR(std::abs(states[i].discharge - b.discharge), 0.0, 1e-9 * strength) << places[i];
+    }
+    aem::Solution backward(m);
+    backward.Iterate(1);
+    backward.PrepareManyPoints();
+    for (std::size_t i = places.size(); i-- > 0;)
+      ASSERT_EQ(backward.At(places[i]).discharge, states[i].discharge) << places[i];
+    ASSERT_TRUE(fast.LoadState(fast.SaveState()));
+    aem::Solution plain(m);
+    plain.Iterate(1);
+    EXPECT_EQ(fast.At({10.0, 20.0}).potential, plain.At({10.0, 20.0}).potential);
+  }
+}
+
 TEST(FarField, OfAreasAndDisksAgreesWithDirectSummation) {
   aem::Model m = Base();
   std::mt19937 random(5);

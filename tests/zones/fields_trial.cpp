@@ -63,6 +63,7 @@ void Run(unsigned seed, Tally* tally) {
   std::mt19937 random(seed);
   aem::Solution solution(RandomField(random));
   solution.Iterate(1);
+  solution.PrepareManyPoints();
   const aem::SolutionField field(solution);
   const zones::PlanField plan(field, 0.0);
   std::uniform_real_distribution<double> exponent(-1.0, 2.0);

@@ -23,6 +23,7 @@ inline std::vector<zones::WellZones> Outlined(const aem::Model& m, const std::ve
   EXPECT_FALSE(solution.Refused());
   solution.Iterate(3);
   solution.SetTime(now);
+  solution.PrepareManyPoints();
   const aem::SolutionField field(solution);
   const zones::PlanField plan(field, now);
   const std::vector<zones::Source> sources = Sources(plan);

@@ -79,6 +79,7 @@ class Model {
       return;
     }
     ++tally->models;
+    solution.PrepareManyPoints();
     const aem::SolutionField field(solution);
     const zones::PlanField plan(field, 0.0);
     const std::vector<zones::Source> sources = Sources(plan);
@@ -88,6 +89,8 @@ class Model {
     const auto start = std::chrono::steady_clock::now();
     const auto results = zones::OutlineZones(plan, sources, times_, {});
     tally->seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    // The raster's paths follow the field without its cells: a taken up state has none.
+    solution.LoadState(solution.SaveState());
     Compare(field, results, tally);
   }
 

@@ -132,5 +132,31 @@ TEST(RandomFields, HoldTheirVolumeAndStayApart) {
   }
 }
 
+TEST(Progress, RisesWithinTheShareOfAWell) {
+  aem::Model m = Aquifer(0.002);
+  AddWell(m, {0.0, 0.0}, 200.0);
+  AddWell(m, {150.0, 90.0}, 40.0);
+  aem::Solution solution(m);
+  solution.Iterate(1);
+  const aem::SolutionField field(solution);
+  const zones::PlanField plan(field, 0.0);
+  std::vector<double> shares;
+  const std::vector<double> times{3650.0};
+  const auto tell = [&](double share) {
+    shares.push_back(share);
+    return true;
+  };
+  zones::OutlineZones(plan, Sources(plan), times, {}, tell);
+  EXPECT_GE(shares.size(), 12U);
+  EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()));
+  EXPECT_DOUBLE_EQ(shares.back(), 1.0);
+  int told = 0;
+  const auto stop = [&](double) { return ++told < 3; };
+  zones::ZoneOptions alone;
+  alone.threads = 1;
+  EXPECT_TRUE(zones::OutlineZones(plan, Sources(plan), times, alone, stop).empty());
+  EXPECT_EQ(told, 3) << "and no more after it was told to stop";
+}
+
 }  // namespace
 }  // namespace zones_test

@@ -188,16 +188,30 @@ Flow FarField::Walk(int index, Complex at, Complex toward) const {
   return sum;
 }
 
-Flow FarField::At(Complex at, Complex toward) const {
-  if (sources_.empty()) return {};
+double FarField::Distance(int index, Complex at) const {
+  const Source& source = sources_[index];
+  if (source.piece < 0) return std::max(0.0, std::abs(at - source.centre) - source.radius);
+  const Piece& piece = s_.pieces[source.piece];
+  return NearestOnSegment(piece.from, piece.to, at).distance;
+}
+
+int FarField::LeafAt(Complex at) const {
+  if (cells_.empty()) return -1;
   const Complex offset = at - cells_[0].centre;
-  if (std::max(std::abs(offset.real()), std::abs(offset.imag())) > cells_[0].half) return Walk(0, at, toward);
+  if (std::max(std::abs(offset.real()), std::abs(offset.imag())) > cells_[0].half) return -1;
   int index = 0;
   while (cells_[index].child >= 0) {
     const Complex o = at - cells_[index].centre;
     index = cells_[index].child + (o.real() >= 0.0 ? 1 : 0) + (o.imag() >= 0.0 ? 2 : 0);
   }
-  const Cell& cell = cells_[index];
+  return index;
+}
+
+Flow FarField::At(Complex at, Complex toward) const {
+  if (sources_.empty()) return {};
+  const int leaf = LeafAt(at);
+  if (leaf < 0) return Walk(0, at, toward);
+  const Cell& cell = cells_[leaf];
   Flow sum = Direct(cell.near, at, toward);
   const Flow far = EvaluateLocal(cell.local, cell.Around(), at);
   sum.omega += far.omega;

@@ -26,6 +26,19 @@ class FarField {
   /// Wells and pieces.  The imaginary part of omega has no meaning.
   Flow At(Complex at, Complex toward) const;
 
+  // For FineField: sources and cells by their numbers.
+  int Sources() const { return int(sources_.size()); }
+  /// A well or piece with its strength.
+  Flow One(int source, Complex at, Complex toward) const;
+  /// From where it is no smooth function of the place.
+  double Distance(int source, Complex at) const;
+  std::size_t Cells() const { return cells_.size(); }
+  /// The undivided cell around a place; -1: it lies outside of all.
+  int LeafAt(Complex at) const;
+  Disc CellDisc(int cell) const { return cells_[cell].Around(); }
+  const Series& Local(int cell) const { return cells_[cell].local; }
+  const std::vector<int>& Near(int leaf) const { return cells_[leaf].near; }
+
  private:
   struct Node {
     Disc disc;
@@ -54,7 +67,6 @@ class FarField {
   static bool FarFrom(const Node& node, const Cell& cell);
   Flow Direct(const std::vector<int>& sources, Complex at, Complex toward) const;
   Flow Walk(int node, Complex at, Complex toward) const;
-  Flow One(int source, Complex at, Complex toward) const;
 
   const System& s_;
   std::vector<Source> sources_;

@@ -5,6 +5,7 @@
 #include "aem/field/area_field.h"
 #include "aem/field/farfield.h"
 #include "aem/parallel.h"
+#include "aem/field/fine_field.h"
 #include "aem/system/system.h"
 
 namespace aem::detail {
@@ -91,11 +92,17 @@ void System::PrepareField() {
   if (!refused && !options.direct_summation && !far_areas && areas.size() + disks.size() > kManyAreas)
     far_areas = std::make_shared<AreaField>(areas, disks);
   far.reset();
+  fine.reset();
   if (!refused && !options.direct_summation && pieces.size() + wells.size() + partial_wells.size() > kPays)
     far = std::make_shared<FarField>(*this);
 }
 
+void System::PrepareManyPoints() {
+  if (!refused && !options.direct_summation && !fine) fine = std::make_shared<FineField>(*this);
+}
+
 Flow System::SteadyField(Complex at, Complex toward) const {
+  if (fine) return fine->At(at, toward);
   if (far) {
     Flow sum = Background(at);
     const Flow f = far->At(at, toward);

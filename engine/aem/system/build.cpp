@@ -200,6 +200,7 @@ void System::SumDischarges() {
 
 void System::SetCoefficients() {
   far.reset();
+  fine.reset();
   for (std::vector<WellSource>* list : {&wells, &partial_wells})
     for (WellSource& w : *list)
       if (w.unknown >= 0) w.discharge = x[w.unknown];

@@ -21,6 +21,7 @@ namespace aem::detail {
 
 class AreaField;
 class FarField;
+class FineField;
 struct Linearised;
 
 /// Coefficients that an unknown gives to a piece: c_n += coefficient[n] * x[unknown].
@@ -129,6 +130,7 @@ struct System {
   std::vector<double> coefficients;  ///< kMaxBasis a piece
   std::vector<Moments> moments;
   std::shared_ptr<const FarField> far;         ///< none: everything is summed directly
+  std::shared_ptr<const FineField> fine;       ///< before `far`, where very many points are asked
   std::shared_ptr<const AreaField> far_areas;  ///< areas and disks of given rate; none: summed directly
   std::vector<JumpEdge> edges;
   std::vector<Enclosure> enclosures;  ///< by tight walls, smaller ones first
@@ -200,6 +202,8 @@ struct System {
   Flow PieceFlow(int piece, Complex at, Complex toward) const;
   /// Builds the hierarchical scheme for the present strengths, where it pays.
   void PrepareField();
+  /// Has `fine` answer from now on, until strengths change.
+  void PrepareManyPoints();
   /// Everything: omega with real part the potential, w = Qx - i Qy.
   Flow Field(Complex at, Complex toward) const;
   /// The same without transient wells.
