@@ -1,5 +1,5 @@
 // Opening a project file: what it is, whether it is whole, whether we may have it.  Nothing is written on the
-// way, so that a refused file stays as it was, byte for byte.
+// way, so that a refused file stays as it was, byte for byte; but a command that a crash cut off is undone.
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -105,9 +105,11 @@ void CheckSize(const Header& header, const std::string& path) {
 
 /// A command that a crash cut off has left its journal; what the file says of itself holds only after undoing
 /// it.
-bool HasJournal(const std::string& path) {
+bool HasJournal(sqlite3* handle) {
   struct stat info {};
-  return ::stat((path + "-journal").c_str(), &info) == 0 && info.st_size > 0;
+  // The journal lies beside the file itself, also where the path is a link to it.
+  const char* journal = sqlite3_filename_journal(sqlite3_db_filename(handle, "main"));
+  return journal != nullptr && ::stat(journal, &info) == 0 && info.st_size > 0;
 }
 
 void CheckPath(const std::string& path) {
@@ -162,12 +164,32 @@ void Lock(sqlite3* handle, const std::string& path) {
   Run(handle, "COMMIT", path);
 }
 
-void ReadTables(sqlite3* handle, const std::string& path) {
-  const int code = sqlite3_exec(handle, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
-  if (code == SQLITE_READONLY_ROLLBACK || code == SQLITE_READONLY_RECOVERY ||
-      (code & 0xFF) == SQLITE_CANTOPEN) {
+bool IsCutOff(int code) {
+  return code == SQLITE_READONLY_ROLLBACK || code == SQLITE_READONLY_RECOVERY ||
+         (code & 0xFF) == SQLITE_CANTOPEN;
+}
+
+/// Undoes what a crash has cut off.  Only who may write can: for a moment, the file is taken for writing.
+void Heal(const std::string& path) {
+  const Handle writer = OpenHandle(path, SQLITE_OPEN_READWRITE);
+  if (sqlite3_db_readonly(writer.get(), "main") != 0 || ::access(path.c_str(), W_OK) != 0 ||
+      ::access(GetPathFromFile(path).c_str(), W_OK) != 0) {
     Refuse(StoreErrorCode::kReadOnly, path,
-           "was not closed in good order. Open it once in Ormel, for writing, which puts it right.");
+           "was being changed when a program was stopped, and putting it right needs to write: it, or its "
+           "folder, is read-only. Make both writable, or copy the project and the file \"" +
+               FileTitle(path) + "-journal\" together to a folder of your own.");
+  }
+  Lock(writer.get(), path);
+}
+
+void ReadTables(sqlite3* handle, const std::string& path) {
+  const auto read = [handle] {
+    return sqlite3_exec(handle, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
+  };
+  int code = read();
+  if (IsCutOff(code)) {
+    Heal(path);
+    code = read();
   }
   if (code != SQLITE_OK) throw MakeStoreError(handle, code, path, "");
 }
@@ -194,7 +216,7 @@ void CheckPages(Connection& connection) {
 /// The steps of OpenProjectFile on a file that can be reached.
 std::shared_ptr<Connection> OpenChecked(const std::string& path, bool read_only) {
   Handle handle = OpenHandle(path, read_only ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE);
-  const bool journal = HasJournal(path);
+  const bool journal = HasJournal(handle.get());
   if (!journal) CheckHeader(Header(handle.get()), path);
   if (!read_only) {
     CheckWritable(handle.get(), path);
