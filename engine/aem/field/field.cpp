@@ -4,8 +4,8 @@
 
 #include "aem/field/area_field.h"
 #include "aem/field/farfield.h"
-#include "aem/parallel.h"
 #include "aem/field/fine_field.h"
+#include "aem/parallel.h"
 #include "aem/system/system.h"
 
 namespace aem::detail {

@@ -267,18 +267,27 @@ class Expected:
                 found.append([label, kind, observed, modelled, observed - modelled])
         return sorted(found, key=lambda row: row[0].lower())
 
-    def vertices(self):
+    def coordinates(self, kinds):
+        """Rows of element, label, count of vertices and coordinates."""
         found = []
-        for name, table in (
+        for name, table in kinds:
+            rings = {}
+            for pid, label, x, y in self.rows(
+                    f"select e.PID,e.Label,v.X,v.Y from {table} e join Vertices v using(PID) order by e.Label,e.PID,v.Seq"):
+                rings.setdefault((label, pid), []).extend((x, y))
+            found += [[name, label, len(ring) // 2, tuple(ring)] for (label, _), ring in rings.items()]
+        return found
+
+    def element_places(self):
+        return self.coordinates((
             ("linesink string", "LinesinkStrings"),
             ("barrier", "NoFlowStrings"),
             ("inhomogeneity", "Inhomogeneities"),
             ("flux inspection line", "FluxInspect"),
-            ("capture zone", "Capzones"),
-        ):
-            found += [[name] + row for row in self.rows(
-                f"select e.Label,v.X,v.Y from {table} e join Vertices v using(PID) order by e.Label,e.PID,v.Seq")]
-        return found
+        ))
+
+    def outlines(self):
+        return [row[1:] for row in self.coordinates((("capture zone", "Capzones"),))]
 
     def warnings(self):
         log = self.path.parent / "ERROR.LOG"
@@ -335,7 +344,8 @@ class Expected:
             "Between the control points, as the solver found them": self.errors(),
             "Differences of heads, observed less modeled": self.statistics(),
             "Observed discharges": self.flows(),
-            "Vertices of strings, domains, lines and zones, in their order": self.vertices(),
+            "Vertices of strings, domains and lines in their order, as x y in the map's unit": self.element_places(),
+            "Vertices of the zones, counter-clockwise, as x y in the map's unit": self.outlines(),
             "Messages": self.warnings(),
         }
 
@@ -351,6 +361,11 @@ def compare_table(name, table, expected):
                 assert text == "" and number is None, f"{name}: {text} where nothing is expected"
             elif isinstance(value, str):
                 assert text == value, f"{name}: {text!r} against {value!r}"
+            elif isinstance(value, tuple):  # coordinates to two decimals
+                shown = tuple(float(part) for part in text.replace(";", "").split())
+                assert len(shown) == len(value), f"{name}: {len(shown)} coordinates, not {len(value)}"
+                assert all(abs(a - b) < 0.00501 for a, b in zip(shown, value)), f"{name}: {text} against {value}"
+                numbers += len(value)
             else:
                 numbers += 1
                 assert number is not None, f"{name}: no number {value} but {text!r}"
@@ -397,13 +412,13 @@ def check_pdf(path: Path, vertices: int):
         assert numbers == set(range(1, len(numbers) + 1)) and len(numbers) >= least, (kind, numbers)
     for number, page in enumerate(pages, 1):
         assert re.search(rf"\b{number} / {len(pages)}\b", page), f"page {number} has no number"
-    # The table of vertices is longer than a page: each page of it has the heads of its columns.
-    rows = re.compile(r"^\s*(?:linesink string|barrier|inhomogeneity|capture zone|flux inspection line) ", re.M)
-    long_pages = [page for page in pages if len(rows.findall(page)) > 5]
-    assert len(long_pages) > 1, "the table of vertices does not break"
-    assert sum(len(rows.findall(page)) for page in pages) >= vertices
+    # The outlines are longer than a page: each page of them has the heads of its columns, and no vertex is lost.
+    pair = re.compile(r"-?\d+(?:\.\d+)? -?\d+(?:\.\d+)?;")
+    long_pages = [page for page in pages if len(pair.findall(page)) > 100]
+    assert len(long_pages) > 1, "the table of outlines does not break"
     for page in long_pages:
-        assert re.search(r"Element\s+Label", page), page[:300]
+        assert re.search(r"Vertices\s+Coordinates", page), page[:300]
+    assert sum(len(pair.findall(" ".join(page.split()))) for page in pages) >= vertices
 
 
 def main() -> int:
@@ -430,12 +445,12 @@ def main() -> int:
             do("solve", "--yes", project)
             do("whpa", "outline", project, "--well", well, "--years", "2", "5")
             do("observe", project, *observed)
-            do("report", project, "report.html")
-            do("report", project, "report.pdf")
+            do("report", "--with", "outlines", project, "report.html")
+            do("report", "--with", "outlines", project, "report.pdf")
             expected = Expected(project)
             numbers = check_html((home / "report.html").read_text(encoding="utf-8"), expected)
             assert numbers > 400, f"only {numbers} numbers were compared"
-            check_pdf(home / "report.pdf", len(expected.vertices()))
+            check_pdf(home / "report.pdf", sum(row[-2] - 1 for row in expected.element_places() + expected.outlines()))
             expected.db.close()
             print(f"{name}: {numbers} numbers equal the store's")
     return 0
