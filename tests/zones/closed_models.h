@@ -50,7 +50,7 @@ inline std::vector<ClosedModel> ClosedModels() {
     return list.back().model;
   };
   AddWell(add("1 no gradient, a circle", Aquifer(0.0), {365.0, 1825.0, 3650.0}), {0, 0}, 500.0);
-  AddWell(add("2 uniform flow", Aquifer(0.004), {730.0, 1825.0, 7300.0}), {0, 0}, 100.0);
+  AddWell(add("2 uniform flow", Aquifer(0.004), {365.0, 1095.0, 2190.0}), {0, 0}, 100.0);
   aem::Model& fed = add("3 recharge alone, a circle of Q over N", Aquifer(0.0), {1000.0, 4000.0, 1e5});
   fed.aquifer.reference_point = {9000.0, 0.0};
   AddWell(fed, {0, 0}, 1000.0);
@@ -62,11 +62,11 @@ inline std::vector<ClosedModel> ClosedModels() {
   AddWell(equal, {-100, 0}, 500.0);
   for (const double part : {0.98, 1.5})
     add(part < 1.0 ? "5 river, just below the critical rate" : "6 river, above the critical rate",
-        River(1.0, part * kPi * 200.0, 200.0), {365.0, 3650.0, 40000.0});
+        River(1.0, part * kPi * 200.0, 200.0), {365.0, 1095.0, 2500.0});
   aem::Model& image = add("7 image pair", Aquifer(0.0), {300.0, 700.0, 12000.0});
   AddWell(image, {100, 0}, 500.0);
   AddWell(image, {-100, 0}, -500.0);
-  aem::Model& weak = add("8 weak wells between strong ones", Aquifer(0.003, 1.0), {200.0, 2000.0, 20000.0});
+  aem::Model& weak = add("8 weak wells between strong ones", Aquifer(0.003, 1.0), {200.0, 1000.0, 3000.0});
   AddWell(weak, {-250, 0}, 900.0);
   AddWell(weak, {250, 30}, 700.0);
   AddWell(weak, {20, 60}, 6.0);
