@@ -10,6 +10,12 @@ namespace ormel {
 namespace {
 
 constexpr int kSteps = 1000;
+constexpr double kTelling = 0.03;
+constexpr qint64 kTellingSeconds = 2;
+
+QString MinutesText(qint64 seconds) {
+  return QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
+}
 
 }  // namespace
 
@@ -48,6 +54,7 @@ void WaitBox::SetText(const QString& text) {
 
 void WaitBox::SetProgress(double fraction, const QString& step) {
   step_->setText(step);
+  fraction_ = fraction;
   if (fraction < 0.0) {
     bar_->setRange(0, 0);
     return;
@@ -58,7 +65,13 @@ void WaitBox::SetProgress(double fraction, const QString& step) {
 
 void WaitBox::SetElapsed(qint64 milliseconds) {
   const qint64 seconds = milliseconds / 1000;
-  elapsed_->setText(tr("Elapsed %1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0')));
+  QString text = tr("Elapsed %1").arg(MinutesText(seconds));
+  // Little that is done says little of the rest.
+  if (fraction_ >= kTelling && seconds >= kTellingSeconds) {
+    const double left = double(seconds) * (1.0 - fraction_) / fraction_;
+    text += tr(", about %1 left").arg(MinutesText(qRound64(left)));
+  }
+  elapsed_->setText(text);
 }
 
 void WaitBox::reject() {

@@ -18,7 +18,7 @@ class WaitBox : public QDialog {
   void SetText(const QString& text);
   /// `fraction` 0 to 1; below 0 the bar only shows that the program is alive.
   void SetProgress(double fraction, const QString& step);
-  /// Shows the time since the command began.
+  /// Shows the time since the command began, and what the progress so far says of the rest.
   void SetElapsed(qint64 milliseconds);
 
   /// Cancel and Escape ask; they close nothing.
@@ -33,6 +33,7 @@ class WaitBox : public QDialog {
   QLabel* elapsed_;
   QProgressBar* bar_;
   QPushButton* cancel_;
+  double fraction_ = -1.0;
 };
 
 }  // namespace ormel

@@ -55,6 +55,7 @@ struct WhpaOptions {
   double time = 0.0, porosity = 0.0, thickness = 0.0, ambient = 0.0, direction = 0.0;
   std::vector<std::string> stream;  ///< the two points of a boundary
   double head = 0.0, conductivity = 0.0;
+  bool outline = false;
 };
 
 using Fill = void (*)(DialogValues&, const WhpaOptions&, const std::vector<std::string>& offered);
@@ -89,6 +90,7 @@ void FillCalculated(DialogValues& values, const WhpaOptions& given, const std::v
   values.Set("WHPACentric", "DrawBack(0)", "yes");
   values.Set("WHPAEccentric", "DataDirectionFlow", given.direction);
   values.Set("WHPAUniform", "DataDirectionFlow", given.direction);
+  values.Set("WHPACalculated", "chkOutline", given.outline ? "yes" : "no");
   FillStream(values, given);
 }
 
@@ -98,6 +100,7 @@ void FillMultiple(DialogValues& values, const WhpaOptions& given, const std::vec
   values.Set("WHPAMultiple", "DataThickness", given.thickness);
   values.Set("WHPAMultiple", "DataAmbientFlow", given.ambient);
   values.Set("WHPAMultiple", "DataDirectionFlow", given.direction);
+  values.Set("WHPAMultiple", "chkOutline", given.outline ? "yes" : "no");
   FillStream(values, given);
 }
 
@@ -203,6 +206,8 @@ void AquiferOptions(CLI::App& command, WhpaOptions& given) {
   command.add_option("--head", given.head, "Head at the first point of the stream")->needs(stream);
   command.add_option("--conductivity", given.conductivity, "Hydraulic conductivity, for a stream [length/d]")
       ->needs(stream);
+  command.add_flag("--outline", given.outline,
+                   "Outline the area of the pathlines too, as a capture zone that is checked and stored");
 }
 
 void WellOption(CLI::App& command, WhpaOptions& given, const char* text) {

@@ -22,6 +22,8 @@ constexpr double kClosing = 1e-5;  ///< gaps narrower than twice this are closed
 constexpr double kSagitta = 0.05, kSimplify = 0.05;
 /// Holes of a smaller part of the ground are gaps between strips where the flow divides.
 constexpr double kLeastHole = 1e-5;
+/// Part of an area that a method of the geometry library may miss before another one is tried.
+constexpr double kLost = 1e-3;
 constexpr int kRimSides = 24;
 /// Turn between two sides of the front up to which it is drawn as a curve [rad].
 constexpr double kSmooth = 0.6;
@@ -62,15 +64,28 @@ class Drawing {
     return Own(shell == nullptr ? nullptr : GEOSGeom_createPolygon_r(geos_.get(), shell, nullptr, 0));
   }
 
-  /// What a ring that may touch or cross itself encloses.
+  /// What a ring that may touch or cross itself encloses.  The library's first method now and then loses the
+  /// whole of a ring that crosses itself by a hair: the one that keeps its area best is taken.
   Shape Valid(Shape shape) const {
     if (!shape || GEOSisValid_r(geos_.get(), shape.get()) == 1) return shape;
-    GEOSMakeValidParams* params = GEOSMakeValidParams_create_r(geos_.get());
-    GEOSMakeValidParams_setMethod_r(geos_.get(), params, GEOS_MAKE_VALID_STRUCTURE);
-    GEOSMakeValidParams_setKeepCollapsed_r(geos_.get(), params, 0);
-    Shape valid = Own(GEOSMakeValidWithParams_r(geos_.get(), shape.get(), params));
-    GEOSMakeValidParams_destroy_r(geos_.get(), params);
-    return valid;
+    const double area = Area(shape.get());
+    Shape best = Own(nullptr);
+    double least = std::numeric_limits<double>::max();
+    for (const GEOSMakeValidMethods method : {GEOS_MAKE_VALID_STRUCTURE, GEOS_MAKE_VALID_LINEWORK}) {
+      GEOSMakeValidParams* params = GEOSMakeValidParams_create_r(geos_.get());
+      GEOSMakeValidParams_setMethod_r(geos_.get(), params, method);
+      GEOSMakeValidParams_setKeepCollapsed_r(geos_.get(), params, 0);
+      Shape valid = Own(GEOSMakeValidWithParams_r(geos_.get(), shape.get(), params));
+      GEOSMakeValidParams_destroy_r(geos_.get(), params);
+      if (!valid) continue;
+      const double off = std::fabs(Area(valid.get()) - area);
+      if (off < least) {
+        best = std::move(valid);
+        least = off;
+      }
+      if (least <= kLost * area) break;
+    }
+    return best;
   }
 
   /// Null where lines that nearly coincide defeat the library.
@@ -83,10 +98,10 @@ class Drawing {
     return Own(GEOSUnaryUnionPrec_r(geos_.get(), all.get(), grid));
   }
 
-  /// The shapes and what lies within `width` of any of them.
-  Shape Widened(const std::vector<Shape>& shapes, double width, double grid) const {
-    if (Shape all = Union(shapes, grid)) return Buffer(all, width);
-    // Each widened by itself they overlap, and no lines coincide.
+  /// The shapes and what lies within `width` of any of them: each widened by itself, so that they overlap and
+  /// no lines coincide, or all of them united first.
+  Shape Widened(const std::vector<Shape>& shapes, double width, double grid, bool each) const {
+    if (!each) return Buffer(Union(shapes, grid), width);
     std::vector<Shape> wide;
     for (const Shape& shape : shapes) wide.push_back(Buffer(shape, width));
     return Union(wide, grid);
@@ -304,7 +319,7 @@ Rings RingsOf(const Fan& fan, const Source& source, double time, double toleranc
   Rings rings;
   Drawing drawing;
   std::vector<Shape> shapes;
-  double width = 0.0;
+  double width = 0.0, ground = 0.0;
   // Drawn twice: coarsely for the width by which it is then drawn well.
   for (const double coarseness : {1.0, kSagitta * tolerance}) {
     const double sagitta = width > 0.0 ? coarseness * width : std::numeric_limits<double>::max();
@@ -319,23 +334,30 @@ Rings RingsOf(const Fan& fan, const Source& source, double time, double toleranc
       shapes.push_back(std::move(shape));
     }
     width = perimeter > 0.0 ? 2.0 * area / perimeter : 0.0;
+    ground = area;
   }
   if (!(width > 0.0)) {
     rings.failure = "No ground lies between the paths.";
     return rings;
   }
   shapes.push_back(drawing.Polygon(Rim(source, fan.rim() * 1.01)));
-  Shape all = drawing.Widened(shapes, kClosing * width, kGrid * width);
-  if (!all) {
-    rings.failure = "Its stream tubes could not be united into one outline.";
-    return rings;
-  }
-  all = drawing.Buffer(all, -kClosing * width);
-  all = drawing.Round(drawing.Simplify(all, kSimplify * tolerance * width), kWritten * width);
+  // The library can fail, or lose a part, where sides of tubes nearly coincide: what it lost shows in the
+  // area, and then it is asked in another way.
+  Shape all = drawing.Own(nullptr);
   const GEOSGeometry* main = nullptr;
-  for (const GEOSGeometry* polygon : drawing.Polygons(all)) {
+  for (const bool each : {false, true}) {
+    Shape drawn = drawing.Widened(shapes, kClosing * width, kGrid * width, each);
+    drawn = drawing.Buffer(drawn, -kClosing * width);
+    drawn = drawing.Round(drawing.Simplify(drawn, kSimplify * tolerance * width), kWritten * width);
     // Ground that does not hang together with the well's is left out, and missed by the balance.
-    if (drawing.Holds(polygon, source.at)) main = polygon;
+    const GEOSGeometry* found = nullptr;
+    for (const GEOSGeometry* polygon : drawing.Polygons(drawn))
+      if (drawing.Holds(polygon, source.at)) found = polygon;
+    if (found != nullptr && (main == nullptr || drawing.Area(found) > drawing.Area(main))) {
+      all = std::move(drawn);
+      main = found;
+    }
+    if (main != nullptr && drawing.Area(main) >= (1.0 - kLost) * ground) break;
   }
   if (main == nullptr) {
     rings.failure = "The outline does not hold the well.";

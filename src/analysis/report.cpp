@@ -18,6 +18,7 @@
 #include "store/database.h"
 #include "store/store_error.h"
 #include "text/files.h"
+#include "text/html.h"
 #include "text/strings.h"
 
 namespace ormel {

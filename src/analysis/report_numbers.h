@@ -34,8 +34,6 @@ std::string QuantityNames();
 
 /// "m^3/day" as HTML with its exponent raised.
 std::string UnitHtml(std::string_view unit);
-/// Text with its "&", "<", ">" and quotes made harmless.
-std::string EscapeHtml(std::string_view text);
 /// The shortest digits that give back the same number.
 std::string AllDigits(double value);
 

@@ -75,10 +75,14 @@ std::shared_ptr<Table> ZonesTable(Ormel& ormel) {
     columns.push_back({.name = name, .caption = name});
   auto table = std::make_shared<Table>(std::move(columns));
   RowReader vertices(ormel.db(), "select X,Y from Vertices where PID=? order by Seq", {kNoPolygon});
-  RowReader rows(ormel.db(), "select Label,PID from Capzones order by Label");
+  RowReader rows(ormel.db(), ormel.db().HasTable(kChecks)
+                                 ? "select c.Label,c.PID,z.Well,z.Years from Capzones c left join Zones z on "
+                                   "z.PID=c.PID order by c.Label"
+                                 : "select Label,PID,null,null from Capzones order by Label");
   while (rows.Next()) {
     const std::string label(rows.Text(0));
-    const Named named = WellAndTime(ormel, label);
+    const Named named =
+        rows.IsNull(2) ? WellAndTime(ormel, label) : Named{std::string(rows.Text(2)), rows.Double(3)};
     const ZoneShape s = ShapeOf(RingOf(vertices, rows.Long(1)));
     const Extents& e = s.extents;
     std::vector<Value> values{label,

@@ -24,8 +24,9 @@ struct ZoneShape {
 ZoneShape ShapeOf(const std::vector<MapPoint>& ring);
 
 /// The computed table "zones": per capture zone polygon `Label`, `Well`, `Years`, `Area`, `Perimeter`,
-/// `Width`, `Height`, `West`, `East`, `South`, `North`, `Vertices`.  Well and time are those of the label
-/// "<well> <n> years" that an outlined zone carries, where such a well exists; a zone drawn by hand has none.
+/// `Width`, `Height`, `West`, `East`, `South`, `North`, `Vertices`.  Well and time are those that the store
+/// keeps of an outlined zone; without, those of the label "<well> <n> years" where such a well exists.  A
+/// zone drawn by hand has none.
 std::shared_ptr<Table> ZonesTable(Ormel& ormel);
 
 /// The computed table "zonechecks": what the store keeps of how zones were outlined: `Label`, `Well`,

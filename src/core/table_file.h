@@ -18,6 +18,12 @@ inline constexpr ControlSpec kExportButton{.name = "Export",
                                            .caption = "&Save As CSV...",
                                            .tip = "The table in its present order, with all digits"};
 
+/// Of forms whose tables go on paper.
+inline constexpr ControlSpec kPrintButton{.name = "Print",
+                                          .kind = ControlKind::kButton,
+                                          .caption = "&Print to PDF...",
+                                          .tip = "The table in its present order on pages"};
+
 struct Ormel;
 class Table;
 
@@ -28,5 +34,11 @@ void WriteCsv(const Table& table, const std::string& path);
 /// Asks for a file and writes the table; `name` is offered.  A file that stands there is replaced only if the
 /// user agrees; one that cannot be written is told with its reason.
 void SaveTable(Ormel& ormel, const Table& table, std::string_view name);
+
+/// A document of HTML that shows the table as the screen does, below a heading.
+std::string TableHtml(const Table& table, std::string_view heading);
+/// Asks for a file and writes the table as pages of a PDF by the publisher; without one it does nothing.
+/// Otherwise as SaveTable.
+void PrintTable(Ormel& ormel, const Table& table, std::string_view name);
 
 }  // namespace ormel

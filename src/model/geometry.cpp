@@ -54,13 +54,7 @@ bool IsInPolygon(std::span<const MapPoint> polygon, MapPoint point) {
 }
 
 double PolygonArea(std::span<const MapPoint> polygon, MapPoint origin) {
-  double sum = 0.0;
-  for (std::size_t i = 0; i < polygon.size(); ++i) {
-    const MapPoint previous = polygon[(i + polygon.size() - 1) % polygon.size()];
-    sum += 0.5 * ((polygon[i].x - origin.x) * (previous.y - origin.y) -
-                  (polygon[i].y - origin.y) * (previous.x - origin.x));
-  }
-  return std::abs(sum);
+  return std::abs(SignedArea(polygon, origin));
 }
 
 bool IsInDomain(Ormel& ormel, Pid pid, MapPoint point) {

@@ -17,7 +17,18 @@ double GetTheta(MapPoint point, MapPoint from, MapPoint to);
 /// Winding test: the angles over all edges and the closing edge sum to about 2 pi inside and 0 outside; the
 /// limit is 1.  A point that equals a vertex exactly is inside.  Without vertices nothing is inside.
 bool IsInPolygon(std::span<const MapPoint> polygon, MapPoint point);
-/// Shoelace sum relative to `origin`, always positive [map units squared]; 0 below two points.
+/// Area of a ring, positive when it runs counter-clockwise [unit of its points squared]: the shoelace sum
+/// about `origin`, which stands near the ring so that no digits are lost.
+template <class Point>
+double SignedArea(std::span<const Point> ring, Point origin) {
+  double sum = 0.0;
+  for (std::size_t i = 0; i < ring.size(); ++i) {
+    const Point &a = ring[i], &b = ring[(i + 1) % ring.size()];
+    sum += 0.5 * ((a.x - origin.x) * (b.y - origin.y) - (b.x - origin.x) * (a.y - origin.y));
+  }
+  return sum;
+}
+/// The same without its sign; 0 below two points.
 double PolygonArea(std::span<const MapPoint> polygon, MapPoint origin);
 
 bool IsInDomain(Ormel& ormel, Pid pid, MapPoint point);

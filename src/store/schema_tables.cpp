@@ -247,7 +247,8 @@ constexpr std::array kWHPAs{Text("Well", 64), Number("Radius"), Number("TimeOfTr
                             GivenText("WHPAText", kDefaultTextSize, "", kOptional),
                             Field{"WHPAData", kDouble, 0, {}, false, kOptional, false},
                             // appended
-                            Given("VID1", kLong, "0", kOptional), Given("VID2", kLong, "0", kOptional)};
+                            Given("VID1", kLong, "0", kOptional), Given("VID2", kLong, "0", kOptional),
+                            Given("Outline", kInteger, "0", kOptional)};
 
 constexpr Index Key(std::string_view field) {
   return {field, true, true};

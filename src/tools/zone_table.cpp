@@ -23,7 +23,10 @@ constexpr std::array kControls{
                     "Shares tell where the water came from that the well takes in the time: it stood in the "
                     "aquifer, or recharge, streams or the ground beyond an edge brought it.  The balance "
                     "is what these miss of it; a zone that misses more than 1 percent is not stored."},
-    ControlSpec{.name = "grid", .kind = ControlKind::kTable}, kCopyButton, kExportButton,
+    ControlSpec{.name = "grid", .kind = ControlKind::kTable},
+    kCopyButton,
+    kExportButton,
+    kPrintButton,
     ControlSpec{
         .name = "Close", .kind = ControlKind::kButton, .caption = "Close", .role = ButtonRole::kReject}};
 
@@ -101,6 +104,7 @@ ZoneTable::ZoneTable(Ormel& ormel)
   Mutable("grid").table = table_;
   Offer("Copy", table_->Rows() > 0);
   Offer("Export", table_->Rows() > 0);
+  Offer("Print", table_->Rows() > 0 && ormel.ports.publisher != nullptr);
 }
 
 std::span<const ControlSpec> ZoneTable::Controls() const {
@@ -110,6 +114,7 @@ std::span<const ControlSpec> ZoneTable::Controls() const {
 void ZoneTable::Pressed(std::string_view name) {
   if (name == "Copy") return CopyTable("grid");
   if (name == "Export") return SaveTable(ormel(), *table_, "Capture zones");
+  if (name == "Print") return PrintTable(ormel(), *table_, "Capture zones");
   if (name == "Close") Hide();
 }
 

@@ -34,6 +34,18 @@ std::vector<MapPoint> Ring(std::span<const MapPoint> points, bool closed) {
   return ring;
 }
 
+/// The zone's ring and those of its holes as one, joined by bridges of no width.
+std::vector<MapPoint> GroundOf(const Zones& zones, const Zone& zone) {
+  std::vector<MapPoint> ground = zone.points;
+  for (const Zone& hole : zones.all) {
+    if (!hole.hole || hole.tag.well != zone.tag.well || hole.tag.years != zone.tag.years) continue;
+    ground.push_back(zone.points.front());
+    ground.insert(ground.end(), hole.points.begin(), hole.points.end());
+    ground.push_back(hole.points.front());
+  }
+  return ground;
+}
+
 /// The line of a zone that was drawn by hand, or that is selected, erased or under way.
 void DrawPlain(const MapCanvas& canvas, std::span<const MapPoint> points, bool closed, DrawMode mode,
                bool vertices) {
@@ -72,13 +84,20 @@ std::size_t Zones::WellOf(const Zone& zone) const {
 Zones ReadZones(Ormel& ormel) {
   Zones zones;
   const VertexChains chains(ormel.db(), "Capzones");
+  const bool known = ormel.db().HasTable("Zones");
   RowReader rows(ormel.db(),
-                 "select Capzones.PID,Polygons.Closed,Capzones.Label from Capzones left join Polygons on "
-                 "Polygons.PID=Capzones.PID");
+                 known
+                     ? "select Capzones.PID,Polygons.Closed,Capzones.Label,Zones.Well,Zones.Years,Zones.Part "
+                       "from Capzones left join Polygons on Polygons.PID=Capzones.PID "
+                       "left join Zones on Zones.PID=Capzones.PID"
+                     : "select Capzones.PID,Polygons.Closed,Capzones.Label,null,null,null from Capzones "
+                       "left join Polygons on Polygons.PID=Capzones.PID");
   while (rows.Next()) {
     const auto points = chains.Of(rows.Long(0));
     if (points.empty()) continue;
-    Zone zone{rows.Long(0), rows.Bool(1), ZoneTagOf(rows.Text(2)), {points.begin(), points.end()}};
+    ZoneTag tag =
+        rows.IsNull(3) ? ZoneTagOf(rows.Text(2)) : ZoneTag{std::string(rows.Text(3)), rows.Double(4)};
+    Zone zone{rows.Long(0), rows.Bool(1), std::move(tag), {points.begin(), points.end()}, rows.Long(5) > 0};
     if (zone.tag.outlined()) {
       zones.times.push_back(zone.tag.years);
       zones.wells.push_back(zone.tag.well);
@@ -97,8 +116,8 @@ void ModelDrawAllCapzones(const MapCanvas& canvas) {
   const Named named(canvas.ormel, "ModelDrawAllCapzones");
   const Zones zones = ReadZones(canvas.ormel);
   for (const Zone& zone : zones.all)
-    if (zone.tag.outlined() && zone.closed)
-      canvas.vg.vgGDIArea(zone.points, ZoneAreaColor(zones.WellOf(zone)), kZoneOpacity);
+    if (zone.tag.outlined() && zone.closed && !zone.hole)
+      canvas.vg.vgGDIArea(GroundOf(zones, zone), ZoneAreaColor(zones.WellOf(zone)), kZoneOpacity);
   // Lines above all areas.
   for (const Zone& zone : zones.all) {
     if (zone.tag.outlined())

@@ -18,7 +18,8 @@ struct ZoneTag {
   double years = 0.0;
   bool outlined() const { return years > 0.0; }
 };
-/// From a label of the form "<well> <n> years" or "<well> 1 year".
+/// From a label of the form "<well> <n> years" or "<well> 1 year": for rings of which the table `Zones` tells
+/// nothing.
 ZoneTag ZoneTagOf(std::string_view label);
 
 struct Zone {
@@ -26,6 +27,7 @@ struct Zone {
   bool closed;
   ZoneTag tag;
   std::vector<MapPoint> points;
+  bool hole = false;  ///< in the zone of the same well and time
 };
 
 /// The zones of the project with what tells them apart.

@@ -108,6 +108,7 @@ WhpaRow CalculatedRow(const Ormel& ormel, const WHPACalculated& form) {
   if (answers.draw_stream) {
     row.FirstHead = answers.first_head;
     row.WHPAData = answers.conductivity;
+    row.Outline = form.Checked("chkOutline");
   }
   return row;
 }
@@ -155,6 +156,7 @@ CaseOutcome Multiple(Ormel& ormel) {
     row.Direction = form.answers.direction;
     row.FirstHead = form.answers.first_head;
     row.WHPAData = form.answers.conductivity;
+    row.Outline = form.Checked("chkOutline");
     rows.push_back(row);
   }
   AddWhpaRows(ormel, rows);

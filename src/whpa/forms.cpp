@@ -29,6 +29,13 @@ constexpr ControlSpec kPorosity{
 constexpr ControlSpec kThickness{
     .name = "DataThickness", .kind = ControlKind::kNumber, .caption = "Aquifer Thickness"};
 
+constexpr ControlSpec kOutline{.name = "chkOutline",
+                               .kind = ControlKind::kCheck,
+                               .caption = "Outline the area of the pathlines",
+                               .tip =
+                                   "The ground from which water reaches the well within the maximum travel "
+                                   "time is outlined, checked and stored as a capture zone too"};
+
 constexpr ControlSpec kArbitraryControls[] = {
     kWellList,
     {.name = "DataRadius", .kind = ControlKind::kNumber, .caption = "Radius", .unit = "m"},
@@ -49,6 +56,7 @@ constexpr ControlSpec kCalculatedControls[] = {
     kPorosity,
     kThickness,
     {.name = "DataAmbient", .kind = ControlKind::kNumber, .caption = "Ambient Flow"},
+    kOutline,
     kContinue,
     kCancel,
 };
@@ -68,6 +76,7 @@ constexpr ControlSpec kMultipleControls[] = {
      .caption = "Direction of Flow",
      .unit = "Degrees",
      .tip = "Where the ambient flow goes, counter-clockwise from east"},
+    kOutline,
     kContinue,
     kCancel,
 };
@@ -161,6 +170,7 @@ WHPACalculated::WHPACalculated(Ormel& ormel, std::vector<WhpaWell> wells)
   PutNumber("DataPorosity", row.Porosity);
   PutNumber("DataThickness", row.Thickness);
   PutNumber("DataAmbient", row.AmbientFlow);
+  Mutable("chkOutline").checked = row.Outline;
   answers.direction = row.Direction;
 }
 
@@ -278,6 +288,7 @@ WHPAMultiple::WHPAMultiple(Ormel& ormel, std::vector<WhpaWell> wells) : WhpaForm
   PutNumber("DataThickness", rows.front().Thickness);
   PutNumber("DataAmbientFlow", rows.front().AmbientFlow);
   PutNumber("DataDirectionFlow", rows.front().Direction);
+  Mutable("chkOutline").checked = rows.front().Outline;
   SelectWells("listWell", rows);
 }
 

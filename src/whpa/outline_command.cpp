@@ -1,7 +1,6 @@
 #include "whpa/outline_command.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <utility>
 
 #include "core/command.h"
@@ -69,26 +68,14 @@ std::vector<ZoneOwner> OwnersOf(const OutlineRequest& request) {
 }
 
 void WriteDeck(const Ormel& ormel, const OutlineRequest& request, TextSink& deck) {
-  const auto lines = [&deck](std::initializer_list<std::string_view> texts) {
-    for (const std::string_view text : texts) deck.Line(text);
-  };
   deck.Line(DeckHeadLine());
-  lines({" error temperror.log", " yes", " message tempmess.log", " yes", " echo nul", " picture off",
-         " quit", " "});
+  for (const char* line : {" error temperror.log", " yes", " message tempmess.log", " yes", " echo nul",
+                           " picture off", " quit", " "})
+    deck.Line(line);
   deck.Line(" load " + ormel.project.OrmelBaseName);
   deck.Line(" time " + NumberText(ormel.solution.SolutionTime));
-  deck.Line(" zones");
-  deck.Line(std::string(" file ") + kDeckStem);
-  deck.Line(" y");
-  deck.Line(" tolerance " + NumberText(request.tolerance));
-  std::string times = " times";
-  for (const double years : request.years) times += " " + NumberText(years * kDaysPerYear);
-  deck.Line(times);
-  for (const CaptureWell& well : request.wells) {
-    const ModelPoint centre = WToM(ormel, well.at);
-    deck.Line(" well " + NumberText(centre.x) + " " + NumberText(centre.y));
-  }
-  lines({" go", " quit", " stop"});
+  WriteZonesBlock(ormel, deck, kDeckStem, request);
+  deck.Line(" stop");
 }
 
 /// Runs the solver on its saved solution and reads what it outlined.  False, and the user has been told, when
@@ -129,8 +116,8 @@ const CaptureWell* AskedFor(const OutlineRequest& request, const WellOutlines& o
 /// Stores what passes its checks and tells of the rest.
 class Storing {
  public:
-  Storing(Ormel& ormel, const OutlineRequest& request)
-      : ormel_(ormel), request_(request), owners_(OwnersOf(request)) {}
+  Storing(Ormel& ormel, const OutlineRequest& request, const std::vector<ZoneOwner>& owners)
+      : ormel_(ormel), request_(request), owners_(owners) {}
 
   int Store(const std::vector<WellOutlines>& wells) {
     const std::vector<RefusedZone> refused = CheckZones(wells);
@@ -176,7 +163,7 @@ class Storing {
 
   Ormel& ormel_;
   const OutlineRequest& request_;
-  std::vector<ZoneOwner> owners_;
+  const std::vector<ZoneOwner>& owners_;
   std::string text_;
   int told_ = 0, stored_ = 0;
 };
@@ -205,13 +192,38 @@ std::vector<CaptureWell> CaptureWells(Ormel& ormel) {
   return wells;
 }
 
+void WriteZonesBlock(const Ormel& ormel, TextSink& deck, const std::string& stem,
+                     const OutlineRequest& request, const std::vector<MapPoint>& boundary) {
+  const auto place = [&ormel](MapPoint at) {
+    const ModelPoint point = WToM(ormel, at);
+    return " " + NumberText(point.x) + " " + NumberText(point.y);
+  };
+  deck.Line(" zones");
+  deck.Line(" file " + stem);
+  deck.Line(" y");
+  deck.Line(" tolerance " + NumberText(request.tolerance));
+  std::string times = " times";
+  for (const double years : request.years) times += " " + NumberText(years * kDaysPerYear);
+  deck.Line(times);
+  for (const CaptureWell& well : request.wells) deck.Line(" well" + place(well.at));
+  if (boundary.size() == 2) deck.Line(" boundary" + place(boundary[0]) + place(boundary[1]));
+  deck.Line(" go");
+  deck.Line(" quit");
+}
+
+int StoreOutlines(Ormel& ormel, const OutlineRequest& request, const std::vector<ZoneOwner>& owners,
+                  const std::vector<WellOutlines>& wells) {
+  return Storing(ormel, request, owners).Store(wells);
+}
+
 int OutlineCaptureZones(Ormel& ormel, const OutlineRequest& request) {
   const Named named(ormel, "OutlineCaptureZones");
   if (request.wells.empty() || request.years.empty()) return 0;
   ModelRestoreModelOrigin(ormel);
   noexecutable(ormel, kSolverProgram);
   std::vector<WellOutlines> wells;
-  const int stored = RunZones(ormel, request, wells) ? Storing(ormel, request).Store(wells) : 0;
+  const int stored =
+      RunZones(ormel, request, wells) ? StoreOutlines(ormel, request, OwnersOf(request), wells) : 0;
   DeleteScratch(ormel);
   return stored;
 }

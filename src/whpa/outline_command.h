@@ -28,6 +28,19 @@ struct OutlineRequest {
   double tolerance = 0.002;  ///< in parts of a zone's size
 };
 
+class TextSink;
+struct WellOutlines;
+struct ZoneOwner;
+
+/// The block `zones` of a deck: outlines go into <stem>.ZNS.  Ground ends at `boundary` when it has two
+/// points.
+void WriteZonesBlock(const Ormel& ormel, TextSink& deck, const std::string& stem,
+                     const OutlineRequest& request, const std::vector<MapPoint>& boundary = {});
+/// Stores the outlines that pass their checks, called after the owners, which are in the order of the
+/// request's wells, and tells the user of the rest.  Gives the number stored.
+int StoreOutlines(Ormel& ormel, const OutlineRequest& request, const std::vector<ZoneOwner>& owners,
+                  const std::vector<WellOutlines>& wells);
+
 /// Has the solver outline the zones, in one start of it, checks and stores one polygon a well and time with
 /// the label "<well> <n> years"; one of the same label is replaced.  Gives the number stored.  A zone that
 /// fails a check is not stored, and the user is told which check it was.  Cancelled, nothing is stored.

@@ -8,15 +8,6 @@
 
 namespace ormel {
 
-double RingArea(const Ring& ring) {
-  double twice = 0.0;
-  for (std::size_t i = 0; i < ring.size(); ++i) {
-    const ModelPoint a = ring[i], b = ring[(i + 1) % ring.size()];
-    twice += (a.x - ring[0].x) * (b.y - ring[0].y) - (b.x - ring[0].x) * (a.y - ring[0].y);
-  }
-  return 0.5 * twice;
-}
-
 double RingDiagonal(const Ring& ring) {
   if (ring.empty()) return 0.0;
   const auto [left, right] =

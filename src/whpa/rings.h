@@ -10,8 +10,6 @@ namespace ormel {
 
 using Ring = std::vector<ModelPoint>;
 
-/// Area of a ring, positive when counter-clockwise.
-double RingArea(const Ring& ring);
 /// Diagonal of the ring's bounding box.
 double RingDiagonal(const Ring& ring);
 

@@ -10,6 +10,7 @@
 #include "model/wells.h"
 #include "store/bulk.h"
 #include "store/database.h"
+#include "store/schema.h"
 #include "text/strings.h"
 
 namespace ormel {
@@ -40,22 +41,23 @@ std::vector<WhpaWell> EligibleWells(Ormel& ormel) {
 }
 
 void AddWhpaRows(Ormel& ormel, const std::vector<WhpaRow>& rows) {
+  schema::EnsureField(ormel.db(), "WHPAs", "Outline");
   BulkInsert insert(
       ormel.db(), "WHPAs",
       {"Well", "Radius", "TimeOfTravel", "Porosity", "Thickness", "AmbientFlow", "Direction", "T", "Shift",
-       "Point1X", "Point1Y", "Point2X", "Point2Y", "FirstHead", "Type", "WHPAText", "WHPAData"});
+       "Point1X", "Point1Y", "Point2X", "Point2Y", "FirstHead", "Type", "WHPAText", "WHPAData", "Outline"});
   for (const WhpaRow& row : rows)
     insert.Row(row.Well, row.Radius, row.TimeOfTravel, row.Porosity, row.Thickness, row.AmbientFlow,
                row.Direction, row.T, 0.0, 0.0, 0.0, 0.0, 0.0, row.FirstHead, static_cast<int>(row.Type),
-               "NONE", row.WHPAData);
+               "NONE", row.WHPAData, row.Outline ? 1 : 0);
 }
 
 std::vector<WhpaRow> ReadWhpaRows(Ormel& ormel, std::string_view where) {
   RowReader rows(
       ormel.db(),
-      "select Well,Radius,TimeOfTravel,Porosity,Thickness,AmbientFlow,Direction,T,FirstHead,WHPAData,"
-      "Type from WHPAs" +
-          Where(where));
+      std::string("select Well,Radius,TimeOfTravel,Porosity,Thickness,AmbientFlow,Direction,T,FirstHead,"
+                  "WHPAData,Type,") +
+          (ormel.db().HasField("WHPAs", "Outline") ? "Outline" : "0") + " from WHPAs" + Where(where));
   std::vector<WhpaRow> found;
   while (rows.Next()) {
     WhpaRow row;
@@ -65,6 +67,7 @@ std::vector<WhpaRow> ReadWhpaRows(Ormel& ormel, std::string_view where) {
                           &row.Direction, &row.T, &row.FirstHead, &row.WHPAData})
       *value = rows.Double(column++);
     row.Type = static_cast<WhpaType>(rows.Long(column));
+    row.Outline = rows.Long(column + 1) != 0;
     found.push_back(std::move(row));
   }
   return found;

@@ -34,6 +34,7 @@ struct WhpaRow {
   double FirstHead = 0.0;  ///< head at the first boundary point [computation length]
   double WHPAData = 0.0;   ///< conductivity of the stream boundary case
   WhpaType Type = WhpaType::kArbitrary;
+  bool Outline = false;  ///< a run of pathlines outlines the area too
 };
 
 /// Adds rows; `Shift` and the boundary points are 0 and the name of the run is "NONE".

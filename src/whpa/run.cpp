@@ -4,6 +4,7 @@
 #include <cmath>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/command.h"
@@ -24,11 +25,14 @@
 #include "solver/path_file.h"
 #include "solver/run.h"
 #include "solver/text_sink.h"
+#include "solver/zone_file.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/files.h"
 #include "text/numbers.h"
 #include "text/strings.h"
+#include "whpa/outline_command.h"
+#include "whpa/zone_store.h"
 
 namespace ormel {
 namespace {
@@ -154,6 +158,47 @@ TraceBlock TraceOf(Ormel& ormel, const ModelValues& model, const Boundary& bound
   return trace;
 }
 
+/// The traced areas that are to be outlined, for the time that paths are traced for.
+OutlineRequest OutlinesAsked(Ormel& ormel, const ModelValues& model) {
+  OutlineRequest request;
+  if (model.TRACECompute == 0 || !(model.TRACEMaxTime > 0.0) || !ormel.db().HasField("WHPAs", "Outline"))
+    return request;
+  request.years = {model.TRACEMaxTime / kDaysPerYear};
+  RowReader rows(
+      ormel.db(),
+      std::string("select Wells.Label,Wells.VID,Vertices.X,Vertices.Y,Wells.Radius,Wells.Head from "
+                  "WHPAs inner join Wells on Wells.Label=WHPAs.Well inner join Vertices on "
+                  "Vertices.VID=Wells.VID where WHPAs.Outline<>0 and Wells.Head>0 and (") +
+          kTracedRows + ") order by WHPAs.rowid");
+  while (rows.Next())
+    request.wells.push_back({std::string(rows.Text(0)),
+                             rows.Long(1),
+                             {rows.Double(2), rows.Double(3)},
+                             rows.Double(4),
+                             rows.Double(5)});
+  return request;
+}
+
+std::string OutlineFile(const Ormel& ormel, const std::string& stem) {
+  return ModelFile(ormel, stem + ".ZNS");
+}
+
+/// Stored under names of their own beside the zones of the solved model.
+void StoreAreaOutlines(Ormel& ormel, const std::string& stem) {
+  const OutlineRequest request = OutlinesAsked(ormel, ReadModel(ormel));
+  if (request.wells.empty()) return;
+  std::vector<ZoneOwner> owners;
+  for (const CaptureWell& well : request.wells) owners.push_back({well.label, well.label + " WHPA"});
+  std::vector<WellOutlines> wells;
+  const ReadOutcome damage = ReadZoneFile(OutlineFile(ormel, stem), wells);
+  DeleteTolerantly(OutlineFile(ormel, stem));
+  if (damage) {
+    Inform(ormel, "Capture zone", damage->Message(), Icon::kStop);
+    return;
+  }
+  if (StoreOutlines(ormel, request, owners, wells) > 0) TurnOnLayer(ormel, Layer::kCapzones);
+}
+
 std::vector<RunFile> FilesOf(const Ormel& ormel, const std::string& stem) {
   std::vector<RunFile> files;
   for (const char* extension : {".DAT", ".SOL", ".XTR", ".PTH", ".CTR", ".GRD"})
@@ -207,7 +252,7 @@ RunPlan PlanOf(Ormel& ormel, const std::string& stem) {
   plan.wait_text = "Calculating WHPA...";
   plan.writing_text = "Writing WHPAs to Solver...";
   plan.files = FilesOf(ormel, stem);
-  plan.scratch = {ModelFile(ormel, "GRID__.DAT"), ModelFile(ormel, "GRID__.XTR")};
+  plan.scratch = {ModelFile(ormel, "GRID__.DAT"), ModelFile(ormel, "GRID__.XTR"), OutlineFile(ormel, stem)};
   plan.write = [&ormel, stem](TextSink& deck) {
     ModelCheckExtents(ormel, false, false);
     WriteWhpaDeck(ormel, deck, stem);
@@ -241,6 +286,10 @@ void WriteWhpaDeck(Ormel& ormel, TextSink& deck, const std::string& stem) {
   if (boundary.exists && model.CONTOURShow != 0)
     WriteGrid(deck, stem, window, model.CONTOURLevel != 40 ? 80 : 40);
   if (model.TRACECompute != 0) WriteTrace(deck, stem, TraceOf(ormel, model, boundary));
+  if (const OutlineRequest request = OutlinesAsked(ormel, model); !request.wells.empty())
+    WriteZonesBlock(
+        ormel, deck, stem, request,
+        boundary.exists ? std::vector<MapPoint>{boundary.first, boundary.second} : std::vector<MapPoint>{});
   deck.Line(" stop");
 }
 
@@ -287,6 +336,10 @@ bool RunOnce(Ormel& ormel, const std::string& stem) {
   if (outcome.end == RunEnd::kCancelled)
     Feedback(ormel, "The run was cancelled: pathlines and files are as they were before");
   if (outcome.end != RunEnd::kDone) return false;
+  // Results are placed by the origin of the solved model; these have that of the areas' deck.
+  const Extents solved = std::exchange(ormel.window.solved, ormel.window.model);
+  StoreAreaOutlines(ormel, stem);
+  ormel.window.solved = solved;
   ShowAreas(ormel);
   const ModelValues model = ReadModel(ormel);
   if (model.TRACECompute != 0) Feedback(ormel, "Pathlines of " + NumberText(model.TRACEMaxTime) + " days");

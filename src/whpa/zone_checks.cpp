@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "model/geometry.h"
 #include "text/masks.h"
 
 namespace ormel {
@@ -26,7 +27,9 @@ std::string FaultOf(const WellOutlines& well, const ZoneOutline& zone, const Gro
   if (!ground.Simple())
     return "its outline crosses itself (" + ground.WhyNotSimple() +
            ").  Outline it again with a smaller tolerance.";
-  if (!(RingArea(zone.rings.front()) > 0.0)) return "its outline runs the wrong way round.";
+  const Ring& outline = zone.rings.front();
+  if (!(SignedArea<ModelPoint>(outline, outline.front()) > 0.0))
+    return "its outline runs the wrong way round.";
   if (!ground.Holds(well.at)) return "its outline does not hold the well.  Look at the pathlines around it.";
   if (!Consistent(well, zone) || std::fabs(ground.Area() - zone.area) > 1e-4 * zone.area)
     return "its numbers do not agree with one another.  Outline it again.";

@@ -3,6 +3,7 @@
 #include "core/coordinates.h"
 #include "core/ormel.h"
 #include "core/settings.h"
+#include "model/geometry.h"
 #include "model/vertices.h"
 #include "store/bulk.h"
 #include "store/database.h"
@@ -11,7 +12,6 @@
 #include "text/numbers.h"
 #include "text/strings.h"
 #include "whpa/outline_command.h"
-#include "whpa/rings.h"
 
 namespace ormel {
 namespace {
@@ -73,20 +73,16 @@ void StoreZone(Ormel& ormel, const ZoneOwner& owner, const WellOutlines& well, c
     const std::string label = ZoneLabel(owner.zone_name, years, part);
     DeleteZone(ormel, label);
     std::vector<MapPoint> points;
-    Ring on_map;
-    for (const ModelPoint& point : zone.rings[part]) {
-      points.push_back(MToW(ormel, point));
-      on_map.push_back({points.back().x, points.back().y});
-    }
+    for (const ModelPoint& point : zone.rings[part]) points.push_back(MToW(ormel, point));
     const Pid pid = AddPolygonWithVertices(ormel, true, points);
     db.Execute("insert into Capzones (Label,PID) values (?,?)", {label, pid});
     BulkInsert rows(db, "Zones",
                     {"PID", "Well", "Part", "Years", "Area", "Pumped", "Pores", "Recharge", "Surface", "Edge",
                      "LeftOut", "Shared", "Balance", "Tolerance", "Ends", "Made"});
     const auto number = static_cast<std::int64_t>(part);
-    rows.Row(pid, owner.label, number, years, RingArea(on_map), zone.pumped, zone.pores, zone.recharge,
-             zone.surface, zone.edge, zone.left_out, zone.shared, zone.balance, tolerance, EndsText(well),
-             MadeText(ormel));
+    rows.Row(pid, owner.label, number, years, SignedArea<MapPoint>(points, points.front()), zone.pumped,
+             zone.pores, zone.recharge, zone.surface, zone.edge, zone.left_out, zone.shared, zone.balance,
+             tolerance, EndsText(well), MadeText(ormel));
   }
 }
 

@@ -59,7 +59,7 @@ TEST(Schema, TablesAndFieldsComeInTheirOrder) {
                {"TPResults", 7, "Label", 6, "Y"},
                {"WLResults", 8, "Label", 7, "Head"},
                {"SavedWindows", 5, "Name", 4, "Y2"},
-               {"WHPAs", 19, "Well", 16, "WHPAData"}};
+               {"WHPAs", 20, "Well", 16, "WHPAData"}};
   for (const auto& c : cases) {
     Recordset rows = project.db.OpenRecordset(std::string("select * from ") + c.table);
     EXPECT_EQ(rows.FieldCount(), c.fields) << c.table;

@@ -5,14 +5,30 @@
 
 #include <filesystem>
 
+#include "core/publisher.h"
 #include "core/table.h"
 #include "solver/result_rows.h"
 #include "store/database.h"
 #include "support/test_project.h"
 #include "tools/results_tables.h"
+#include "tools/zone_table.h"
 
 namespace ormel::test {
 namespace {
+
+/// Keeps the document.
+struct PrintingPublisher : Publisher {
+  std::string ChartPng(const Chart&, const PictureShape&) override { return {}; }
+  std::string MapPng(const PictureShape&) override { return {}; }
+  std::string SaveChart(const Chart&, const std::string&) override { return {}; }
+  std::string SavePdf(const std::string& text, const PageStyle&, const std::string& to,
+                      const std::function<bool(double)>&) override {
+    html = text;
+    path = to;
+    return failure;
+  }
+  std::string html, path, failure;
+};
 
 struct ResultsProject : TestProject {
   ResultsProject() {
@@ -104,6 +120,28 @@ TEST(ResultViewer, SavesAndCopiesInThePresentOrder) {
       "Dry,30,0,0,0,21,-9999,0,0,0,0,0,LS_000003_0101\r\n"
       "Given,20,0,0,0,,,,,,,,LS_000002_0101\r\n"
       "\"Mühl, \"\"old\"\"\",10,0,0,0,20,20.0004,123.456789012,0,0,0,0.0004,LS_000001_0101\r\n");
+}
+
+TEST(ZoneTableForm, PrintsItsRowsOnPages) {
+  TestProject project;
+  Database& db = project.ormel.db();
+  db.Execute("insert into Capzones (PID,Label) values (7,'<Mill> 5 years')");
+  db.Execute(
+      "insert into Zones (PID,Well,Years,Pumped,Pores,Tolerance) values (7,'<Mill>',5.0,100.0,80.0,0.002)");
+  EXPECT_FALSE(ZoneTable(project.ormel).State("Print").enabled) << "there is nobody who could";
+  PrintingPublisher publisher;
+  project.ormel.ports.publisher = &publisher;
+  project.ui.ChooseFile("zones.pdf");
+  project.ui.ChooseFile("zones.pdf");
+  ZoneTable form(project.ormel);
+  form.Click("Print");
+  EXPECT_EQ(publisher.path, "zones.pdf");
+  EXPECT_NE(publisher.html.find(">&lt;Mill&gt; 5 years</td>"), std::string::npos) << publisher.html;
+  EXPECT_NE(publisher.html.find("Time<br>years</th>"), std::string::npos);
+  EXPECT_NE(publisher.html.find(">80.0</td>"), std::string::npos);
+  publisher.failure = "The disk is full.";
+  form.Click("Print");
+  EXPECT_NE(project.ui.LastText().find("The disk is full."), std::string::npos);
 }
 
 }  // namespace

@@ -97,15 +97,15 @@ TEST(ProgramZones, StopAtOnceWhenTold) {
   ormel::test::WriteAll(town / (std::string(Town::kStem) + ".DAT"), text);
   const pid_t process = town.StartAside();
   ASSERT_GT(process, 0);
-  // Until some wells are done.
+  // Until outlining has begun.
   std::string output;
   const auto shows = [&](const char* word) { return output.find(word) != std::string::npos; };
-  for (int i = 0; i < 6000 && !shows("PROGRESS 60 "); ++i) {
-    usleep(10'000);
-    output = town.Read("out.txt");
+  for (int i = 0; i < 30000 && !shows("Capture zones of"); ++i) {
+    usleep(2'000);
+    if (town.Has("out.txt")) output = town.Read("out.txt");
     if (kill(process, 0) != 0) break;
   }
-  ASSERT_TRUE(shows("PROGRESS 60 ")) << output;
+  ASSERT_TRUE(shows("Capture zones of")) << output;
   const double before = ProcessorTime(process);
   kill(process, SIGINT);
   int status = 0;

@@ -73,6 +73,33 @@ TEST(Zones, HaveTheColourOfTimeAndWellAndLieBeneathThePaths) {
   EXPECT_THAT(t.Drawn("Capture Zones"), ::testing::IsEmpty());
 }
 
+/// The table of zones tells well and time, whatever the label was cut or changed to; holes are left open.
+TEST(Zones, TakeWellAndTimeFromTheTable) {
+  MapProject t;
+  const auto add = [&t](const char* label, const char* points, const char* well, int part) {
+    const Pid pid = t.AddPolygon(points);
+    t.ormel.db().Execute("update Polygons set Closed=1 where PID=?", {pid});
+    t.ormel.db().Execute("insert into Capzones (PID,Label) values (?,?)", {pid, label});
+    if (well != nullptr)
+      t.ormel.db().Execute("insert into Zones (PID,Well,Years,Part) values (?,?,5.0,?)", {pid, well, part});
+  };
+  add("Wellfield of the old town 10 y", "0,0 20,0 20,20 0,20", "Wellfield of the old town, No. 12", 0);
+  add("renamed", "5,5 5,8 8,8 8,5", "Wellfield of the old town, No. 12", 1);
+  add("by its label 7 years", "30,0 40,0 40,10", nullptr, 0);
+  const Zones zones = ReadZones(t.ormel);
+  EXPECT_THAT(zones.times, ::testing::ElementsAre(5.0, 7.0));
+  EXPECT_THAT(zones.wells, ::testing::ElementsAre("Wellfield of the old town, No. 12", "by its label"));
+  t.Redraw();
+  std::size_t areas = 0;
+  for (const DrawCall& call : CallsOf(t.surface.picture, "Capture Zones")) {
+    if (call.kind != DrawKind::kArea) continue;
+    ++areas;
+    // The ring, a bridge, the hole; the other has its three corners.
+    EXPECT_EQ(call.fine.size(), *call.fill == ZoneAreaColor(0) ? 10U : 3U);
+  }
+  EXPECT_EQ(areas, 2U) << "the hole has none of its own";
+}
+
 TEST(Contours, BreakAtWalls) {
   MapProject t;
   t.ormel.db().Execute("update Model set CONTOURShow=1");

@@ -3,9 +3,13 @@
 #include <cmath>
 #include <numbers>
 
+#include "core/layers.h"
 #include "model/inhomogeneities.h"
 #include "model/linesinks.h"
 #include "solved_project.h"
+#include "support/temp_dir.h"
+#include "text/files.h"
+#include "whpa/rows.h"
 
 namespace ormel::test {
 namespace {
@@ -44,6 +48,57 @@ TEST(CaptureZoneCases, ZonesOfTwoWellsNestButDoNotOverlap) {
   const double slack = 0.003 * std::max(RingDiagonal(a), RingDiagonal(b));
   for (const ModelPoint& p : b) EXPECT_LT(DepthInside(p, a), slack) << p.x << ' ' << p.y;
   for (const ModelPoint& p : a) EXPECT_LT(DepthInside(p, b), slack) << p.x << ' ' << p.y;
+}
+
+/// The small model of protection areas is confined and has no recharge: what is not Q t is beyond the
+/// boundary.
+TEST(CaptureZoneCases, ProtectionAreasByPathlinesAreOutlinedWhereAsked) {
+  for (const bool boundary : {false, true}) {
+    SolvedProject program;
+    Ormel& ormel = program.ormel;
+    program.Change([](ModelValues& model) {
+      model.TRACECompute = 1;
+      model.TRACEMaxTime = kTenYears;
+      model.CONTOURShow = 0;
+    });
+    program.AddWell("North", kPlace);
+    program.AddWell("South", {501000, 200600}, 300);
+    WhpaRow row;
+    row.Type = WhpaType::kMultiple;
+    row.Porosity = kPorosity;
+    row.Thickness = kThickness;
+    row.AmbientFlow = 0.4;
+    row.Direction = 180;
+    row.FirstHead = 200;
+    row.WHPAData = 20;
+    std::vector<WhpaRow> rows(2, row);
+    rows[0].Well = "North";
+    rows[1].Well = "South";
+    AddWhpaRows(ormel, rows);
+    StoreUniformFlow(ormel, {500500, 201000}, 100, kGradient,
+                     180);  // without a head there would be a question
+    ormel.db().Execute("update WHPAs set WHPAText='area'");
+    if (boundary)
+      ormel.db().Execute("update WHPAs set Point1X=501250,Point1Y=200000,Point2X=501250,Point2Y=202000");
+    ModelRunWHPAs(ormel);
+    EXPECT_EQ(program.Number("select count(*) from Capzones"), 0) << "not asked for";
+    EXPECT_EQ(ReadAll(ormel.project.OrmelBasePath + "/area.DAT").find("zones"), std::string::npos);
+    ormel.db().Execute("update WHPAs set Outline=1");
+    for (int run = 0; run < 2; ++run) ModelRunWHPAs(ormel);
+    ASSERT_EQ(program.Number("select count(*) from Capzones"), 2) << program.ui.LastText();
+    EXPECT_GT(DepthInside({kPlace.x, kPlace.y}, program.Zone("North WHPA 10 years")), 50.0);
+    const double north = program.Area("North WHPA 10 years"), whole = Volume(kTenYears);
+    if (boundary) {
+      EXPECT_LT(north, 0.95 * whole);
+      EXPECT_GT(program.Number("select Edge+Surface from Zones where Well='North'"), 0.04 * kQ * kTenYears);
+      for (const ModelPoint& p : program.Zone("North WHPA 10 years")) EXPECT_LT(p.x, 501251);
+    } else {
+      EXPECT_NEAR(north, whole, 0.005 * whole);
+      EXPECT_NEAR(program.Area("South WHPA 10 years"), whole / 3, 0.002 * whole);
+    }
+    EXPECT_FALSE(FileExists(ormel.project.OrmelBasePath + "/area.ZNS"));
+    EXPECT_TRUE(ormel.layers.On(Layer::kCapzones));
+  }
 }
 
 TEST(CaptureZoneCases, AZoneEndsAtTheStreamThatItReaches) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "model/geometry.h"
 #include "model/model_values.h"
 #include "model/uniform_flow.h"
 #include "model/vertices.h"
@@ -22,6 +23,10 @@
 namespace ormel::test {
 
 inline constexpr double kQ = 900, kThickness = 20, kPorosity = 0.25, kGradient = 0.002, kConductivity = 12;
+
+inline double RingArea(const Ring& ring) {
+  return std::abs(SignedArea<ModelPoint>(ring, ring.front()));
+}
 
 /// Solved by the programs beside this one.
 struct SolvedProject : TestProject {
@@ -77,7 +82,7 @@ struct SolvedProject : TestProject {
     for (const MapPoint& p : PointsOf(ormel, pid)) ring.push_back({p.x, p.y});
     return ring;
   }
-  double Area(const std::string& label) { return std::abs(RingArea(Zone(label))); }
+  double Area(const std::string& label) { return RingArea(Zone(label)); }
 };
 
 /// Distance of a point to a ring, negative outside of it.

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <numbers>
 
+#include "model/geometry.h"
 #include "support/temp_dir.h"
 
 namespace ormel {
@@ -27,7 +28,7 @@ ZoneOutline CircleZone(ModelPoint centre, double discharge, double time) {
   zone.time = time;
   zone.pumped = discharge * time;
   zone.rings = {Circle(centre, std::sqrt(zone.pumped / std::numbers::pi))};
-  zone.area = RingArea(zone.rings[0]);
+  zone.area = SignedArea<ModelPoint>(zone.rings[0], centre);
   zone.pores = zone.pumped;
   return zone;
 }

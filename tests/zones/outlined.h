@@ -8,12 +8,11 @@
 #include <numbers>
 #include <vector>
 
-#include "zones/fields.h"
+#include "zones/closed_models.h"
 #include "zones/polygons.h"
 
 namespace zones_test {
 
-inline constexpr double kPi = std::numbers::pi;
 /// Closed forms hold to this.
 inline constexpr double kExact = 1e-3;
 
@@ -76,15 +75,6 @@ inline void ExpectFullVolume(const std::vector<zones::WellZones>& wells, double 
     for (const zones::Zone& zone : well.zones)
       EXPECT_NEAR(zone.area * kThickness * kPorosity / zone.pumped, 1.0, most)
           << well.source.label << " Q " << well.source.discharge << " at " << zone.time;
-}
-
-/// A regular polygon with the area of the circle.
-inline std::vector<aem::LabelledPoint> Circle(Complex centre, double radius, int sides) {
-  const double turn = 2.0 * kPi / sides, r = radius * std::sqrt(turn / std::sin(turn));
-  std::vector<aem::LabelledPoint> ring;
-  for (int i = 0; i < sides; ++i)
-    ring.push_back({{"IN_000001_" + std::to_string(i + 1), 0}, centre + std::polar(r, turn * i)});
-  return ring;
 }
 
 /// Outlines of a well whose flow is radial are circles.

@@ -2,12 +2,14 @@
 // water at its base reaches the well in time.  Where outline and raster can differ only by little, just
 // beside the outline, pairs of places on both sides of it are asked besides.
 //   trial_zone_raster [models] [first] [folder for pictures' data]
+//   trial_zone_raster closed 0 [folder]       models with closed forms instead of random ones
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
 
 #include "aem/trace.h"
+#include "zones/closed_models.h"
 #include "zones/polygons.h"
 #include "zones/random_models.h"
 
@@ -66,12 +68,27 @@ struct Verdict {
 
 class Model {
  public:
-  Model(unsigned number, const char* folder) : number_(number), folder_(folder) {}
+  Model(std::string name, const char* folder) : name_(std::move(name)), folder_(folder) {}
 
-  void Run(Tally* tally) {
-    ModelMaker maker(1000 + number_);
-    aem::Solution solution(maker.Make(number_));
-    std::printf("model %u: %s\n", number_, maker.Names().c_str());
+  void RunRandom(unsigned number, Tally* tally) {
+    ModelMaker maker(1000 + number);
+    const aem::Model model = maker.Make(number);
+    std::printf("model %u: %s\n", number, maker.Names().c_str());
+    const double radius = std::exp(maker.Draw(std::log(60.0), std::log(450.0)));
+    // For the first well: times of a tenth, one and four times this volume.
+    volume_ = kPorosity * kThickness * std::numbers::pi * radius * radius;
+    Run(model, tally);
+  }
+
+  void RunClosed(const ClosedModel& closed, Tally* tally) {
+    std::printf("%s\n", closed.name);
+    times_ = closed.times;
+    Run(closed.model, tally);
+  }
+
+ private:
+  void Run(const aem::Model& model, Tally* tally) {
+    aem::Solution solution(model);
     if (solution.Refused() || !solution.Iterate(4).converged) {
       ++tally->refused;
       std::printf("  not solved: %s\n",
@@ -83,9 +100,10 @@ class Model {
     const aem::SolutionField field(solution);
     const zones::PlanField plan(field, 0.0);
     const std::vector<zones::Source> sources = Sources(plan);
-    const double radius = std::exp(maker.Draw(std::log(60.0), std::log(450.0)));
-    const double time = kPorosity * kThickness * std::numbers::pi * radius * radius / sources[0].discharge;
-    times_ = {0.1 * time, time, 4.0 * time};
+    if (times_.empty()) {
+      const double time = volume_ / sources[0].discharge;
+      times_ = {0.1 * time, time, 4.0 * time};
+    }
     const auto start = std::chrono::steady_clock::now();
     const auto results = zones::OutlineZones(plan, sources, times_, {});
     tally->seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -94,7 +112,6 @@ class Model {
     Compare(field, results, tally);
   }
 
- private:
   void Compare(const aem::SolutionField& field, const std::vector<zones::WellZones>& results, Tally* tally) {
     Box box;
     double step = 1e30;
@@ -186,8 +203,8 @@ class Model {
   void Save(const zones::WellZones& well, const zones::Zone& zone, const std::vector<Complex>& cells,
             const std::vector<Goal>& goals, const Verdict& verdict) const {
     if (folder_ == nullptr) return;
-    const std::string name = std::string(folder_) + "/m" + std::to_string(number_) + "_" + well.source.label +
-                             "_" + std::to_string(int(zone.time)) + ".txt";
+    const std::string name = std::string(folder_) + "/" + name_ + "_" + well.source.label + "_" +
+                             std::to_string(int(zone.time)) + ".txt";
     std::FILE* out = std::fopen(name.c_str(), "w");
     if (out == nullptr) return;
     std::fprintf(out, "%.6f %.6f\n", verdict.difference, verdict.wrong_probes);
@@ -204,8 +221,9 @@ class Model {
     std::fclose(out);
   }
 
-  unsigned number_;
+  std::string name_;
   const char* folder_;
+  double volume_ = 0.0;
   std::vector<double> times_;
 };
 
@@ -216,8 +234,12 @@ int main(int argc, char** argv) {
   const unsigned count = argc > 1 ? unsigned(std::atoi(argv[1])) : 60;
   const unsigned first = argc > 2 ? unsigned(std::atoi(argv[2])) : 0;
   zones_test::Tally tally;
+  const char* folder = argc > 3 ? argv[3] : nullptr;
+  if (argc > 1 && std::string(argv[1]) == "closed")
+    for (const zones_test::ClosedModel& closed : zones_test::ClosedModels())
+      zones_test::Model(closed.name, folder).RunClosed(closed, &tally);
   for (unsigned i = first; i < first + count; ++i) {
-    zones_test::Model(i, argc > 3 ? argv[3] : nullptr).Run(&tally);
+    zones_test::Model("m" + std::to_string(i), folder).RunRandom(i, &tally);
     std::fflush(stdout);
   }
   std::printf("%d models (%d more not solved), %d zones in %.1f s; %d wells without a zone\n", tally.models,

@@ -67,26 +67,6 @@ TEST(Domain, OfOtherStorageChangesTheCircle) {
   }
 }
 
-/// A river along the y axis; water flows to it from the east.
-aem::Model River(double flow, double discharge, double distance) {
-  aem::Model m = Aquifer(0.0);
-  m.aquifer.uniform_flow = {-flow, 0.0};
-  m.aquifer.reference_point = {0.0, 30000.0};
-  AddWell(m, {distance, 0}, discharge);
-  aem::LineSinkString river;
-  river.origin.label = "LS_000001";
-  const std::vector<double> ys{0,   50,  100,  150,  200,  260,  330,  420,
-                               550, 750, 1100, 1700, 2600, 4000, 7000, 12000};
-  for (std::size_t i = ys.size() - 1; i > 0; --i)
-    river.segments.push_back({{"", 0}, {0, -ys[i]}, {0, -ys[i - 1]}, 1e5});
-  for (std::size_t i = 0; i + 1 < ys.size(); ++i)
-    river.segments.push_back({{"", 0}, {0, ys[i]}, {0, ys[i + 1]}, 1e5});
-  for (std::size_t i = 0; i < river.segments.size(); ++i)
-    river.segments[i].origin.label = "LS_000001_" + std::to_string(i + 1);
-  m.line_sinks.push_back(river);
-  return m;
-}
-
 // The critical rate is pi d q0; above it the river feeds the well along |y| < d sqrt(Q/Qc - 1).
 TEST(River, IsReachedAboveTheCriticalRateOnly) {
   constexpr double kFlow = 1.0, kDistance = 200.0, kCritical = kPi * kDistance * kFlow;

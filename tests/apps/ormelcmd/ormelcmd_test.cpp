@@ -120,6 +120,10 @@ TEST_F(OrmelcmdTest, DelineatesEachKindOfSimpleArea) {
       Do({"sql", "town.orm", "--csv", "select WHPAText from WHPAs where Type=2"}).substr(9);
   EXPECT_TRUE(std::filesystem::exists(dir / (stem.substr(0, stem.find('\n')) + ".PTH"))) << stem;
   Do({"whpa", "rerun", "town.orm"});
+  EXPECT_EQ(Do({"sql", "town.orm", "--csv", "select count(*) as N from Zones"}), "N\n0\n");
+  EXPECT_EQ(with({"0.8", "--time", "3650", "--direction", "180", "--outline"}).code, 0);
+  EXPECT_NE(Do({"sql", "town.orm", "--csv", "select Label from Capzones"}).find(well + " WHPA 10 years"),
+            std::string::npos);
   // Another time of travel than the one that is traced needs a word from the user.
   EXPECT_EQ(with({"0.8", "--time", "5000", "--direction", "180"}).code, 1);
   const auto agreed_time =

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPlainTextEdit>
@@ -101,6 +102,21 @@ TEST(QtInterface, ALongCommandShowsItsProgressRepaintsAndHearsOnlyCancel) {
   ui.PleaseWaitShow("Again");
   EXPECT_FALSE(ui.CancelRequested()) << "an old Cancel ends no new command";
   ui.PleaseWaitHide();
+}
+
+TEST(WaitBox, TellsTheTimeLeftOnceSomeIsDone) {
+  WaitBox box(nullptr);
+  const auto tells = [&box](const char* words) {
+    const QList<QLabel*> labels = box.findChildren<QLabel*>();
+    return std::any_of(labels.begin(), labels.end(),
+                       [words](const QLabel* label) { return label->text().contains(QLatin1String(words)); });
+  };
+  box.SetElapsed(60'000);
+  EXPECT_TRUE(tells("Elapsed 1:00"));
+  EXPECT_FALSE(tells("left"));
+  box.SetProgress(0.25, "Capture zones of 6 wells");
+  box.SetElapsed(61'000);
+  EXPECT_TRUE(tells("Elapsed 1:01, about 3:03 left"));
 }
 
 TEST(QtInterface, AQuestionInTheMiddleOfAWaitCanBeAnswered) {
