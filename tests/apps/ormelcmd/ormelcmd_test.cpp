@@ -1,9 +1,11 @@
 // From a new project to capture zones by the program itself.
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <numbers>
 
 #include "ormelcmd/run.h"
+#include "store/database.h"
 
 namespace ormel::test {
 namespace {
