@@ -252,6 +252,19 @@ void UpdateCaption(QLabel* label, const std::string& text, const ControlState& s
   label->setEnabled(state.enabled);
 }
 
+/// A field whose text will not be taken as it stands.
+void MarkField(const ControlView& view, bool on) {
+  if (view.editor->property("marked").toBool() == on) return;
+  view.editor->setProperty("marked", on);
+  QPalette colors = view.editor->parentWidget()->palette();
+  if (on) {
+    colors.setColor(QPalette::Base, QColor(255, 228, 196));
+    colors.setColor(QPalette::Text, Qt::black);
+  }
+  view.editor->setPalette(colors);
+  view.unit->setForegroundRole(on ? QPalette::WindowText : QPalette::PlaceholderText);
+}
+
 }  // namespace
 
 void FieldEdit::focusInEvent(QFocusEvent* event) {
@@ -292,7 +305,9 @@ void UpdateControl(const ControlView& view, const ControlState& state) {
   view.editor->setVisible(state.visible);
   if (view.editor->accessibleName().isEmpty()) view.editor->setAccessibleName(ToQString(state.caption));
   UpdateCaption(view.caption, state.caption, state);
-  UpdateCaption(view.unit, state.unit, state);
+  const std::string reads = ReadsAs(*view.spec, state);
+  UpdateCaption(view.unit, reads.empty() ? state.unit : reads + " " + state.unit, state);
+  if (view.spec->kind == ControlKind::kNumber) MarkField(view, !reads.empty());
 }
 
 void FocusControl(const ControlView& view) {

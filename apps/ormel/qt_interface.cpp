@@ -151,7 +151,7 @@ Answer QtInterface::Ask(const Box& box) {
   dialog.setText(ToQString(box.text));
   dialog.setIcon(IconOf(box.icon));
   dialog.setStandardButtons(row->shown);
-  dialog.setDefaultButton(row->enter);
+  dialog.setDefaultButton(box.safe_default ? row->escape : row->enter);
   dialog.setEscapeButton(row->escape);
   return AnswerOf(dialog.exec());
 }

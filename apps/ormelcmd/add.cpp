@@ -1,6 +1,9 @@
 #include "ormelcmd/add.h"
 
+#include "model/crossing.h"
 #include "model/dialog.h"
+#include "model/vertices.h"
+#include "text/numbers.h"
 
 namespace ormel {
 
@@ -24,10 +27,23 @@ std::vector<MapPoint> Chain(const Given& given, std::size_t least, const char* w
   return points;
 }
 
-int AddTo(const CommonOptions& common, const Given& given, const std::function<void(Ormel&)>& body) {
+void RefuseCrossing(const std::vector<MapPoint>& points, bool closed) {
+  if (CrossesItself(points, closed))
+    throw UserError("--points: the line crosses itself, and the solver could not use it; nothing was added");
+}
+
+MapPoint FreePlace(Session& session, MapPoint at) {
+  const MapPoint free = ElemCheckVertices(session.ormel(), at);
+  if (!(free == at))
+    session.ui().Say("another vertex stands at " + NumberText(at.x) + "," + NumberText(at.y) +
+                     "; the element was put at " + NumberText(free.x) + "," + NumberText(free.y));
+  return free;
+}
+
+int AddTo(const CommonOptions& common, const Given& given, const std::function<void(Session&)>& body) {
   Session session(MakeBatchOptions(common));
   session.OpenForEdit(given.path);
-  session.Edit([&] { body(session.ormel()); });
+  session.Edit([&] { body(session); });
   return session.Finish();
 }
 
@@ -58,6 +74,7 @@ void AddElementCommands(CLI::App& app, Program& program) {
   DefineParticles(*add, program);
   DefineTestPoint(*add, program);
   DefineFluxLine(*add, program);
+  DefineCaptureZone(*add, program);
   DefineText(*add, program);
 }
 

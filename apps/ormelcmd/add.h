@@ -27,17 +27,22 @@ MapPoint OnePoint(const Given& given);
 /// The points of --points; `what` names the kind that needs `least` of them.
 std::vector<MapPoint> Chain(const Given& given, std::size_t least, const char* what);
 
+/// A line that the solver could not use.  Throws UserError.
+void RefuseCrossing(const std::vector<MapPoint>& points, bool closed);
+/// A place for a single point that overlaps no vertex, as the window finds it; one that moved is told.
+MapPoint FreePlace(Session& session, MapPoint at);
+
 /// Opens the project and adds by `body`, all or nothing.
-int AddTo(const CommonOptions& common, const Given& given, const std::function<void(Ormel&)>& body);
+int AddTo(const CommonOptions& common, const Given& given, const std::function<void(Session&)>& body);
 
 /// A subcommand of `add` with its project; `body` runs with the options as given.
 template <class Options>
 void Define(CLI::App* command, Program& program, const std::shared_ptr<Options>& given,
-            void (*body)(Ormel&, const Options&)) {
+            void (*body)(Session&, const Options&)) {
   command->add_option("project", given->path, "The project")->required();
   command->callback([&program, given, body] {
     program.run = [&program, given, body] {
-      return AddTo(program.common, *given, [given, body](Ormel& ormel) { body(ormel, *given); });
+      return AddTo(program.common, *given, [given, body](Session& session) { body(session, *given); });
     };
   });
 }
@@ -56,6 +61,7 @@ void DefineUniformFlow(CLI::App& add, Program& program);
 void DefineParticles(CLI::App& add, Program& program);
 void DefineTestPoint(CLI::App& add, Program& program);
 void DefineFluxLine(CLI::App& add, Program& program);
+void DefineCaptureZone(CLI::App& add, Program& program);
 void DefineText(CLI::App& add, Program& program);
 
 }  // namespace ormel

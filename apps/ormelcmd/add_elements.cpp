@@ -17,7 +17,8 @@ struct WellOptions : Given {
   bool pond = false, by_head = false;
 };
 
-void AddWell(Ormel& ormel, const WellOptions& given) {
+void AddWell(Session& session, const WellOptions& given) {
+  Ormel& ormel = session.ormel();
   if (WellLimitReached(ormel, "You may not add any more.")) throw UserError("nothing was added");
   WellRow row;
   row.HeadSpecified = given.by_head;
@@ -32,7 +33,7 @@ void AddWell(Ormel& ormel, const WellOptions& given) {
   form.Fill(row, OnePoint(given));
   form.SetText("tbLabel", given.label);  // after Fill: the dialog opens as one of a new element
   PassDialog(form);
-  StoreWell(ormel, form.Row(), form.At());
+  StoreWell(ormel, form.Row(), FreePlace(session, form.At()));
 }
 
 }  // namespace
@@ -61,7 +62,8 @@ struct BarrierOptions : Given {
   bool closed = false, ignore_inside = false, ignore_outside = false;
 };
 
-void AddBarrier(Ormel& ormel, const BarrierOptions& given) {
+void AddBarrier(Session& session, const BarrierOptions& given) {
+  Ormel& ormel = session.ormel();
   BarrierRow row;
   if (!given.color.empty()) row.color = ParseColor(given.color);
   if (given.closed) row.Closed = BarrierClosed::kClosed;
@@ -69,6 +71,7 @@ void AddBarrier(Ormel& ormel, const BarrierOptions& given) {
   if (given.ignore_outside) row.Closed = BarrierClosed::kIgnoreOutside;
   const std::vector<MapPoint> points =
       Chain(given, row.Closed == BarrierClosed::kOpen ? 2 : 3, "a barrier of this kind");
+  RefuseCrossing(points, row.Closed != BarrierClosed::kOpen);
   NoFlowString form(ormel);
   form.Fill(row);
   form.SetText("tbLabel", given.label);  // after Fill: the dialog opens as one of a new element
@@ -103,7 +106,8 @@ void Take(const std::optional<double>& value, bool& change, double& field) {
   if (value) field = *value;
 }
 
-void AddInhomogeneity(Ormel& ormel, const InhomogeneityOptions& given) {
+void AddInhomogeneity(Session& session, const InhomogeneityOptions& given) {
+  Ormel& ormel = session.ormel();
   InhomogeneityRow row;
   if (!given.color.empty()) row.color = ParseColor(given.color);
   Take(given.conductivity, row.ChangeK, row.HydCond);
@@ -112,6 +116,7 @@ void AddInhomogeneity(Ormel& ormel, const InhomogeneityOptions& given) {
   Take(given.base, row.ChangeB, row.BottomElevation);
   Take(given.average_head, row.ChangeA, row.AverageHead);
   const std::vector<MapPoint> points = Chain(given, 3, "an inhomogeneity");
+  RefuseCrossing(points, true);
   Inhomogeneity form(ormel);
   form.Fill(row);
   form.SetText("tbLabel", given.label);  // after Fill: the dialog opens as one of a new element

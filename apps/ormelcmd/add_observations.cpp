@@ -15,12 +15,16 @@ struct ParticleOptions : Given {
   bool backward = false;
 };
 
-void AddParticles(Ormel& ormel, const ParticleOptions& given) {
+void AddParticles(Session& session, const ParticleOptions& given) {
+  Ormel& ormel = session.ormel();
   ParticleRow row;
   row.Forward = !given.backward;
   row.SatdThick = !given.elevation.has_value();
   row.Elevation = given.elevation.value_or(0.0);
-  for (const MapPoint& at : Chain(given, 1, "this")) StoreParticle(ormel, row, at);
+  ParticleProperties form(ormel);
+  form.Fill(row);
+  PassDialog(form);
+  for (const MapPoint& at : Chain(given, 1, "this")) StoreParticle(ormel, form.Row(), FreePlace(session, at));
 }
 
 }  // namespace
@@ -41,12 +45,13 @@ struct TestPointOptions : Given {
   double head = 0.0;
 };
 
-void AddTestPoint(Ormel& ormel, const TestPointOptions& given) {
+void AddTestPoint(Session& session, const TestPointOptions& given) {
+  Ormel& ormel = session.ormel();
   const TestPointRow row{given.label, given.head};
   TestPointProperties form(ormel);
   form.Fill(row, OnePoint(given));
   PassDialog(form);
-  StoreTestPoint(ormel, form.Row(), form.At());
+  StoreTestPoint(ormel, form.Row(), FreePlace(session, form.At()));
 }
 
 }  // namespace
@@ -62,9 +67,18 @@ void DefineTestPoint(CLI::App& add, Program& program) {
 
 namespace {
 
-void AddFluxLine(Ormel& ormel, const Given& given) {
-  if (given.label.empty()) throw UserError("Label must be specified.");
-  StoreFluxLine(ormel, given.label, Chain(given, 2, "a flux inspection line"));
+void AddFluxLine(Session& session, const Given& given) {
+  Ormel& ormel = session.ormel();
+  FluxInspectDialog form(ormel, "Flux Inspection Line Properties", given.label);
+  PassDialog(form);
+  StoreFluxLine(ormel, form.Label(), Chain(given, 2, "a flux inspection line"));
+}
+
+void AddCaptureZone(Session& session, const Given& given) {
+  Ormel& ormel = session.ormel();
+  FluxInspectDialog form(ormel, "Capzone Properties", given.label);
+  PassDialog(form);
+  StoreCapzone(ormel, form.Label(), Chain(given, 3, "a capture zone"));
 }
 
 }  // namespace
@@ -77,19 +91,33 @@ void DefineFluxLine(CLI::App& add, Program& program) {
   command->add_option("--label", given->label, "Name of the line")->required();
 }
 
+void DefineCaptureZone(CLI::App& add, Program& program) {
+  auto given = std::make_shared<Given>();
+  CLI::App* command = add.add_subcommand("capturezone", "The outline of a capture zone");
+  Define(command, program, given, AddCaptureZone);
+  PointsOption(command, *given);
+  command->add_option("--label", given->label, "Name of the zone")->required();
+}
+
 namespace {
 
 struct TextOptions : Given {
   int size = 10;
-  bool bold = false, italic = false;
+  bool bold = false, italic = false, hydrography = false;
 };
 
-void AddTextLabel(Ormel& ormel, const TextOptions& given) {
+void AddTextLabel(Session& session, const TextOptions& given) {
+  Ormel& ormel = session.ormel();
   TextLabelRow row;
   row.Text = given.label;
   row.font.size = given.size;
   row.font.bold = given.bold;
   row.font.italic = given.italic;
+  if (given.hydrography) row.type = LabelType::kHydrography;
+  if (given.label.empty()) throw UserError("a text without letters is nothing to see; nothing was added");
+  TextLabelDialog form(ormel);
+  form.Fill(row);
+  PassDialog(form);
   const double stored = ormel.db().Scalar("select WINDOWX2-WINDOWX1 from Model").AsDouble();
   row.ScalerX = stored > 0.0 ? stored : ormel.window.SolveWindow.Width();
   StoreTextLabel(ormel, row, OnePoint(given));
@@ -104,6 +132,7 @@ void DefineText(CLI::App& add, Program& program) {
   PointOption(command, *given, "Position x,y in map units");
   command->add_option("--text", given->label, "The text")->required();
   command->add_option("--size", given->size, "Size [points]")->capture_default_str();
+  command->add_flag("--hydrography", given->hydrography, "A label of the hydrography, shown with these");
   command->add_flag("--bold", given->bold, "Bold");
   command->add_flag("--italic", given->italic, "Italic");
 }

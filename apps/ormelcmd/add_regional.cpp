@@ -10,8 +10,8 @@ namespace {
 
 struct LinesinkOptions : Given {
   std::vector<double> heads, densities;
-  double resistance = 0.0, width = 0.0, depth = 0.0;
-  bool drain = false, far_field = false;
+  double resistance = 0.0, width = 0.0, depth = 0.0, inflow = 0.0, overland = 0.0;
+  bool drain = false, far_field = false, routed = false, end = false;
   std::string location = "unknown";
 };
 
@@ -20,7 +20,8 @@ LinesinkLocation LocationOf(const std::string& word) {
   return word == "boundary" ? LinesinkLocation::kBoundary : LinesinkLocation::kUnknown;
 }
 
-void AddLinesink(Ormel& ormel, const LinesinkOptions& given) {
+void AddLinesink(Session& session, const LinesinkOptions& given) {
+  Ormel& ormel = session.ormel();
   if (given.heads.empty() == given.densities.empty())
     throw UserError("a linesink string needs either --heads or --densities");
   const std::vector<double>& ends = given.heads.empty() ? given.densities : given.heads;
@@ -35,7 +36,12 @@ void AddLinesink(Ormel& ormel, const LinesinkOptions& given) {
   row.Drain = given.drain;
   row.Farfield = given.far_field;
   row.AutoSWIZC = LocationOf(given.location);
+  row.Routing = given.routed;
+  row.EndStream = given.end;
+  row.EndInflow = given.inflow;
+  row.Overlandflow = given.overland;
   const std::vector<MapPoint> points = Chain(given, 2, "a linesink string");
+  RefuseCrossing(points, false);
   LinesinkString form(ormel);
   form.Fill(row, "");
   PassDialog(form);
@@ -64,6 +70,12 @@ void DefineLinesink(CLI::App& add, Program& program) {
       ->check(CLI::IsMember({"unknown", "centreline", "boundary"}))
       ->capture_default_str();
   command->add_flag("--drain", given->drain, "Use as drain element");
+  CLI::Option* routed =
+      command->add_flag("--routed", given->routed, "Follow the flow of the stream along the string");
+  command->add_flag("--end-of-stream", given->end, "What the string carries goes no further")->needs(routed);
+  command->add_option("--inflow", given->inflow, "Inflow at the upper end [length^3/d]")->needs(routed);
+  command->add_option("--overland", given->overland, "Overland flow into the string [length^3/d]")
+      ->needs(routed);
   command->add_flag("--far-field", given->far_field, "Treat as far-field: no resistance, width, depth");
 }
 
@@ -73,13 +85,14 @@ struct UniformFlowOptions : Given {
   double head = 0.0, gradient = 0.0, direction = 0.0;
 };
 
-void AddUniformFlow(Ormel& ormel, const UniformFlowOptions& given) {
+void AddUniformFlow(Session& session, const UniformFlowOptions& given) {
+  Ormel& ormel = session.ormel();
   UniformFlow form(ormel);
   form.SetText("tbdata(0)", NumberText(given.head));
   form.SetText("tbdata(1)", NumberText(given.gradient));
   form.SetText("tbdata(2)", NumberText(given.direction));
   PassDialog(form);
-  StoreUniformFlow(ormel, OnePoint(given), given.head, given.gradient, given.direction);
+  StoreUniformFlow(ormel, OnePoint(given), form.Head(), form.Gradient(), form.Orientation());
 }
 
 }  // namespace

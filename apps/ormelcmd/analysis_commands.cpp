@@ -31,13 +31,6 @@ struct CalibrationOptions {
   bool csv = false, stale = false;
 };
 
-void OpenForReading(Session& session, const std::string& path) {
-  Ormel& ormel = session.ormel();
-  ormel.project.db = std::make_unique<Database>(Database::Open(path, OpenMode::kReadOnly));
-  ormel.project.DBName = path;
-  ReadProjectState(ormel);
-}
-
 TextTable TextOf(const Table& table, bool all_digits) {
   const NumberFormat rounded = *NumberFormat::Parse("s5");
   TextTable text;
@@ -85,7 +78,7 @@ Chart ChartOf(const Ormel& ormel, const std::string& graph, const CalibrationDat
 int Calibrate(const CommonOptions& common, const CalibrationOptions& given) {
   Session session(MakeBatchOptions(common));
   Ormel& ormel = session.ormel();
-  OpenForReading(session, given.path);
+  session.OpenForReading(given.path);
   if (const std::string reason = WhyNotSolved(ormel); !reason.empty()) {
     if (!given.stale)
       throw UserError("there are no valid results: " + reason + "; run: ormelcmd solve \"" + given.path +

@@ -38,6 +38,7 @@ int Run(int argc, char** argv) {
   AddCommonOptions(app, program.common);
   ormel::AddProjectCommands(app, program);
   ormel::AddElementCommands(app, program);
+  ormel::AddListCommands(app, program);
   ormel::AddSolveCommands(app, program);
   ormel::AddRenderCommand(app, program);
   ormel::AddQueryCommands(app, program);

@@ -1,14 +1,17 @@
 // new, set, window
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 
 #include "core/command.h"
 #include "core/map_view.h"
+#include "model/global_recharge.h"
 #include "model/model_settings.h"
 #include "ormelcmd/options.h"
 #include "shell/lifecycle.h"
 #include "shell/open_steps.h"
 #include "shell/project_copy.h"
+#include "shell/project_settings.h"
 #include "store/database.h"
 #include "store/schema.h"
 #include "text/files.h"
@@ -72,6 +75,7 @@ constexpr SettingControl kSettingControls[] = {
     {"CONTOURMinimum", "tbContourMin"},
     {"CONTOURMaximum", "tbContourMax"},
     {"CONTOURInterval", "tbContourInt"},
+    {"CONTOURLevel", "tbContourLevel"},
     {"TRACECompute", "chkComputePaths"},
     {"TRACEStep", "tbStepSize"},
     {"TRACEMaxTime", "tbMaxTime"},
@@ -79,6 +83,31 @@ constexpr SettingControl kSettingControls[] = {
     {"ViewErrorLog", "chkViewError"},
     {"ViewMessageLog", "chkViewMessage"},
 };
+
+/// Those of the project's settings; for the units the option that stands for True.
+constexpr SettingControl kProjectControls[] = {{"Description", "ProjectDesc"},
+                                               {"OrmelBaseName", "BaseName"},
+                                               {"OrmelBasePath", "BasePath"},
+                                               {"ComputeMeters", "CompUnits(0)"},
+                                               {"BasemapMeters", "MapUnits(0)"}};
+
+/// Fields that are set without a dialog, with what they can mean.  All others are the program's own.
+struct FreeField {
+  std::string_view field;
+  double lowest = 0.0, largest = 0.0;  ///< of a number
+};
+constexpr FreeField kFreeFields[] = {
+    {"EDITGRIDShow", -1, 1},     {"EDITGRIDSnap", -1, 1},    {"EDITGRIDSpacing", 1e-6, 1e9},
+    {"MARGINLeft", 0, 20},       {"MARGINRight", 0, 20},     {"MARGINTop", 0, 20},
+    {"MARGINBottom", 0, 20},     {"MARGINDrawBox", 0, 1},    {"DefaultFont"},
+    {"DefaultFontSize", 1, 400}, {"DefaultFontBold", -1, 1}, {"DefaultFontItalic", -1, 1}};
+
+template <class Row, std::size_t kCount>
+const Row* Find(const Row (&rows)[kCount], std::string_view field) {
+  const auto found =
+      std::find_if(std::begin(rows), std::end(rows), [&](const Row& row) { return row.field == field; });
+  return found == std::end(rows) ? nullptr : &*found;
+}
 
 struct Assignment {
   std::string table, field, value;
@@ -94,7 +123,15 @@ Assignment ParseAssignment(const std::string& text) {
   const schema::Field* field = schema::FindField(*table, parts.control);
   if (field == nullptr)
     throw UserError("the table " + std::string(table->name) + " has no field \"" + parts.control + "\"");
-  if (field->name == "ProjectVersion") throw UserError("Project.ProjectVersion is kept by the program");
+  const FreeField* free = Find(kFreeFields, field->name);
+  if (free == nullptr && Find(kSettingControls, field->name) == nullptr &&
+      Find(kProjectControls, field->name) == nullptr) {
+    const std::string name = std::string(table->name) + "." + std::string(field->name);
+    if (field->name.starts_with("UNIFLOW"))
+      throw UserError(name + " is set by: ormelcmd set uniformflow, or add uniformflow");
+    if (field->name.starts_with("WINDOW")) throw UserError(name + " is set by: ormelcmd window");
+    throw UserError(name + " is kept by the program");
+  }
   const bool is_text = field->type == schema::FieldType::kText && field->name != "AQThickness";
   const bool is_boolean = field->type == schema::FieldType::kBoolean;
   if (is_boolean) {
@@ -102,6 +139,10 @@ Assignment ParseAssignment(const std::string& text) {
   } else if (!is_text && !IsNumeric(parts.value)) {
     throw UserError(text + ": \"" + parts.value + "\" is not a number");
   }
+  const double number = Val(parts.value);
+  if (free != nullptr && !is_text && (number < free->lowest || number > free->largest))
+    throw UserError(text + ": the value must be between " + NumberText(free->lowest) + " and " +
+                    NumberText(free->largest));
   return {std::string(table->name), std::string(field->name), parts.value};
 }
 
@@ -109,6 +150,7 @@ Assignment ParseAssignment(const std::string& text) {
 bool PutIntoForm(ModelSettings& form, const Assignment& assignment) {
   for (const SettingControl& entry : kSettingControls) {
     if (entry.field != assignment.field) continue;
+    if (entry.field == "CONTOURLevel") form.SetChecked("ContourDetail(2)", true);
     if (entry.control.starts_with("chk")) {
       form.SetChecked(entry.control, Val(assignment.value) != 0.0);
     } else {
@@ -119,14 +161,41 @@ bool PutIntoForm(ModelSettings& form, const Assignment& assignment) {
   return false;
 }
 
+/// True when the project's settings took the value.
+bool PutIntoForm(ProjectSettings& form, const Assignment& assignment) {
+  const SettingControl* entry = Find(kProjectControls, assignment.field);
+  if (entry == nullptr) return false;
+  std::string control(entry->control);
+  if (control.ends_with("(0)")) {
+    if (Val(assignment.value) == 0.0) control.replace(control.size() - 2, 1, "1");
+    form.SetChecked(control, true);
+  } else {
+    form.SetText(control, assignment.value);
+  }
+  return true;
+}
+
+template <class Settings>
+void PressOk(Settings& form) {
+  form.MarkShown();
+  form.Click("OK");
+  if (form.Result != Settings::kOk) throw UserError("nothing was changed");
+}
+
 void Apply(Ormel& ormel, const std::vector<std::string>& texts) {
-  // What the dialog does not hold first: it reads the rest from the store.
+  // What the dialogs do not hold first: they read the rest from the store.
   std::vector<Assignment> for_form;
+  ProjectSettings project(ormel);
+  bool in_project = false;
   for (const std::string& text : texts) {
     const Assignment assignment = ParseAssignment(text);
     const bool in_form =
         std::any_of(std::begin(kSettingControls), std::end(kSettingControls),
                     [&assignment](const SettingControl& entry) { return entry.field == assignment.field; });
+    if (PutIntoForm(project, assignment)) {
+      in_project = true;
+      continue;
+    }
     if (in_form) {
       for_form.push_back(assignment);
       continue;
@@ -138,13 +207,12 @@ void Apply(Ormel& ormel, const std::vector<std::string>& texts) {
     row.Set(assignment.field, is_number ? Value(Val(assignment.value)) : Value(assignment.value));
     row.Update();
   }
+  if (in_project) PressOk(project);
   if (for_form.empty()) return;
   ModelSettings form(ormel);
   form.Load();
-  form.MarkShown();
   for (const Assignment& assignment : for_form) PutIntoForm(form, assignment);
-  form.Click("OK");
-  if (form.Result != ModelSettings::kOk) throw UserError("nothing was changed");
+  PressOk(form);
 }
 
 struct SetOptions {
@@ -155,7 +223,10 @@ struct SetOptions {
 int Set(const CommonOptions& common, const SetOptions& given) {
   Session session(MakeBatchOptions(common));
   session.OpenForEdit(given.path);
-  session.Edit([&] { Apply(session.ormel(), given.assignments); });
+  session.Edit([&] {
+    Apply(session.ormel(), given.assignments);
+    OfferRechargeDomain(session.ormel());
+  });
   return session.Finish();
 }
 
@@ -198,10 +269,16 @@ void AddProjectCommands(CLI::App& app, Program& program) {
 
   auto set = std::make_shared<SetOptions>();
   CLI::App* assign = app.add_subcommand(
-      "set", "Set fields of the tables Model and Project, with the checks of the settings dialog");
-  assign->add_option("project", set->path, "The project")->required();
-  assign->add_option("assignments", set->assignments, "Model.Field=value ...")->required();
-  assign->callback([&program, set] { program.run = [&program, set] { return Set(program.common, *set); }; });
+      "set", "Set fields of the tables Model and Project, or of elements, with the checks of their dialogs");
+  assign->add_option("project", set->path, "The project");
+  assign->add_option("assignments", set->assignments, "Model.Field=value ...");
+  AddSetKinds(*assign, program);
+  assign->callback([&program, set, assign] {
+    if (!assign->get_subcommands().empty()) return;
+    if (set->path.empty()) throw CLI::RequiredError("project");
+    if (set->assignments.empty()) throw CLI::RequiredError("assignments");
+    program.run = [&program, set] { return Set(program.common, *set); };
+  });
 
   auto window = std::make_shared<WindowOptions>();
   CLI::App* zoom = app.add_subcommand("window", "Set the map window that the project opens with");

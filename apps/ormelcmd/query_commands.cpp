@@ -22,15 +22,17 @@ struct SqlOptions {
   bool csv = false;
 };
 
-int Sql(const SqlOptions& given) {
-  Database db = Database::Open(given.path, OpenMode::kReadOnly);
-  const TextTable table = ReadTable(db, given.query);
+int Sql(const CommonOptions& common, const SqlOptions& given) {
+  Session session(MakeBatchOptions(common));
+  session.OpenForReading(given.path);
+  const TextTable table = ReadTable(session.ormel().db(), given.query);
   if (given.csv) {
     PrintCsv(std::cout, table);
   } else {
     PrintAligned(std::cout, table);
   }
-  return std::cout.flush() ? kExitOk : kExitRefused;
+  if (!std::cout.flush()) throw UserError("standard output took no more text");
+  return session.Finish();
 }
 
 // results ---------------------------------------------------------------------------------------------------
@@ -65,9 +67,7 @@ struct ResultsOptions {
 int Results(const CommonOptions& common, const ResultsOptions& given) {
   Session session(MakeBatchOptions(common));
   Ormel& ormel = session.ormel();
-  ormel.project.db = std::make_unique<Database>(Database::Open(given.path, OpenMode::kReadOnly));
-  ormel.project.DBName = given.path;
-  ReadProjectState(ormel);
+  session.OpenForReading(given.path);
   bool older = false;
   if (const std::string reason = WhyNotSolved(ormel, &older); !reason.empty()) {
     if (!given.stale)
@@ -103,7 +103,7 @@ void AddQueryCommands(CLI::App& app, Program& program) {
   query->add_option("project", sql->path, "The project")->required();
   query->add_option("query", sql->query, "A select statement, in the store's own dialect")->required();
   query->add_flag("--csv", sql->csv, "Comma-separated values with a heading line, numbers as stored");
-  query->callback([&program, sql] { program.run = [sql] { return Sql(*sql); }; });
+  query->callback([&program, sql] { program.run = [&program, sql] { return Sql(program.common, *sql); }; });
 
   auto results = std::make_shared<ResultsOptions>();
   CLI::App* show = app.add_subcommand("results", "Show the results of the last solve");

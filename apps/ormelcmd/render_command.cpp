@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <set>
 
 #include "core/layers.h"
 #include "core/status.h"
@@ -23,7 +24,7 @@ namespace {
 constexpr double kYear = 365.0;  // days
 
 struct RenderOptions {
-  std::string path, picture, size = "1600x1200", window, legend_at;
+  std::string path, picture, size = "1600x1200", window, legend_at, overlay = "strength";
   std::vector<std::string> layers;
   int dpi = 96;
   double time_tics = 2 * kYear, elevation_tics = 0.0;
@@ -87,6 +88,23 @@ void SwitchLayers(Ormel& ormel, const RenderOptions& given, bool solved) {
   ormel.solution.ElevationTicSpacing = given.elevation_tics;
 }
 
+struct OverlayRow {
+  const char *word, *mode, *value;  ///< what its full width stands for
+};
+constexpr OverlayRow kOverlays[] = {
+    {"strength", "Strength", "Discharge"},     {"error", "Head Error", "[Error]"},
+    {"baseflow", "Baseflow", "Baseflow"},      {"streamflow", "Streamflow", "Baseflow+Overlandflow"},
+    {"recharging", "Recharging", "Discharge"}, {"percolating", "Percolating", "Discharge"}};
+
+/// As the window's dialog would set it, the largest value at the full width.
+OverlaySettings OverlayOf(Ormel& ormel, const std::string& word) {
+  const OverlayRow& row = *std::find_if(std::begin(kOverlays), std::end(kOverlays),
+                                        [&](const OverlayRow& r) { return r.word == word; });
+  const double largest =
+      ormel.db().Scalar("select max(abs(" + std::string(row.value) + ")) from LSResults").AsDouble();
+  return {row.mode, largest > 0.0 ? largest : 1.0};
+}
+
 /// "1600x1200"
 void ParseSize(const std::string& text, PictureSize& size) {
   constexpr int kLargest = 20000;
@@ -142,8 +160,7 @@ int Render(const CommonOptions& common, RenderOptions given) {
   SwitchLayers(ormel, given, !given.no_results);
   if (ormel.layers.On(
           Layer::kResultsOverlay))  // without the window's dialog: what each line-sink takes or gives
-    session.view().state().overlay = {
-        "Strength", ormel.db().Scalar("select max(abs(Discharge)) from LSResults").AsDouble()};
+    session.view().state().overlay = OverlayOf(ormel, given.overlay);
 
   const Toolkit toolkit;
   bool drawn = false;
@@ -173,6 +190,12 @@ void AddRenderCommand(CLI::App& app, Program& program) {
   command->add_option("--window", given->window,
                       "left,bottom,right,top in map units; otherwise the project's window");
   command->add_option("--layers", given->layers, "Only these layers, separated by commas: " + LayerNames());
+  std::set<std::string> overlays;
+  for (const OverlayRow& row : kOverlays) overlays.insert(row.word);
+  command
+      ->add_option("--overlay", given->overlay, "What the layer overlay shows of head-specified line-sinks")
+      ->check(CLI::IsMember(overlays))
+      ->capture_default_str();
   command->add_option("--time-tics", given->time_tics, "Days between the marks on pathlines, 0 for none")
       ->capture_default_str();
   command->add_option("--elevation-tics", given->elevation_tics,

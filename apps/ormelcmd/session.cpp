@@ -9,10 +9,13 @@
 
 #include "core/command.h"
 #include "core/project.h"
+#include "model/vertices.h"
 #include "publish/qt_publisher.h"
 #include "shell/lifecycle.h"
 #include "shell/open_steps.h"
+#include "solver/extents.h"
 #include "solver/solver_bridge.h"
+#include "store/bulk.h"
 #include "store/database.h"
 #include "store/schema.h"
 #include "text/files.h"
@@ -60,6 +63,9 @@ BatchOptions MakeBatchOptions(const CommonOptions& common) {
   // Boxes with a choice that changes nothing.
   options.answers.push_back({"No head-specified conditions exist", "OK", true});
   options.answers.push_back({"Small Window", "OK", true});
+  options.answers.push_back({"Zoom to Element", "No", true});
+  // The text is told; to change the model is for the caller to choose.
+  options.answers.push_back({"Recharge Rate", "No", true});
   // A wider window is for the caller to choose; the text says that there is a reason to.
   options.answers.push_back({"Pathlines Cut", "No", true});
   return options;
@@ -99,7 +105,23 @@ void Session::OpenForEdit(const std::string& path) {
   if (!TestProjectFile(ormel_, full) || !OpenConnection(ormel_, full))
     throw UserError(path + " was not opened");
   LoadDataControls(ormel_);
+  // Before the project counts as open: nobody has asked for a map or a solution.
+  MapWindow& window = ormel_.window;
+  RowReader stored(ormel_.db(), "select WINDOWX1,WINDOWX2,WINDOWY1,WINDOWY2 from Model");
+  if (stored.Next() && stored.Double(0) < stored.Double(1))
+    window.SolveWindow = {stored.Double(0), stored.Double(1), stored.Double(2), stored.Double(3)};
+  FindMapExtents(ormel_);
+  ormel_.gui.VertexTolerance = DefaultVertexTolerance(ormel_);
   ormel_.project.ProjectOpen = true;
+}
+
+void Session::OpenForReading(const std::string& path) {
+  const std::string full = FullPath(ormel_, path);
+  if (!FileExists(full)) throw UserError(path + " does not exist");
+  if (!TestProjectVersion(ormel_, full)) throw UserError(path + " was not opened");
+  ormel_.project.db = std::make_unique<Database>(Database::Open(full, OpenMode::kReadOnly));
+  ormel_.project.DBName = full;
+  ReadProjectState(ormel_);
 }
 
 void Session::Edit(const std::function<void()>& body) {

@@ -51,6 +51,8 @@ class Session {
   void OpenProject(const std::string& path);
   /// Opens for an edit by script: the tests of the file, connection and recordsets, but no map.
   void OpenForEdit(const std::string& path);
+  /// Opens to be looked at: the test of the version, and no lock for others.
+  void OpenForReading(const std::string& path);
   /// Runs `body` as one command of the program: all of it is kept, or, when it throws UserError, none of it.
   void Edit(const std::function<void()>& body);
   /// 0, or 1 when a question found no answer or a failure was shown; tells of options that nothing asked for.

@@ -2,23 +2,28 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
+#include <optional>
 
 #include "core/command.h"
 #include "core/solver_port.h"
 #include "core/status.h"
+#include "model/model_settings.h"
 #include "ormelcmd/options.h"
 #include "shell/open_steps.h"
 #include "solver/deck_export.h"
 #include "solver/extents.h"
+#include "solver/inspection.h"
 #include "solver/solve_stamp.h"
 #include "store/database.h"
 #include "text/files.h"
+#include "text/numbers.h"
 
 namespace ormel {
 namespace {
 
 struct SolveOptions {
   std::string path;
+  std::optional<double> step, max_time, time;
   int iterations = 0, continue_iterations = 0;
   bool reload = false;
 };
@@ -31,6 +36,23 @@ void Report(Session& session) {
                      " test points";
   session.ui().Say(text);
   if (const std::string notice = OlderModelNotice(session.ormel()); !notice.empty()) session.ui().Say(notice);
+}
+
+/// What the run is to be traced with, through the checks of the settings dialog.
+void PutTracing(Session& session, const SolveOptions& given) {
+  if (!given.step && !given.max_time) return;
+  ModelSettings form(session.ormel());
+  form.Load();
+  form.MarkShown();
+  if (given.step) {
+    form.SetChecked("chkDefaultStep", false);
+    form.SetText("tbStepSize", NumberText(*given.step));
+  }
+  if (given.max_time) form.SetText("tbMaxTime", NumberText(*given.max_time));
+  session.Edit([&form] {
+    form.Click("OK");
+    if (form.Result != ModelSettings::kOk) throw UserError("nothing was changed");
+  });
 }
 
 int Solve(const CommonOptions& common, const SolveOptions& given) {
@@ -50,6 +72,8 @@ int Solve(const CommonOptions& common, const SolveOptions& given) {
     RunCommand(ormel, "solve",
                [&] { ormel.db().Execute("update Model set SOLVERIterations=?", {given.iterations}); });
   }
+  PutTracing(session, given);
+  if (given.time) ormel.solution.SolutionTime = *given.time;
   ormel.solver().ModelRunVadox({.KeepSolution = given.reload, .ContinueSolve = continues});
   if (session.ui().CancelRequested()) throw UserError("the solve was cancelled; the project is as it was");
   if (!ormel.solution.ValidSolution) {
@@ -58,7 +82,72 @@ int Solve(const CommonOptions& common, const SolveOptions& given) {
     return kExitSolver;
   }
   if (!common.quiet) Report(session);
+  if (given.time && *given.time != 0.0)
+    session.ui().Say("the results are those at " + NumberText(*given.time) +
+                     " days; they pass as those of the project only with --stale");
   return session.Finish();
+}
+
+// inspect, trace --------------------------------------------------------------------------------------------
+
+struct PointOptions {
+  std::string path;
+  double x = 0.0, y = 0.0;
+  std::optional<double> elevation;
+  bool backward = false;
+};
+
+/// Opens a solved project and puts the options where the inspector looks.
+void OpenSolved(Session& session, const PointOptions& given) {
+  session.OpenProject(given.path);
+  Ormel& ormel = session.ormel();
+  if (const std::string reason = RestoreSolve(ormel); !reason.empty())
+    throw UserError("there is no solution to look into: " + reason + "; run: ormelcmd solve \"" + given.path +
+                    "\"");
+  if (const std::string notice = OlderModelNotice(ormel); !notice.empty()) session.ui().Say(notice);
+  InspectorSettings& settings = InspectorSettingsOf(ormel);
+  settings.at_top = !given.elevation;
+  settings.Elevation = given.elevation.value_or(0.0);
+  settings.trace_backwards = given.backward;
+}
+
+int Inspect(const CommonOptions& common, const PointOptions& given) {
+  Session session(MakeBatchOptions(common));
+  OpenSolved(session, given);
+  const std::vector<InspectedValue> values = InspectPoint(session.ormel(), given.x, given.y);
+  if (values.empty()) return kExitSolver;
+  for (const InspectedValue& value : values)
+    std::cout << value.name << ": " << NumberText(value.value) << '\n';
+  return session.Finish();
+}
+
+int Trace(const CommonOptions& common, const PointOptions& given) {
+  Session session(MakeBatchOptions(common));
+  OpenSolved(session, given);
+  Ormel& ormel = session.ormel();
+  ModelTraceOneStreamline(ormel, given.x, given.y);
+  if (ormel.solution.traced_lines.empty()) return kExitSolver;
+  const TracedLine& line = ormel.solution.traced_lines.back();
+  std::cout << "x,y,elevation,days\n";
+  for (std::size_t i = 0; i < line.points.size(); ++i)
+    std::cout << NumberText(line.points[i].x) << ',' << NumberText(line.points[i].y) << ','
+              << NumberText(line.elevations[i]) << ',' << NumberText(line.times[i]) << '\n';
+  session.ui().Say(ormel.feedback);
+  return session.Finish();
+}
+
+CLI::App* DefinePoint(CLI::App& app, Program& program, const char* name, const char* text,
+                      const std::shared_ptr<PointOptions>& given,
+                      int (*run)(const CommonOptions&, const PointOptions&)) {
+  CLI::App* command = app.add_subcommand(name, text);
+  command->add_option("project", given->path, "The project, solved")->required();
+  command->add_option("x", given->x, "Map units")->required();
+  command->add_option("y", given->y, "Map units")->required();
+  command->add_option("--elevation", given->elevation, "Elevation; otherwise the water table");
+  command->callback([&program, given, run] {
+    program.run = [&program, given, run] { return run(program.common, *given); };
+  });
+  return command;
 }
 
 struct DeckOptions {
@@ -88,6 +177,11 @@ void AddSolveCommands(CLI::App& app, Program& program) {
                                       "Go on from the saved solution by so many iterations")
                           ->check(CLI::Range(1, 32767))
                           ->excludes(iterations);
+  run->add_option("--step", solve->step, "Tracing step [length]; kept in the project's settings");
+  run->add_option("--max-time", solve->max_time,
+                  "Longest time of travel that is traced [d]; kept in the project's settings");
+  run->add_option("--time", solve->time, "Time of the results, where the model has transient wells [d]")
+      ->check(CLI::NonNegativeNumber);
   run->add_flag("--reload", solve->reload,
                 "Use the saved solution; make extraction, grid, contours and pathlines anew")
       ->excludes(iterations)
@@ -99,6 +193,12 @@ void AddSolveCommands(CLI::App& app, Program& program) {
       "Exit code 3: the solver failed; its own words have been printed.");
   run->callback(
       [&program, solve] { program.run = [&program, solve] { return Solve(program.common, *solve); }; });
+
+  DefinePoint(app, program, "inspect", "What the solved model says at a point",
+              std::make_shared<PointOptions>(), Inspect);
+  const auto start = std::make_shared<PointOptions>();
+  DefinePoint(app, program, "trace", "A streamline of the solved model from a point, as CSV", start, Trace)
+      ->add_flag("--backward", start->backward, "To where the water comes from");
 
   auto deck = std::make_shared<DeckOptions>();
   CLI::App* write = app.add_subcommand("deck", "Write the model as a solver deck");

@@ -6,6 +6,7 @@
 
 #include "store/bulk.h"
 #include "store/database.h"
+#include "text/numbers.h"
 #include "text/strings.h"
 
 namespace ormel {
@@ -90,6 +91,37 @@ void PrintCsv(std::ostream& out, const TextTable& table) {
     for (std::size_t i = 0; i < row.size(); ++i) out << (i == 0 ? "" : ",") << Quoted(row[i]);
     out << '\n';
   }
+}
+
+void PrintJson(std::ostream& out, const TextTable& table) {
+  const auto quoted = [](const std::string& text) {
+    std::string json = "\"";
+    for (const char c : text) {
+      if (c == '"' || c == '\\') json += '\\';
+      if (static_cast<unsigned char>(c) >= 0x20) {
+        json += c;
+        continue;
+      }
+      char code[8];
+      std::snprintf(code, sizeof code, "\\u%04x", static_cast<unsigned>(c));
+      json += code;
+    }
+    return json + "\"";
+  };
+  out << "[";
+  for (std::size_t r = 0; r < table.rows.size(); ++r) {
+    out << (r == 0 ? "\n  {" : ",\n  {");
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+      const std::string& cell = table.rows[r][i];
+      const bool number = table.columns[i].number && IsNumeric(cell);
+      out << (i == 0 ? "" : ", ") << quoted(table.columns[i].name) << ": "
+          << (number                                    ? cell
+              : cell.empty() && table.columns[i].number ? "null"
+                                                        : quoted(cell));
+    }
+    out << "}";
+  }
+  out << (table.rows.empty() ? "]\n" : "\n]\n");
 }
 
 }  // namespace ormel

@@ -26,4 +26,7 @@ void PrintAligned(std::ostream& out, const TextTable& table);
 /// Fields with a comma, a quote or a line end are quoted; lines end with a line feed.
 void PrintCsv(std::ostream& out, const TextTable& table);
 
+/// An array with an object a row; numbers as numbers.
+void PrintJson(std::ostream& out, const TextTable& table);
+
 }  // namespace ormel

@@ -81,12 +81,18 @@ TextTable TextOf(const Table& table) {
   return text;
 }
 
-int List(const std::string& path) {
-  Database db = Database::Open(path, OpenMode::kReadOnly);
+int List(const CommonOptions& common, const std::string& path) {
+  Session session(MakeBatchOptions(common));
+  session.OpenForReading(path);
+  Database& db = session.ormel().db();
   const std::shared_ptr<Table> zones =
       ReadZoneTable(db, db.Scalar("select BasemapMeters from Model").AsBool());
   PrintAligned(std::cout, TextOf(*zones));
-  const TextTable areas = ReadTable(db, "select Well,Type,Radius,TimeOfTravel,T from WHPAs order by Well", 8);
+  const TextTable areas = ReadTable(
+      db,
+      "select Well,Type,Radius,TimeOfTravel,T,case when T>1 or Type=3 then (select TRACEMaxTime from Model) "
+      "end as Traced from WHPAs order by Well",
+      8);
   if (!areas.rows.empty()) {
     std::cout << '\n';
     PrintAligned(std::cout, areas);
@@ -116,7 +122,8 @@ void DefineOutline(CLI::App& whpa, Program& program) {
   auto path = std::make_shared<std::string>();
   CLI::App* list = whpa.add_subcommand("list", "List capture zones and protection areas");
   list->add_option("project", *path, "The project")->required();
-  list->callback([&program, path] { program.run = [path] { return List(*path); }; });
+  list->callback(
+      [&program, path] { program.run = [&program, path] { return List(program.common, *path); }; });
 }
 
 }  // namespace ormel

@@ -26,7 +26,7 @@ constexpr std::array kWords{QuantityWord{"none", Quantity::kNone, "given"},
                             QuantityWord{"discharge", Quantity::kDischarge, "s5"},
                             QuantityWord{"days", Quantity::kDays, "0.#"},
                             QuantityWord{"years", Quantity::kYears, "given"},
-                            QuantityWord{"degrees", Quantity::kDegrees, "0.#"},
+                            QuantityWord{"degrees", Quantity::kAngle, "0.#"},
                             QuantityWord{"percent", Quantity::kPercent, "0.0"}};
 
 /// Rounded to `digits` significant ones, but at least to the unit.

@@ -123,11 +123,13 @@ std::shared_ptr<Table> ZoneChecksTable(Ormel& ormel) {
 
 std::shared_ptr<Table> AreasTable(Ormel& ormel) {
   std::vector<TableColumn> columns;
-  for (const char* name :
-       {"Well", "Method", "Radius", "Area", "Shift", "TimeOfTravel", "Porosity", "Thickness", "AmbientFlow",
-        "Direction", "T", "Discharge", "Point1X", "Point1Y", "Point2X", "Point2Y", "FirstHead", "WHPAData"})
+  for (const char* name : {"Well", "Method", "Radius", "Area", "Shift", "TimeOfTravel", "Porosity",
+                           "Thickness", "AmbientFlow", "Direction", "T", "Discharge", "Point1X", "Point1Y",
+                           "Point2X", "Point2Y", "FirstHead", "WHPAData", "Traced"})
     columns.push_back({.name = name, .caption = name});
   auto table = std::make_shared<Table>(std::move(columns));
+  // Paths are traced for the longest time of the settings, whatever an area was asked for.
+  const Value traced = ormel.db().Scalar("select TRACEMaxTime from Model");
   RowReader rows(ormel.db(),
                  "select a.Well,a.Type,a.Radius,a.TimeOfTravel,a.Porosity,a.Thickness,a.AmbientFlow,"
                  "a.Direction,a.T,a.Point1X,a.Point1Y,a.Point2X,a.Point2Y,a.FirstHead,a.WHPAData,"
@@ -152,7 +154,7 @@ std::shared_ptr<Table> AreasTable(Ormel& ormel) {
                    When(radius > 0.0, std::numbers::pi * radius * radius), shift, input(3), input(4),
                    input(5), input(6), input(7), When(calculated, rows.Get(8)), When(type != 1, discharge),
                    of_boundary(9), of_boundary(10), of_boundary(11), of_boundary(12), of_boundary(13),
-                   of_boundary(14)});
+                   of_boundary(14), When(type == 3 || (calculated && t > 1.0), traced)});
   }
   return table;
 }

@@ -1,15 +1,87 @@
 #include "core/form.h"
 
 #include <algorithm>
+#include <cmath>
 #include <stdexcept>
 
+#include "core/ask_number.h"
 #include "core/chart.h"
 #include "core/ormel.h"
 #include "core/table.h"
 #include "core/user_interface.h"
 #include "text/numbers.h"
+#include "text/strings.h"
 
 namespace ormel {
+
+namespace {
+
+bool IsTyped(const ControlSpec& spec, const ControlState& state) {
+  return state.visible && state.enabled && !state.text.empty() &&
+         (spec.kind == ControlKind::kNumber || spec.kind == ControlKind::kText ||
+          spec.kind == ControlKind::kMultiline);
+}
+
+/// "&Left:" as a sentence names it.
+std::string Plain(std::string_view caption) {
+  std::string name(caption);
+  std::erase(name, '&');
+  while (!name.empty() && (name.back() == ':' || name.back() == ' ')) name.pop_back();
+  return name;
+}
+
+}  // namespace
+
+std::string ReadsAs(const ControlSpec& spec, const ControlState& state) {
+  if (spec.kind != ControlKind::kNumber || state.text.empty() || !state.enabled) return {};
+  const double value = Val(state.text);
+  if (!std::isfinite(value)) return "too large";
+  return IsNumeric(state.text) ? std::string() : "reads as " + NumberText(value);
+}
+
+std::string Form::FieldName(const ControlSpec& spec) const {
+  if (std::string name = Plain(State(spec.name).caption); !name.empty()) return name;
+  if (!spec.group.empty()) return std::string(spec.group);
+  const ControlSpec* before = nullptr;  // a check box whose field stands beside it
+  for (const ControlSpec& other : Controls()) {
+    if (other.name == spec.name) break;
+    before = &other;
+  }
+  return before == nullptr ? std::string(spec.name) : Plain(State(before->name).caption);
+}
+
+bool Form::NumberHolds(const ControlSpec& spec) {
+  const ControlState& state = State(spec.name);
+  const double value = Val(state.text);
+  const std::string field = FieldName(spec);
+  const NumberRange& range = spec.range;
+  if (!IsNumeric(state.text) && !range.strict && std::isfinite(value) &&
+      !AcceptAsNumber(ormel_, field, state.text)) {
+    Focus(spec.name);
+    return false;
+  }
+  if (value <= range.largest && (range.own_low || value >= range.lowest)) return true;
+  std::string unit = state.unit.empty() || state.unit.front() == '[' ? std::string() : " " + state.unit;
+  return Refuse(spec.name, "Out of Range",
+                field + " must be between " + NumberText(range.lowest) + " and " + NumberText(range.largest) +
+                    unit + ".\nPlease enter a new value.");
+}
+
+bool Form::TextHolds(const ControlSpec& spec) {
+  const std::size_t length = TextLength(Text(spec.name));
+  if (spec.longest == 0 || length <= spec.longest) return true;
+  return Refuse(spec.name, "Too Long",
+                FieldName(spec) + " has " + std::to_string(length) + " characters; no more than " +
+                    std::to_string(spec.longest) + " can be stored.\nPlease enter a shorter text.");
+}
+
+bool Form::FieldsHold() {
+  for (const ControlSpec& spec : Controls()) {
+    if (!IsTyped(spec, State(spec.name))) continue;
+    if (!(spec.kind == ControlKind::kNumber ? NumberHolds(spec) : TextHolds(spec))) return false;
+  }
+  return true;
+}
 
 void Form::InitControls() {
   for (const ControlSpec& spec : Controls()) {
@@ -98,6 +170,7 @@ void Form::Click(std::string_view name) {
       SetChecked(name, true);
       return;
     default:
+      if (spec.role == ButtonRole::kAccept && !FieldsHold()) return;
       Pressed(name);
   }
 }

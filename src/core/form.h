@@ -42,6 +42,18 @@ enum class ControlKind {
 
 enum class ButtonRole { kNone, kAccept, kReject };
 
+/// What a number can mean.  What lies outside is refused with the range.
+struct NumberRange {
+  double lowest = -1e15, largest = 1e15;
+  bool own_low = false;  ///< the form has words of its own for what is too low
+  bool strict = false;   ///< and for a text that is not wholly a number
+};
+
+// Heads, elevations, lengths and rates in the units of the computation, places in those of the map.
+inline constexpr NumberRange kElevations{-1e7, 1e7}, kPlaces{-1e9, 1e9}, kSizes{0.0, 1e7, true},
+    kDischarges{-1e12, 1e12}, kRates{0.0, 1e7, true}, kRecharges{-1e4, 1e4}, kDurations{0.0, 1e9, true},
+    kShares{0.0, 1.0}, kDegrees{-360.0, 360.0};
+
 struct ControlSpec {
   std::string_view name{};  ///< with its index where it has one: "tbData(2)"
   ControlKind kind = ControlKind::kLabel;
@@ -51,6 +63,8 @@ struct ControlSpec {
   std::string_view group{};  ///< frame; options of one group exclude one another
   std::string_view tip{};
   ButtonRole role = ButtonRole::kNone;
+  NumberRange range{};      ///< of a kNumber
+  std::size_t longest = 0;  ///< characters that the store's field takes; 0 where the form looks itself
 };
 
 struct ControlState {
@@ -68,6 +82,9 @@ struct ControlState {
   std::shared_ptr<const Chart> chart;
 };
 
+/// What stands beside a number field while its text is not wholly a number: "reads as 1"; else empty.
+std::string ReadsAs(const ControlSpec& spec, const ControlState& state);
+
 class Form {
  public:
   explicit Form(Ormel& ormel) : ormel_(ormel) {}
@@ -82,7 +99,8 @@ class Form {
   /// Topic of the user guide that F1 opens.
   virtual std::string_view HelpTopic() const { return Name(); }
 
-  // What a user does.
+  // What a user does.  An accepting button first looks at all fields that are offered: a text that is not
+  // wholly a number is asked about, what is out of range or too long for the store is refused.
   void SetText(std::string_view name, std::string_view text);
   void SetChecked(std::string_view name, bool on);
   void Select(std::string_view name, std::vector<int> indices);
@@ -150,6 +168,10 @@ class Form {
 
  private:
   const ControlSpec& Spec(std::string_view name) const;
+  std::string FieldName(const ControlSpec& spec) const;
+  bool FieldsHold();
+  bool NumberHolds(const ControlSpec& spec);
+  bool TextHolds(const ControlSpec& spec);
 
   Ormel& ormel_;
   std::map<std::string, ControlState, std::less<>> states_;

@@ -43,6 +43,11 @@ std::string FolderBeside(const std::string& file, const std::string& relative) {
 
 }  // namespace
 
+std::string ProjectFolder(const Ormel& ormel, const std::string& name) {
+  const bool relative = !name.empty() && std::filesystem::path(name).is_relative();
+  return relative ? FolderBeside(ormel.project.DBName, name) : name;
+}
+
 void ReadProjectState(Ormel& ormel) {
   ProjectState& project = ormel.project;
   RowReader names(ormel.db(), "select OrmelBaseName,OrmelBasePath from Project");

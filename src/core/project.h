@@ -13,6 +13,8 @@ void AttachProject(Ormel& ormel, const std::string& path);
 /// Reads `OrmelBaseName`, `OrmelBasePath` and the units again, after a dialog has changed them.  A relative
 /// path is seen from the project's folder.
 void ReadProjectState(Ormel& ormel);
+/// A folder as a project may name it: relative to the project's own, "." for itself; without final separator.
+std::string ProjectFolder(const Ormel& ormel, const std::string& name);
 /// Opens the eleven bound recordsets, in their order.
 void LoadDataControls(Ormel& ormel);
 /// Closes the bound recordsets and the connection; what the present command has written is committed first.

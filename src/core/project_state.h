@@ -22,8 +22,9 @@ struct ProjectState {
   ProjectState& operator=(ProjectState&&) noexcept;
 
   bool ProjectOpen = false;
-  int connections = 0;        ///< grows whenever a file is opened or closed: which one is it?
-  std::string DBName;         ///< full path of the open project; empty before the first
+  bool no_heads_told = false;  ///< the box about missing head-specified conditions comes once a project
+  int connections = 0;         ///< grows whenever a file is opened or closed: which one is it?
+  std::string DBName;          ///< full path of the open project; empty before the first
   std::string folder;         ///< the project folder with its final separator; empty before the first project
   std::string unit_suffix;    ///< " m" or " ft", of the map
   bool ComputeMeters = true;  ///< elevations, rates, properties in metres; else feet

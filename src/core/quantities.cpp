@@ -28,7 +28,7 @@ std::string UnitOf(const Ormel& ormel, Quantity quantity) {
       return "days";
     case Quantity::kYears:
       return "years";
-    case Quantity::kDegrees:
+    case Quantity::kAngle:
       return "degrees";
     case Quantity::kPercent:
       return "%";

@@ -18,7 +18,7 @@ enum class Quantity {
   kDischarge,    ///< length cubed per day: discharge, discharge potential
   kDays,
   kYears,
-  kDegrees,
+  kAngle,
   kPercent,
 };
 

@@ -24,6 +24,7 @@ struct Box {
   std::string text;
   Buttons buttons = Buttons::kOk;
   Icon icon = Icon::kNone;
+  bool safe_default = false;  ///< Enter presses No or Cancel
 };
 
 struct InputBox {

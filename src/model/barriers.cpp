@@ -7,6 +7,7 @@
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/user_interface.h"
+#include "model/crossing.h"
 #include "model/digitize.h"
 #include "model/validity.h"
 #include "model/vertices.h"
@@ -21,7 +22,7 @@ using enum ControlKind;
 constexpr std::string_view kRegion = "Ignore Region";
 
 constexpr std::array kControls{
-    ControlSpec{.name = "tbLabel", .kind = kText, .caption = "Label"},
+    ControlSpec{.name = "tbLabel", .kind = kText, .caption = "Label", .longest = 255},
     ControlSpec{.name = "CmdBarrierColor", .kind = kButton, .caption = "Barrier Color"},
     ControlSpec{.name = "picColor", .kind = kColor},
     ControlSpec{.name = "ClosedDomain", .kind = kCheck, .caption = "Barrier bounds a closed domain"},
@@ -144,12 +145,15 @@ void ElemAddNoFlowString(Ormel& ormel) {
 }
 
 void ElemAddNoFlowVertex(Ormel& ormel, bool /*first*/) {
-  RunEdit(ormel, "ElemAddNoFlowVertex",
-          [&] { AddDigitizedVertex(ormel, Element::kBarrier, LastClick(ormel)); });
+  RunEdit(ormel, "ElemAddNoFlowVertex", [&] {
+    if (RefuseCrossingVertex(ormel, LastClick(ormel))) return;
+    AddDigitizedVertex(ormel, Element::kBarrier, LastClick(ormel));
+  });
 }
 
 void ElemEndNoFlowString(Ormel& ormel) {
   RunEdit(ormel, "ElemEndNoFlowString", [&] {
+    if (RefuseCrossingEnd(ormel, Element::kBarrier)) return;
     const Pid pid = EndDigitizing(ormel);
     if (ElemCheckPhantomNoFlowVertices(ormel, pid)) {
       ormel.db().Execute("delete from NoFlowStrings where PID=?", {pid});

@@ -11,6 +11,7 @@
 #include "model/area_runs.h"
 #include "model/delete.h"
 #include "model/digitize.h"
+#include "model/image_wells.h"
 #include "model/validity.h"
 #include "model/vertices.h"
 #include "model/wells.h"
@@ -30,6 +31,7 @@ struct BulkKind {
   const char* count;
   std::array<const char*, 2> remove;
   bool invalidates;
+  const char* wells = nullptr;  ///< condition of the wells that go, and with them their protection areas
 };
 
 constexpr std::array kKinds{
@@ -64,14 +66,16 @@ constexpr std::array kKinds{
              "select count(*) from Wells where HeadSpecified=0",
              {"delete from Vertices where VID in (select VID from Wells where HeadSpecified=0)",
               "delete from Wells where HeadSpecified=0"},
-             true},
+             true,
+             "HeadSpecified=0"},
     BulkKind{DeleteAllItem::kHeadWells,
              "Delete all head specified wells from the database?",
              "Head Specified Wells",
              "select count(*) from Wells where HeadSpecified<>0",
              {"delete from Vertices where VID in (select VID from Wells where HeadSpecified<>0)",
               "delete from Wells where HeadSpecified<>0"},
-             true},
+             true,
+             "HeadSpecified<>0"},
 };
 
 void DeleteKind(Ormel& ormel, const BulkKind& kind) {
@@ -82,6 +86,7 @@ void DeleteKind(Ormel& ormel, const BulkKind& kind) {
     Inform(ormel, kTitle, "No " + plural + " were found!");
     return;
   }
+  if (kind.wells != nullptr && !RemoveAreasOfWells(ormel, kind.wells)) return;
   ormel.view().ElemTurnOffSelection();
   for (const char* statement : kind.remove)
     if (*statement != '\0') ormel.db().Execute(statement);

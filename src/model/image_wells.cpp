@@ -1,6 +1,8 @@
 #include "model/image_wells.h"
 
 #include "core/ormel.h"
+#include "core/status.h"
+#include "core/user_interface.h"
 #include "model/vertices.h"
 #include "model/wells.h"
 #include "store/bulk.h"
@@ -55,6 +57,24 @@ void RemoveAreasOf(Ormel& ormel, const std::string& well) {
     if (point > 0 && !shared) DeleteVertex(ormel, point);
   }
   if (ormel.project.bound.Wells) ormel.project.bound.Wells->Requery();
+}
+
+bool RemoveAreasOfWells(Ormel& ormel, const std::string& condition) {
+  std::vector<std::string> wells;
+  {
+    RowReader rows(ormel.db(),
+                   "select Label from Wells where (" + condition + ") and Label in (select Well from WHPAs)");
+    while (rows.Next()) wells.emplace_back(rows.Text(0));
+  }
+  if (wells.empty()) return true;
+  if (!AskOkCancel(ormel, "Confirm",
+                   "Protection areas are drawn for " + std::to_string(wells.size()) +
+                       " of these wells.  The areas, their stream boundaries and the images of the wells go "
+                       "with them.  Delete them all?",
+                   Icon::kQuestion))
+    return false;
+  for (const std::string& well : wells) RemoveAreasOf(ormel, well);
+  return true;
 }
 
 }  // namespace ormel

@@ -30,4 +30,8 @@ bool HasProtectionArea(Ormel& ormel, std::string_view well);
 /// Deletes the areas of a well with their image; boundary points go with the last area that has them.
 void RemoveAreasOf(Ormel& ormel, const std::string& well);
 
+/// Before the wells that fulfil a condition are deleted: asks about the protection areas that would go with
+/// them, and removes these.  False when the user keeps the wells.
+bool RemoveAreasOfWells(Ormel& ormel, const std::string& condition);
+
 }  // namespace ormel

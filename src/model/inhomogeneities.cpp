@@ -5,6 +5,7 @@
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/user_interface.h"
+#include "model/crossing.h"
 #include "model/digitize.h"
 #include "model/validity.h"
 #include "model/vertices.h"
@@ -117,12 +118,14 @@ void ElemAddInhomogeneity(Ormel& ormel) {
 void ElemAddInhoVertex(Ormel& ormel, bool first) {
   RunEdit(ormel, "ElemAddInhoVertex", [&] {
     const MapPoint click = LastClick(ormel);
-    AddDigitizedVertex(ormel, Element::kInhomogeneity, first ? click : SharedCorner(ormel, click));
+    const MapPoint at = first ? click : SharedCorner(ormel, click);
+    if (!RefuseCrossingVertex(ormel, at)) AddDigitizedVertex(ormel, Element::kInhomogeneity, at);
   });
 }
 
 void ElemEndInhomogeneity(Ormel& ormel) {
   RunEdit(ormel, "ElemEndInhomogeneity", [&] {
+    if (RefuseCrossingEnd(ormel, Element::kInhomogeneity)) return;
     const Pid pid = EndDigitizing(ormel);
     ormel.view().DrawElement(Element::kInhomogeneity, -1, pid, DrawMode::kNormal);
     InvalidateSolution(ormel, true, true);

@@ -45,6 +45,7 @@ class Inhomogeneity final : public OkCancelForm {
 
  private:
   void OfferField(int index);
+  bool AcceptConductivity();
   std::string opened_label_;
   ModelValues model_;
   bool invalidate_ = false;

@@ -30,17 +30,22 @@ constexpr std::array<SwitchedField, kFields> kSwitched{{
 }};
 
 constexpr std::array kControls{
-    ControlSpec{.name = "tbLabel", .kind = kText, .caption = "Inhomogeneity Name"},
+    ControlSpec{.name = "tbLabel", .kind = kText, .caption = "Inhomogeneity Name", .longest = 32},
     ControlSpec{.name = "chkChangeK",
                 .kind = kCheck,
                 .caption = "Change hydraulic conductivity from default",
                 .tab = kProperties},
-    ControlSpec{.name = "tbData(0)", .kind = kNumber, .caption = "Conductivity", .tab = kProperties},
+    ControlSpec{
+        .name = "tbData(0)", .kind = kNumber, .caption = "Conductivity", .tab = kProperties, .range = kRates},
     ControlSpec{.name = "chkChangeR",
                 .kind = kCheck,
                 .caption = "Change recharge rate from default",
                 .tab = kProperties},
-    ControlSpec{.name = "tbData(1)", .kind = kNumber, .caption = "Added Recharge Rate", .tab = kProperties},
+    ControlSpec{.name = "tbData(1)",
+                .kind = kNumber,
+                .caption = "Added Recharge Rate",
+                .tab = kProperties,
+                .range = kRecharges},
     ControlSpec{
         .name = "chkChangeP", .kind = kCheck, .caption = "Change porosity from default", .tab = kProperties},
     ControlSpec{.name = "tbData(2)", .kind = kNumber, .caption = "Porosity", .tab = kProperties},
@@ -48,12 +53,20 @@ constexpr std::array kControls{
                 .kind = kCheck,
                 .caption = "Change base elevation from default",
                 .tab = kProperties},
-    ControlSpec{.name = "tbData(3)", .kind = kNumber, .caption = "Base Elevation", .tab = kProperties},
+    ControlSpec{.name = "tbData(3)",
+                .kind = kNumber,
+                .caption = "Base Elevation",
+                .tab = kProperties,
+                .range = kElevations},
     ControlSpec{.name = "chkChangeA",
                 .kind = kCheck,
                 .caption = "Provide estimate of average head",
                 .tab = kProperties},
-    ControlSpec{.name = "tbData(4)", .kind = kNumber, .caption = "Average Head", .tab = kProperties},
+    ControlSpec{.name = "tbData(4)",
+                .kind = kNumber,
+                .caption = "Average Head",
+                .tab = kProperties,
+                .range = kElevations},
     ControlSpec{.name = "comColor", .kind = kButton, .caption = "Color...", .tab = kProperties},
     ControlSpec{.name = "picColor", .kind = kColor, .caption = "Inhomogeneity Color", .tab = kProperties},
     // Names of a scenario page; what stands there goes no further than the dialog.
@@ -158,7 +171,20 @@ bool Inhomogeneity::Ok() {
   if (std::abs(porosity) > 1.0 || !(porosity > 0.0))
     return BadEntry("tbData(2)", "Porosity must be greater than 0 and no larger than 1.",
                     "Please enter a new value.");
-  return true;
+  return AcceptConductivity();
+}
+
+bool Inhomogeneity::AcceptConductivity() {
+  if (!Checked("chkChangeK") || Number("tbData(0)") > 0.0) return true;
+  const bool keep =
+      ormel().ui().Ask(Box{.title = "No Conductivity",
+                           .text = "A domain without conductivity lets no water pass, and a model that "
+                                   "holds one cannot be solved.\nKeep a conductivity of 0?",
+                           .buttons = Buttons::kYesNo,
+                           .icon = Icon::kWarning,
+                           .safe_default = true}) == Answer::kYes;
+  if (!keep) Focus("tbData(0)");
+  return keep;
 }
 
 }  // namespace ormel

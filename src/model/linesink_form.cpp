@@ -11,24 +11,42 @@ namespace {
 
 using enum ControlKind;
 
-constexpr std::string_view kType = "Type", kLocation = "Linesink Location";
+constexpr std::string_view kType = "Type", kLocation = "Linesink Location", kStream = "Stream Flow";
 
 constexpr std::array kControls{
-    ControlSpec{.name = "tbLabel", .kind = kText, .caption = "Label"},
+    ControlSpec{.name = "tbLabel", .kind = kText, .caption = "Label", .longest = 32},
     ControlSpec{.name = "optHeadSpec(0)", .kind = kOption, .caption = "Head-Specified", .group = kType},
     ControlSpec{.name = "optHeadSpec(1)", .kind = kOption, .caption = "Discharge-Specified", .group = kType},
-    ControlSpec{.name = "tbData(0)", .kind = kNumber, .caption = "Starting Head"},
-    ControlSpec{.name = "tbData(1)", .kind = kNumber, .caption = "Ending Head"},
+    ControlSpec{.name = "tbData(0)", .kind = kNumber, .caption = "Starting Head", .range = kElevations},
+    ControlSpec{.name = "tbData(1)", .kind = kNumber, .caption = "Ending Head", .range = kElevations},
     ControlSpec{.name = "ShiftHead", .kind = kButton, .caption = "copy Ending Head to Starting Head"},
-    ControlSpec{.name = "tbData(2)", .kind = kNumber, .caption = "Resistance", .unit = "days"},
-    ControlSpec{.name = "tbData(3)", .kind = kNumber, .caption = "Width"},
-    ControlSpec{.name = "tbData(4)", .kind = kNumber, .caption = "Depth"},
+    ControlSpec{
+        .name = "tbData(2)", .kind = kNumber, .caption = "Resistance", .unit = "days", .range = kDurations},
+    ControlSpec{.name = "tbData(3)", .kind = kNumber, .caption = "Width", .range = kSizes},
+    ControlSpec{.name = "tbData(4)", .kind = kNumber, .caption = "Depth", .range = kSizes},
     ControlSpec{.name = "chkFarField", .kind = kCheck, .caption = "Treat as \"far-field\""},
     ControlSpec{.name = "chkDrain", .kind = kCheck, .caption = "Use as drain element"},
     ControlSpec{.name = "Auto(0)", .kind = kOption, .caption = "Unknown", .group = kLocation},
     ControlSpec{.name = "Auto(1)", .kind = kOption, .caption = "Along stream centerline", .group = kLocation},
     ControlSpec{
         .name = "Auto(2)", .kind = kOption, .caption = "Along surface water boundary", .group = kLocation},
+    ControlSpec{
+        .name = "chkStream", .kind = kCheck, .caption = "Show the flow of the stream", .group = kStream},
+    ControlSpec{.name = "chkRouting",
+                .kind = kCheck,
+                .caption = "Follow the flow along the stream",
+                .group = kStream},
+    ControlSpec{.name = "chkEndStream", .kind = kCheck, .caption = "End of the stream", .group = kStream},
+    ControlSpec{.name = "tbInflow",
+                .kind = kNumber,
+                .caption = "Inflow at the Upper End",
+                .group = kStream,
+                .range = {0.0, 1e12}},
+    ControlSpec{.name = "tbOverland",
+                .kind = kNumber,
+                .caption = "Overland Flow",
+                .group = kStream,
+                .range = kDischarges},
     kOkButton,
     kCancelButton};
 
@@ -48,6 +66,8 @@ LinesinkString::LinesinkString(Ormel& ormel) : OkCancelForm(ormel) {
   InitControls();
   Unit("tbData(3)", ComputeLengthUnit(ormel));
   Unit("tbData(4)", ComputeLengthUnit(ormel));
+  const char* flow = ormel.project.ComputeMeters ? "m^3/day" : "ft^3/day";
+  for (const char* name : {"tbInflow", "tbOverland"}) Unit(name, flow);
   Fill({}, {});
 }
 
@@ -65,6 +85,11 @@ void LinesinkString::Fill(const LinesinkRow& row, const std::string& own_label) 
   PutNumber("tbData(3)", row.Width);
   PutNumber("tbData(4)", row.Depth);
   PutCheck("chkDrain", row.Drain);
+  PutCheck("chkRouting", row.Routing);
+  PutCheck("chkEndStream", row.EndStream);
+  PutNumber("tbInflow", row.EndInflow);
+  PutNumber("tbOverland", row.Overlandflow);
+  PutCheck("chkStream", row.Routing || row.EndStream || row.EndInflow != 0.0 || row.Overlandflow != 0.0);
   PutCheck("chkFarField", row.Farfield);
   const auto location = static_cast<std::size_t>(row.AutoSWIZC);
   PutCheck(location < kLocations.size() ? kLocations.at(location) : kLocations.front(), true);
@@ -83,7 +108,11 @@ LinesinkRow LinesinkString::Row() const {
           .AutoSWIZC = Checked("Auto(1)")   ? LinesinkLocation::kCentreline
                        : Checked("Auto(2)") ? LinesinkLocation::kBoundary
                                             : LinesinkLocation::kUnknown,
-          .Farfield = Checked("chkFarField")};
+          .Farfield = Checked("chkFarField"),
+          .Routing = Checked("chkRouting"),
+          .EndStream = Checked("chkEndStream"),
+          .EndInflow = Number("tbInflow"),
+          .Overlandflow = Number("tbOverland")};
 }
 
 void LinesinkString::SetLabelFocus() {
@@ -101,11 +130,18 @@ void LinesinkString::OfferFields() {
   Unit("tbData(0)", unit);
   Unit("tbData(1)", unit);
   Offer("chkFarField", head);
-  OfferAll({"tbData(2)", "tbData(3)", "tbData(4)"}, head && !Checked("chkFarField"));
+  const bool near = head && !Checked("chkFarField");
+  OfferAll({"tbData(2)", "tbData(3)", "tbData(4)"}, near);
+  // Folded away where no flow is followed.
+  OfferAll({"chkStream", "chkRouting"}, near);
+  OfferAll({"chkEndStream", "tbInflow", "tbOverland"}, near && Checked("chkRouting"));
+  for (const char* name : {"chkRouting", "chkEndStream", "tbInflow", "tbOverland"})
+    Show(name, Checked("chkStream"));
 }
 
 void LinesinkString::Changed(std::string_view name) {
-  if (name.starts_with("optHeadSpec") || name == "chkFarField") OfferFields();
+  if (name.starts_with("optHeadSpec") || name == "chkFarField" || name == "chkStream" || name == "chkRouting")
+    OfferFields();
 }
 
 void LinesinkString::OtherPressed(std::string_view name) {

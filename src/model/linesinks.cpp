@@ -7,6 +7,7 @@
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/user_interface.h"
+#include "model/crossing.h"
 #include "model/digitize.h"
 #include "model/validity.h"
 #include "model/vertices.h"
@@ -41,6 +42,11 @@ void PutValues(Recordset& strings, const LinesinkRow& row) {
   strings["Width"] = row.Width;
   strings["Depth"] = row.Depth;
   if (row.HeadSpecified) strings["Farfield"] = row.Farfield ? 1 : 0;
+  strings["Routing"] = row.Routing ? 1 : 0;
+  // Projects of older programs lack these.
+  if (strings.HasField("EndStream")) strings["EndStream"] = row.EndStream ? 1 : 0;
+  if (strings.HasField("EndInflow")) strings["EndInflow"] = row.EndInflow;
+  if (strings.HasField("Overlandflow")) strings["Overlandflow"] = row.Overlandflow;
 }
 
 }  // namespace
@@ -57,7 +63,11 @@ bool FindLinesink(Ormel& ormel, Pid pid, LinesinkRow& found) {
            .Depth = strings.Get<double>("Depth"),
            .Drain = strings.Get<int>("Drain") != 0,
            .AutoSWIZC = static_cast<LinesinkLocation>(strings.Get<int>("AutoSWIZC")),
-           .Farfield = strings.Get<int>("Farfield") != 0};
+           .Farfield = strings.Get<int>("Farfield") != 0,
+           .Routing = strings.Get<int>("Routing") != 0};
+  if (strings.HasField("EndStream")) found.EndStream = strings.Get<int>("EndStream") == 1;
+  if (strings.HasField("EndInflow")) found.EndInflow = strings.Get<double>("EndInflow");
+  if (strings.HasField("Overlandflow")) found.Overlandflow = strings.Get<double>("Overlandflow");
   return true;
 }
 
@@ -96,7 +106,8 @@ void ElemAddLinesinkString(Ormel& ormel) {
   RunEdit(ormel, "ElemAddLinesinkString", [&] {
     ormel.view().ElemTurnOffSelection();
     LinesinkRow row = LastHeld(ormel);
-    row.Resistance = row.Width = row.Depth = 0.0;
+    row.Resistance = row.Width = row.Depth = row.EndInflow = row.Overlandflow = 0.0;
+    row.Routing = row.EndStream = false;
     LinesinkString form(ormel);
     form.Fill(row, {});
     if (!ShowAndKeep(ormel, form)) return;
@@ -109,8 +120,10 @@ void ElemAddLinesinkString(Ormel& ormel) {
 }
 
 void ElemAddLinesinkVertex(Ormel& ormel, bool /*first*/) {
-  RunEdit(ormel, "ElemAddLinesinkVertex",
-          [&] { AddDigitizedVertex(ormel, Element::kLinesink, LastClick(ormel)); });
+  RunEdit(ormel, "ElemAddLinesinkVertex", [&] {
+    if (RefuseCrossingVertex(ormel, LastClick(ormel))) return;
+    AddDigitizedVertex(ormel, Element::kLinesink, LastClick(ormel));
+  });
 }
 
 void ElemEndLinesinkString(Ormel& ormel) {

@@ -26,6 +26,11 @@ struct LinesinkRow {
   bool Drain = false;
   LinesinkLocation AutoSWIZC = LinesinkLocation::kUnknown;
   bool Farfield = false;  ///< stored for a head-specified string only
+  // Of a stream whose flow the solver follows along the string; head-specified and not far-field.
+  bool Routing = false;
+  bool EndStream = false;     ///< the last of its stream: what it carries goes no further
+  double EndInflow = 0.0;     ///< at its upper end [length^3/d]
+  double Overlandflow = 0.0;  ///< along it [length^3/d]
 };
 
 class LinesinkString final : public OkCancelForm {

@@ -12,6 +12,7 @@
 #include "core/solver_port.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/global_recharge.h"
 #include "model/validity.h"
 #include "text/numbers.h"
 
@@ -29,22 +30,26 @@ constexpr std::array kControls{
                 .kind = kNumber,
                 .caption = "Base Elevation",
                 .tab = kAquifer,
-                .tip = "Aquifer base elevation (horizontal)"},
+                .tip = "Aquifer base elevation (horizontal)",
+                .range = kElevations},
     ControlSpec{.name = "tbThickness",
                 .kind = kNumber,
                 .caption = "Thickness",
                 .tab = kAquifer,
-                .tip = "Aquifer thickness (set to a large value for unconfined flow)"},
+                .tip = "Aquifer thickness (set to a large value for unconfined flow)",
+                .range = kSizes},
     ControlSpec{.name = "tbHydCond",
                 .kind = kNumber,
                 .caption = "Hydraulic Conductivity",
                 .tab = kAquifer,
-                .tip = "Aquifer hydraulic conductivity (permeability)"},
+                .tip = "Aquifer hydraulic conductivity (permeability)",
+                .range = kRates},
     ControlSpec{.name = "tbRecharge",
                 .kind = kNumber,
                 .caption = "Recharge Rate",
                 .tab = kAquifer,
-                .tip = "Regional aquifer recharge rate (from annual precipitation)"},
+                .tip = "Regional aquifer recharge rate (from annual precipitation)",
+                .range = kRecharges},
     ControlSpec{.name = "tbPorosity",
                 .kind = kNumber,
                 .caption = "Porosity",
@@ -52,9 +57,21 @@ constexpr std::array kControls{
                 .tab = kAquifer,
                 .tip = "Aquifer effective porosity (0.0 < n < 1.0)"},
     ControlSpec{.name = "chkContour", .kind = kCheck, .caption = "Show Contours", .tab = kContours},
-    ControlSpec{.name = "tbContourMin", .kind = kNumber, .caption = "Minimum Contour", .tab = kContours},
-    ControlSpec{.name = "tbContourMax", .kind = kNumber, .caption = "Maximum Contour", .tab = kContours},
-    ControlSpec{.name = "tbContourInt", .kind = kNumber, .caption = "Contour Interval", .tab = kContours},
+    ControlSpec{.name = "tbContourMin",
+                .kind = kNumber,
+                .caption = "Minimum Contour",
+                .tab = kContours,
+                .range = kElevations},
+    ControlSpec{.name = "tbContourMax",
+                .kind = kNumber,
+                .caption = "Maximum Contour",
+                .tab = kContours,
+                .range = kElevations},
+    ControlSpec{.name = "tbContourInt",
+                .kind = kNumber,
+                .caption = "Contour Interval",
+                .tab = kContours,
+                .range = kSizes},
     ControlSpec{.name = "ContourDetail(0)",
                 .kind = kOption,
                 .caption = "Coarse",
@@ -73,12 +90,17 @@ constexpr std::array kControls{
     ControlSpec{.name = "tbContourLevel", .kind = kNumber, .tab = kContours, .group = "Grid Resolution"},
     ControlSpec{
         .name = "chkComputePaths", .kind = kCheck, .caption = "Compute Particle Paths", .tab = kTracing},
-    ControlSpec{.name = "tbStepSize", .kind = kNumber, .caption = "Tracing Step Size", .tab = kTracing},
+    ControlSpec{.name = "tbStepSize",
+                .kind = kNumber,
+                .caption = "Tracing Step Size",
+                .tab = kTracing,
+                .range = kSizes},
     ControlSpec{.name = "tbMaxTime",
                 .kind = kNumber,
                 .caption = "Maximum Travel Time",
                 .unit = "days",
-                .tab = kTracing},
+                .tab = kTracing,
+                .range = kDurations},
     ControlSpec{.name = "chkDefaultStep",
                 .kind = kCheck,
                 .caption = "Use Default Step Size of",
@@ -87,8 +109,13 @@ constexpr std::array kControls{
     ControlSpec{.name = "tbDefaultStepSize",
                 .kind = kNumber,
                 .tab = kTracing,
-                .tip = "Default step size (a fraction of the current window)"},
-    ControlSpec{.name = "tbIterations", .kind = kNumber, .caption = "Number of Iterations:", .tab = kSolver},
+                .tip = "Default step size (a fraction of the current window)",
+                .range = kSizes},
+    ControlSpec{.name = "tbIterations",
+                .kind = kNumber,
+                .caption = "Number of Iterations:",
+                .tab = kSolver,
+                .range = {1.0, 32767.0, true}},
     ControlSpec{
         .name = "chkViewError", .kind = kCheck, .caption = "View error log file after solve", .tab = kSolver},
     ControlSpec{.name = "chkViewMessage",
@@ -101,7 +128,7 @@ constexpr std::array kControls{
 
 constexpr std::array kLengths{"tbBase",       "tbThickness", "tbContourMin",     "tbContourMax",
                               "tbContourInt", "tbStepSize",  "tbDefaultStepSize"};
-constexpr std::array kRates{"tbHydCond", "tbRecharge"};
+constexpr std::array kRateFields{"tbHydCond", "tbRecharge"};
 constexpr std::array kSolutionFields{"tbBase", "tbThickness", "tbHydCond", "tbRecharge", "tbPorosity"};
 constexpr std::array kContourFields{"tbContourMin", "tbContourMax", "tbContourInt", "chkContour"};
 constexpr std::array kPathFields{"tbStepSize", "tbMaxTime", "tbDefaultStepSize", "chkDefaultStep",
@@ -126,7 +153,7 @@ void ModelSettings::Load() {
   stored_ = ReadModel(ormel());
   const std::string length = stored_.ComputeMeters ? "meters" : "feet";
   for (const char* name : kLengths) Unit(name, length);
-  for (const char* name : kRates) Unit(name, length + "/day");
+  for (const char* name : kRateFields) Unit(name, length + "/day");
 
   PutNumber("tbBase", stored_.AQBase);
   PutNumber("tbThickness", stored_.AQThickness);
@@ -306,7 +333,10 @@ void ModelEditSettings(Ormel& ormel) {
       return;
     }
     ormel.ui().ShowForm(form);
-    if (form.Result == OkCancelForm::kOk) form.FollowUp();
+    if (form.Result == OkCancelForm::kOk) {
+      if (OfferRechargeDomain(ormel)) form.MarkSolutionChanged();
+      form.FollowUp();
+    }
     ormel.view().SetUpLayers();
   });
 }

@@ -30,6 +30,8 @@ class ModelSettings final : public OkCancelForm {
   bool solution_changed() const { return solution_changed_; }
   bool contours_changed() const { return contours_changed_; }
   bool paths_changed() const { return paths_changed_; }
+  /// The aquifer's values have been changed behind the dialog.
+  void MarkSolutionChanged() { solution_changed_ = true; }
   bool contours_switched_on() const { return contours_switched_on_; }
 
   /// What follows an OK, once the dialog is gone: the solution is made invalid, or grid and paths are made

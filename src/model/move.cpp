@@ -10,6 +10,7 @@
 #include "core/user_interface.h"
 #include "document/kinds.h"
 #include "model/area_runs.h"
+#include "model/crossing.h"
 #include "model/digitize.h"
 #include "model/image_wells.h"
 #include "model/model_values.h"
@@ -156,7 +157,9 @@ void ElemEndMove(Ormel& ormel, MapPoint to) {
   RunEdit(ormel, "ElemMoveVertex", [&] {
     const Element element = ormel.selection.SelectedType;
     ormel.mouse.MovePending = ormel.mouse.MoveActive = false;
-    if (element != Element::kNone) ElemMoveVertex(ormel, to);
+    if (element != Element::kNone &&
+        !RefuseCrossingMove(ormel, element, ormel.selection.pid, ormel.selection.vid, to))
+      ElemMoveVertex(ormel, to);
     if (element == Element::kInhomogeneity) ormel.view().ZoomActions(Zoom::kRedrawInPlace);
     ormel.view().ElemTurnOffSelection();
     EndPlacing(ormel);

@@ -17,9 +17,10 @@ constexpr std::size_t kTestPointLabelLimit = 20;
 
 constexpr std::array kTestPointControls{
     ControlSpec{.name = "tbLabel", .kind = kText, .caption = "Label"},
-    ControlSpec{.name = "tbX", .kind = kNumber, .caption = "X"},
-    ControlSpec{.name = "tbY", .kind = kNumber, .caption = "Y"},
-    ControlSpec{.name = "tbObsHead", .kind = kNumber, .caption = "Observed Head"},
+    ControlSpec{.name = "tbX", .kind = kNumber, .caption = "X", .range = {-1e9, 1e9, false, true}},
+    ControlSpec{.name = "tbY", .kind = kNumber, .caption = "Y", .range = {-1e9, 1e9, false, true}},
+    ControlSpec{
+        .name = "tbObsHead", .kind = kNumber, .caption = "Observed Head", .range = {-1e7, 1e7, false, true}},
     kOkButton,
     kCancelButton};
 
@@ -36,12 +37,15 @@ constexpr std::array kParticleControls{
                 .kind = kCheck,
                 .caption = "Start at top of saturated thickness",
                 .tip = "On-start at aquifer top  Off-start at entered elevation"},
-    ControlSpec{.name = "tbElevation", .kind = kNumber, .caption = "Starting Elevation:"},
+    ControlSpec{.name = "tbElevation",
+                .kind = kNumber,
+                .caption = "Starting Elevation:",
+                .range = {-1e7, 1e7, false, true}},
     kOkButton,
     kCancelButton};
 
 constexpr std::array kTextControls{
-    ControlSpec{.name = "tbText", .kind = kText, .group = "Label Text"},
+    ControlSpec{.name = "tbText", .kind = kText, .group = "Label Text", .longest = 255},
     ControlSpec{.name = "btnFont", .kind = kButton, .caption = "Font...", .group = "Label Text"},
     ControlSpec{.name = "txFont", .kind = kFont, .group = "Label Text"},
     ControlSpec{
@@ -51,8 +55,9 @@ constexpr std::array kTextControls{
     kOkButton,
     kCancelButton};
 
-constexpr std::array kNameControls{ControlSpec{.name = "tbLabel", .kind = kText, .caption = "Name"},
-                                   kOkButton, kCancelButton};
+constexpr std::array kNameControls{
+    ControlSpec{.name = "tbLabel", .kind = kText, .caption = "Name", .longest = 32}, kOkButton,
+    kCancelButton};
 
 constexpr const char *kInvalidEntry = "Invalid Entry",
                      *kInvalidValue = "Invalid data value.  Please re-enter";

@@ -1,5 +1,6 @@
 // What the status bar says of the selected element.
 #include <algorithm>
+#include <vector>
 
 #include "core/ormel.h"
 #include "core/user_interface.h"
@@ -43,9 +44,17 @@ std::string DescribeLinesink(Ormel& ormel, Pid pid, Vid vid) {
   if (!ormel.solution.ValidSolution || !FindVertex(ormel, vid, vertex)) return text;
   const std::string label = "LS_" + FormatMask(static_cast<double>(pid), "000000_") +
                             FormatMask(static_cast<double>(vertex.seq), "0000");
-  RowReader results(ormel.db(), "select SpecifiedHead,Discharge from LSResults where VadoxLabel like ?",
+  // The segment that ends at the vertex.
+  const VertexRow* before = nullptr;
+  const std::vector<VertexRow> vertices = VerticesOf(ormel, pid);
+  for (std::size_t i = 1; i < vertices.size(); ++i)
+    if (vertices[i].vid == vid) before = &vertices[i - 1];
+  if (before == nullptr) return text;
+  RowReader results(ormel.db(),
+                    "select SpecifiedHead,Discharge,X1,Y1,X2,Y2 from LSResults where VadoxLabel like ?",
                     {label + "*"});
-  if (results.Next())
+  if (results.Next() && IsSegment(ormel, before->at, vertex.at, {results.Double(2), results.Double(3)},
+                                  {results.Double(4), results.Double(5)}))
     text += "  Specified Head: " + NumberText(results.Double(0)) +
             "  Discharge: " + NumberText(results.Double(1));
   return text;

@@ -21,9 +21,9 @@ namespace {
 using enum ControlKind;
 
 constexpr std::array kControls{
-    ControlSpec{.name = "tbdata(0)", .kind = kNumber, .caption = "Reference Head"},
+    ControlSpec{.name = "tbdata(0)", .kind = kNumber, .caption = "Reference Head", .range = kElevations},
     ControlSpec{.name = "txunits", .kind = kLabel},
-    ControlSpec{.name = "tbdata(1)", .kind = kNumber, .caption = "Gradient"},
+    ControlSpec{.name = "tbdata(1)", .kind = kNumber, .caption = "Gradient", .range = {0.0, 10.0, true}},
     ControlSpec{.name = "tbdata(2)", .kind = kNumber, .caption = "Orientation", .unit = "degrees"},
     kOkButton,
     kCancelButton};

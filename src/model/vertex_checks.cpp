@@ -1,4 +1,5 @@
 // Overlapping and degenerate points.
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <fstream>
@@ -53,6 +54,14 @@ void RemovePhantom(Ormel& ormel, Pid pid, const char* text) {
 
 double DefaultVertexTolerance(const Ormel& ormel) {
   return (ormel.window.full.x_max - ormel.window.full.x_min) * 1e-5;
+}
+
+bool IsSegment(const Ormel& ormel, MapPoint from, MapPoint to, MapPoint a, MapPoint b) {
+  // Results have the digits of the solver's files.
+  const double near = std::max({ormel.gui.VertexTolerance, DefaultVertexTolerance(ormel),
+                                1e-7 * std::max(std::abs(to.x), std::abs(to.y))});
+  return (Distance(from, a) <= near && Distance(to, b) <= near) ||
+         (Distance(from, b) <= near && Distance(to, a) <= near);
 }
 
 MapPoint ElemCheckVertices(Ormel& ormel, MapPoint at, const std::string& report) {

@@ -59,6 +59,10 @@ Vid ElemFindVertex(Ormel& ormel, MapPoint at);
 /// The tolerance of a project just opened: the width of the full extents times 1E-05 [map units].
 double DefaultVertexTolerance(const Ormel& ormel);
 
+/// Is a stored result, from `a` to `b`, that of the segment from `from` to `to`?  Results are found by
+/// numbers that a deletion or a refinement gives away again; their places tell whose they are.
+bool IsSegment(const Ormel& ormel, MapPoint from, MapPoint to, MapPoint a, MapPoint b);
+
 /// A place near `at` that overlaps no vertex: x and y grow by the tolerance until no vertex lies less than
 /// the tolerance away in both.  A point that moved is told in one line of the file `report`, when one is
 /// named.

@@ -22,8 +22,10 @@ constexpr std::size_t kLabelLimit = 32;
 
 constexpr std::array kControls{
     ControlSpec{.name = "tbLabel", .kind = kText, .caption = "Label"},
-    ControlSpec{.name = "tbData(0)", .kind = kNumber, .caption = "X coordinate", .tab = kWell},
-    ControlSpec{.name = "tbData(1)", .kind = kNumber, .caption = "Y coordinate", .tab = kWell},
+    ControlSpec{
+        .name = "tbData(0)", .kind = kNumber, .caption = "X coordinate", .tab = kWell, .range = kPlaces},
+    ControlSpec{
+        .name = "tbData(1)", .kind = kNumber, .caption = "Y coordinate", .tab = kWell, .range = kPlaces},
     ControlSpec{.name = "optHeadSpec(0)",
                 .kind = kOption,
                 .caption = "Head-Specified",
@@ -34,14 +36,24 @@ constexpr std::array kControls{
                 .caption = "Discharge-Specified",
                 .tab = kWell,
                 .group = "Type"},
-    ControlSpec{.name = "tbData(2)", .kind = kNumber, .caption = "Discharge", .tab = kWell},
-    ControlSpec{.name = "tbData(3)", .kind = kNumber, .caption = "Radius", .tab = kWell},
+    ControlSpec{
+        .name = "tbData(2)", .kind = kNumber, .caption = "Discharge", .tab = kWell, .range = kDischarges},
+    ControlSpec{.name = "tbData(3)", .kind = kNumber, .caption = "Radius", .tab = kWell, .range = kSizes},
     ControlSpec{
         .name = "chkPond", .kind = kCheck, .caption = "Use circular area-sink function", .tab = kWell},
-    ControlSpec{.name = "tbData(10)", .kind = kNumber, .caption = "Setback radius", .tab = kWell},
+    ControlSpec{
+        .name = "tbData(10)", .kind = kNumber, .caption = "Setback radius", .tab = kWell, .range = kSizes},
     ControlSpec{.name = "chkTrace", .kind = kCheck, .caption = "Trace particles from well", .tab = kTracing},
-    ControlSpec{.name = "tbData(11)", .kind = kNumber, .caption = "Number of particles", .tab = kTracing},
-    ControlSpec{.name = "tbData(12)", .kind = kNumber, .caption = "Starting elevation", .tab = kTracing},
+    ControlSpec{.name = "tbData(11)",
+                .kind = kNumber,
+                .caption = "Number of particles",
+                .tab = kTracing,
+                .range = {1.0, 10000.0, true}},
+    ControlSpec{.name = "tbData(12)",
+                .kind = kNumber,
+                .caption = "Starting elevation",
+                .tab = kTracing,
+                .range = kElevations},
     ControlSpec{
         .name = "chkPathlineColor", .kind = kCheck, .caption = "Choose Pathline Color", .tab = kTracing},
     ControlSpec{.name = "comColor", .kind = kButton, .caption = "Color...", .tab = kTracing},
@@ -193,6 +205,10 @@ bool WellProperties::Ok() {
     return Refuse(
         "tbLabel", "Invalid Label",
         Lines({"Well label cannot be blank, or be larger than 32 characters.", "Please enter a new label"}));
+  if (StartsWithNoCase(label, MirrorLabel("")))  // stores compare without regard to case
+    return Refuse("tbLabel", "Invalid Label",
+                  Lines({"A label that begins with \"Mirror_\" is that of an image well.",
+                         "Please enter a new label"}));
   if (!(Number("tbData(3)") > 0.0))
     return BadEntry("tbData(3)", "Radius must be greater than 0.", "Please enter a new value.");
   if (Number("tbData(10)") < 0.0)

@@ -218,6 +218,15 @@ void BatchInterface::SetControl(Form& form, std::string_view control, const std:
       form.Select(spec->name, chosen);
       return;
     }
+    case ControlKind::kNumber:
+      if (!IsNumeric(value) && !Trim(value).empty()) {
+        refused_ = true;
+        Say(std::string(form.Name()) + "." + std::string(spec->name) + ": \"" + value +
+            "\" is not a number.");
+        return;
+      }
+      form.SetText(spec->name, value);
+      return;
     default:
       form.SetText(spec->name, value);
   }
@@ -243,12 +252,13 @@ int BatchInterface::Fill(Form& form) {
 
 void BatchInterface::ShowForm(Form& form) {
   form.MarkShown();
+  refused_ = false;
   const int named = Fill(form);
   if (form.Hidden()) return;
   const std::string accept = ButtonOf(form, ButtonRole::kAccept);
   const std::string reject = ButtonOf(form, ButtonRole::kReject);
   if (named > 0 || options_.yes || reject.empty()) {
-    if (!accept.empty()) form.Click(accept);
+    if (!accept.empty() && !refused_) form.Click(accept);
     if (form.Hidden()) return;
     unanswered_ = true;
     Say("the form " + std::string(form.Name()) +

@@ -96,6 +96,7 @@ class BatchInterface : public UserInterface {
   std::atomic<bool> cancelled_{false};
   bool progress_line_ = false;
   bool unanswered_ = false;
+  bool refused_ = false;  ///< the form that is being filled was given what no control takes
   bool failed_ = false;
 };
 

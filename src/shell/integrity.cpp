@@ -9,8 +9,12 @@
 #include "core/project.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "document/kinds.h"
+#include "model/image_wells.h"
 #include "model/validity.h"
+#include "store/bulk.h"
 #include "store/database.h"
+#include "text/numbers.h"
 
 namespace ormel {
 namespace {
@@ -44,11 +48,57 @@ std::int64_t RemoveStrayPoints(Ormel& ormel, const std::string& table) {
   return count;
 }
 
+/// Condition of the wells outside the window, its sides as numbers.
+std::string StrayWells(Ormel& ormel) {
+  const MapRect& w = ormel.window.SolveWindow;
+  return "VID in (select VID from Vertices where X<" + NumberText(w.x1) + " or X>" + NumberText(w.x2) +
+         " or Y>" + NumberText(w.y1) + " or Y<" + NumberText(w.y2) + ")";
+}
+
+struct StrayKind {
+  const char* plural;
+  std::string_view names;  ///< of what lies outside the window
+};
+constexpr StrayKind kStrays[] = {
+    {"Test Points", "select Label from TestPoints inner join Vertices on Vertices.VID=TestPoints.VID where "},
+    {"Text Labels", "select Text from TextLabels where "},
+    {"Wells", "select Label from Wells inner join Vertices on Vertices.VID=Wells.VID where "}};
+
+/// How many of each kind would be deleted, and which.
+std::string WhatWouldGo(Ormel& ormel) {
+  constexpr int kNamed = 12;
+  const MapRect& w = ormel.window.SolveWindow;
+  std::string text;
+  for (const StrayKind& kind : kStrays) {
+    std::string names;
+    int count = 0;
+    RowReader rows(ormel.db(), std::string(kind.names) + std::string(kOutside), {w.x1, w.x2, w.y1, w.y2});
+    for (; rows.Next(); ++count)
+      if (count < kNamed) names += (names.empty() ? "" : ", ") + std::string(rows.Text(0));
+    if (count == 0) continue;
+    if (count > kNamed) names += " and " + std::to_string(count - kNamed) + " more";
+    text += "\n" + std::to_string(count) + " " + kind.plural + ": " + names;
+  }
+  return "\n\n" + (text.empty() ? "Nothing lies outside the current Window." : "These would go:" + text);
+}
+
 void Tell(Ormel& ormel, std::int64_t count, const std::string& kind) {
   Inform(ormel, kRepairTitle,
          count == 0 ? "Found no " + kind + " outside the current Window."
                     : Lines({"Deleted " + std::to_string(count) + " " + kind,
                              "which occured outside the current Window."}));
+}
+
+/// What a drawing that was cut short by a crash has left: rows without a vertex cannot be seen or selected,
+/// and keep their label taken.
+void RemoveUndrawn(Ormel& ormel) {
+  constexpr const char* kWithout = " where PID not in (select PID from Vertices)";
+  std::int64_t removed = 0;
+  for (const ElementKind& kind : ElementKinds())
+    if (kind.Polygon()) removed += ormel.db().Execute("delete from " + std::string(kind.table) + kWithout);
+  if (ormel.db().HasField("Zones", "PID")) ormel.db().Execute("delete from Zones" + std::string(kWithout));
+  removed += ormel.db().Execute("delete from Polygons" + std::string(kWithout));
+  if (removed > 0) LoadDataControls(ormel);
 }
 
 }  // namespace
@@ -65,6 +115,7 @@ void DBIntegrity(Ormel& ormel) {
   db.Execute(
       "delete from Vertices where PID=-10 and X<>(select UNIFLOWRefX from Model)"
       " and Y<>(select UNIFLOWRefY from Model)");
+  RemoveUndrawn(ormel);
 }
 
 void RemoveStrayTestPoints(Ormel& ormel) {
@@ -91,12 +142,16 @@ void RemoveStrayWells(Ormel& ormel) {
 
 void DBRepair(Ormel& ormel) {
   const Named named(ormel, "DBRepair");
-  if (!AskOkCancel(
-          ormel, kRepairTitle,
-          Lines({"When clicking OK all Test Points, Text Labels, and Wells outside the",
-                 "current Window will be deleted!", "Click CANCEL and enlarge window if necessary."}),
-          Icon::kWarning))
-    return;
+  const Box box{
+      .title = kRepairTitle,
+      .text = Lines({"When clicking OK all Test Points, Text Labels, and Wells outside the",
+                     "current Window will be deleted!", "Click CANCEL and enlarge window if necessary."}) +
+              WhatWouldGo(ormel),
+      .buttons = Buttons::kOkCancel,
+      .icon = Icon::kWarning,
+      .safe_default = true};
+  if (ormel.ui().Ask(box) != Answer::kOk) return;
+  if (!RemoveAreasOfWells(ormel, StrayWells(ormel))) return;
   RemoveStrayTestPoints(ormel);
   RemoveStrayTextLabels(ormel);
   RemoveStrayWells(ormel);

@@ -15,6 +15,8 @@
 #include "core/user_interface.h"
 #include "model/area_runs.h"
 #include "model/delete.h"
+#include "model/digitize.h"
+#include "model/global_recharge.h"
 #include "model/vertices.h"
 #include "shell/base_maps.h"
 #include "shell/integrity.h"
@@ -118,6 +120,7 @@ void LoadProject(Ormel& ormel, const std::string& path, bool isNew) {
   ResetSolution(ormel);
 
   ormel.project.ProjectOpen = true;
+  ormel.project.no_heads_told = true;  // the first redraw is part of opening
   EnableProjectCommands(ormel, true);
   ormel.view().TurnOnMenus();
   if (ormel.solution.restore_on_open) RestoreSolve(ormel);
@@ -132,7 +135,9 @@ void LoadProject(Ormel& ormel, const std::string& path, bool isNew) {
   NoteSolution(ormel);
   ormel.view().SetUpToolbar();
   DBIntegrity(ormel);
+  ormel.project.no_heads_told = false;
   RememberProject(ormel, path);
+  OfferRechargeDomain(ormel);
 }
 
 std::optional<std::string> AskForProject(Ormel& ormel) {
@@ -275,6 +280,7 @@ void FileCloseProject(Ormel& ormel) {
 
 void CloseAll(Ormel& ormel) {
   const Named named(ormel, "CloseAll");
+  if (ormel.project.ProjectOpen && ormel.mouse.MouseMode == MouseMode::kDigitize) AbandonDigitizing(ormel);
   if (ormel.project.ProjectOpen) {
     ormel.project.ProjectOpen = false;
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);

@@ -159,6 +159,10 @@ bool IsReadOnly(const std::string& path) {
 bool TestProjectFile(Ormel& ormel, const std::string& path) {
   if (!TestReadOnly(ormel, path)) return false;
   if (!FileExists(path) && !OfferNewDatabase(ormel, path)) return false;
+  return TestProjectVersion(ormel, path);
+}
+
+bool TestProjectVersion(Ormel& ormel, const std::string& path) {
   const std::optional<std::int64_t> version = ReadVersion(ormel, path);
   return version && TestVersion(ormel, *version);
 }

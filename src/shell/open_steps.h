@@ -19,6 +19,9 @@ bool IsReadOnly(const std::string& path);
 /// to make the project), version.  The file is looked at through a short read-only connection.
 bool TestProjectFile(Ormel& ormel, const std::string& path);
 
+/// The last of these tests alone, for a file that is only looked at.
+bool TestProjectVersion(Ormel& ormel, const std::string& path);
+
 /// Opens the one connection; a refusal by the store becomes a box.
 bool OpenConnection(Ormel& ormel, const std::string& path);
 

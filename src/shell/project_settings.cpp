@@ -25,11 +25,13 @@ constexpr std::array kControls{
     ControlSpec{.name = "BaseName",
                 .kind = ControlKind::kText,
                 .caption = "Base Filename  (DOS)",
-                .tip = "Stem of the intermediate model files"},
+                .tip = "Stem of the intermediate model files",
+                .longest = 255},
     ControlSpec{.name = "BasePath",
                 .kind = ControlKind::kText,
                 .caption = "Base Path",
-                .tip = "Folder of the intermediate model files"},
+                .tip = "Folder of the intermediate model files",
+                .longest = 255},
     ControlSpec{.name = "MapUnits(0)", .kind = ControlKind::kOption, .caption = "Meters", .group = kMapFrame},
     ControlSpec{.name = "MapUnits(1)", .kind = ControlKind::kOption, .caption = "Feet", .group = kMapFrame},
     ControlSpec{
@@ -55,7 +57,8 @@ ProjectSettings::ProjectSettings(Ormel& controller) : OkCancelForm(controller) {
   const ProjectState& project = controller.project;
   Put("ProjectDesc", controller.db().Scalar("select Description from Project").AsText());
   Put("BaseName", project.OrmelBaseName);
-  Put("BasePath", project.OrmelBasePath);
+  // As it is stored: "." moves about with the project.
+  Put("BasePath", controller.db().Scalar("select OrmelBasePath from Project").AsText());
   PutCheck(project.BasemapMeters ? "MapUnits(0)" : "MapUnits(1)", true);
   PutCheck(project.ComputeMeters ? "CompUnits(0)" : "CompUnits(1)", true);
   Offer("AddBBM", false);
@@ -102,7 +105,7 @@ bool ProjectSettings::Ok() {
                   "The base name of the model files cannot be empty and cannot hold a \"/\".\n"
                   "Please enter a new name.");
   std::error_code error;
-  if (!std::filesystem::is_directory(Text("BasePath"), error))
+  if (!std::filesystem::is_directory(ProjectFolder(ormel(), Text("BasePath")), error))
     return Refuse("BasePath", kInvalid,
                   "The folder " + Text("BasePath") + " does not exist.\nPlease enter a new folder.");
   if (TextLength(Text("ProjectDesc")) > schema::kDefaultTextSize)
@@ -114,7 +117,8 @@ bool ProjectSettings::Ok() {
 
 void ProjectSettings::Store() {
   const ProjectState& project = ormel().project;
-  const bool spoils = project.OrmelBaseName != OrmelBaseName() || project.OrmelBasePath != Text("BasePath") ||
+  const bool spoils = project.OrmelBaseName != OrmelBaseName() ||
+                      project.OrmelBasePath != ProjectFolder(ormel(), Text("BasePath")) ||
                       project.ComputeMeters != ModelCompUnits() || project.BasemapMeters != ModelMapUnits();
   ormel().db().Execute("update Project set Description=?, OrmelBaseName=?, OrmelBasePath=?",
                        {Text("ProjectDesc"), OrmelBaseName(), Text("BasePath")});

@@ -7,8 +7,8 @@
 #include "core/settings.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "shell/examples.h"
 #include "shell/help.h"
-#include "shell/lifecycle.h"
 #include "text/files.h"
 
 namespace ormel {
@@ -101,7 +101,7 @@ void ShowWelcome(Ormel& ormel) {
     if (form.Result != entry.button) continue;
     const std::string text = std::string(entry.description) + "\nLoad the example file?";
     if (AskYesNo(ormel, kProgramTitle, text, Icon::kQuestion))
-      FileOpenProject(ormel, ExamplePath(ormel, entry.button));
+      OpenExample(ormel, ExamplePath(ormel, entry.button));
   }
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "core/ask_number.h"
 #include "core/command.h"
 #include "core/layers.h"
 #include "core/map_view.h"
@@ -15,6 +16,7 @@
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "document/fingerprint.h"
+#include "model/global_recharge.h"
 #include "model/model_settings.h"
 #include "model/model_values.h"
 #include "model/validity.h"
@@ -25,9 +27,11 @@
 #include "solver/result_loader.h"
 #include "solver/result_rows.h"
 #include "solver/run.h"
+#include "solver/solvable.h"
 #include "solver/solve_stamp.h"
 #include "solver/solve_state.h"
 #include "solver/text_sink.h"
+#include "solver/user_labels.h"
 #include "store/database.h"
 #include "text/files.h"
 #include "text/numbers.h"
@@ -39,8 +43,8 @@ constexpr const char* kRegridDeck = "REGRID.DAT";
 constexpr int kRecommendedIterations = 2;
 constexpr double kMostIterations = 32767.0;  // the store keeps 16 bits
 
-int IterationsOf(const std::string& text) {
-  return static_cast<int>(std::clamp(std::trunc(Val(text)), 0.0, kMostIterations));
+int IterationsOf(double number) {
+  return static_cast<int>(std::clamp(std::trunc(number), 0.0, kMostIterations));
 }
 
 /// A solve or a reload, from its decision to its redraw.
@@ -59,6 +63,8 @@ class SolveRun {
     new_ = *is_new;
     if (!OwnsStem()) return before.Restore(ormel_);
     solves_ = new_ || request_.ContinueSolve;
+    if (new_ && OfferRechargeDomain(ormel_)) ormel_.view().ZoomActions(Zoom::kRedrawInPlace);
+    if (new_ && TellUnsolvable(ormel_)) return before.Restore(ormel_);
     model_ = ReadModel(ormel_);
     // Only a solve says from which model a solution is; a reload hands on what was said.
     const SolutionState& solution = ormel_.solution;
@@ -77,7 +83,11 @@ class SolveRun {
     if (outcome.end == RunEnd::kCancelled)
       Feedback(ormel_, "The run was cancelled: results and files are as they were before");
     if (outcome.end == RunEnd::kNotStarted) TellStartFailed(ormel_, outcome.process);
-    if (outcome.end == RunEnd::kStopped) GiveUpSolution(before.had_solution());
+    if (outcome.end == RunEnd::kStopped) {
+      GiveUpSolution(before.had_solution());
+      NameElementsInLog(ormel_, ModelFile(ormel_, "ERROR.LOG"));
+      OfferToShow(ormel_, outcome.culprit);
+    }
   }
 
  private:
@@ -215,20 +225,20 @@ class SolveRun {
     }
     // What the elements recommend is left aside: the solver converges in two steps as a rule.
     if (kRecommendedIterations <= model_.SOLVERIterations) return;
-    const auto answer = ormel_.ui().Ask(InputBox{"Warning",
-                                                 Lines({"Your problem may require more iterations than you",
-                                                        "have specified.  Ormel recommends that you use at",
-                                                        "least the number of iterations Shown below.", "",
-                                                        "Enter the number of iterations to be used:"}),
-                                                 std::to_string(kRecommendedIterations)});
-    model_.SOLVERIterations = std::max(1, IterationsOf(answer.value_or("")));
+    const auto answer = AskNumber(ormel_, InputBox{"Warning",
+                                                   Lines({"Your problem may require more iterations than you",
+                                                          "have specified.  Ormel recommends that you use at",
+                                                          "least the number of iterations Shown below.", "",
+                                                          "Enter the number of iterations to be used:"}),
+                                                   std::to_string(kRecommendedIterations)});
+    model_.SOLVERIterations = std::max(1, IterationsOf(answer.value_or(0.0)));
     ormel_.db().Execute("update Model set SOLVERIterations=?", {model_.SOLVERIterations});
   }
 
   bool WriteContinuation(TextSink& deck) {
-    const auto answer = ormel_.ui().Ask(InputBox{
-        "Continue Solution", "Number of additional iterations:", std::to_string(model_.SOLVERIterations)});
-    const int iterations = IterationsOf(answer.value_or(""));
+    const auto answer = AskNumber(ormel_, InputBox{"Continue Solution", "Number of additional iterations:",
+                                                   std::to_string(model_.SOLVERIterations)});
+    const int iterations = IterationsOf(answer.value_or(0.0));
     if (iterations < 1) return false;
     WriteSolveAndSave(deck, iterations, ormel_.project.OrmelBaseName);
     return true;
@@ -304,6 +314,7 @@ class SolveRun {
   void OfferLogs() {
     const std::string messages = ModelFile(ormel_, "MESSAGE.LOG");
     const std::string errors = ModelFile(ormel_, "ERROR.LOG");
+    for (const std::string& log : {messages, errors}) NameElementsInLog(ormel_, log);
     if (model_.ViewMessageLog != 0 && view_logs_ && FileExists(messages)) ormel_.ui().ViewTextFile(messages);
     if (ErrorLogSpeaks(errors) && model_.ViewErrorLog != 0 && view_logs_) ormel_.ui().ViewTextFile(errors);
   }
@@ -339,13 +350,14 @@ void SolutionTime(Ormel& ormel) {
              Icon::kWarning);
       return;
     }
-    const auto answer = ormel.ui().Ask(InputBox{
-        "Solution Time",
-        Lines({"Enter the time for the grid.", "Note: this will be ignored if no Theis wells are used"}),
-        NumberText(ormel.solution.SolutionTime)});
+    const auto answer =
+        AskNumber(ormel, InputBox{"Solution Time",
+                                  Lines({"Enter the time for the grid.",
+                                         "Note: this will be ignored if no Theis wells are used"}),
+                                  NumberText(ormel.solution.SolutionTime)});
     if (!answer) return;
-    const double time = Val(*answer);
-    if (!std::isfinite(time) || time < 0.0) return;
+    const double time = *answer;
+    if (time < 0.0) return;
     if (time != ormel.solution.SolutionTime) ormel.solution.traced_lines.clear();
     ormel.solution.SolutionTime = time;
     ModelRunVadox(ormel, {.KeepSolution = true, .ZoomAfter = true, .ViewLogs = true});

@@ -233,6 +233,24 @@ void ModelInspectResults(Ormel& ormel, double x, double y) {
   });
 }
 
+std::vector<InspectedValue> InspectPoint(Ormel& ormel, double x, double y) {
+  std::vector<InspectedValue> values;
+  RunCommand(ormel, "ModelInspectResults", [&] {
+    const Named named(ormel, "ModelInspectResults");
+    const InspectorSettings& settings = InspectorSettingsOf(ormel);
+    ModelRestoreModelOrigin(ormel);
+    PointQuery query{.at = {x, y}};
+    if (!settings.at_top) query.elevation = settings.Elevation;
+    std::vector<PointRecord> records = Ask(ormel, query);
+    if (records.empty()) return;
+    records.front().x = MToW_X(ormel, records.front().x);
+    records.front().y = MToW_Y(ormel, records.front().y);
+    for (const ReportLine& line : kReport)
+      values.push_back({std::string(Trim(line.label)), records.front().*line.value});
+  });
+  return values;
+}
+
 void ModelTraceOneStreamline(Ormel& ormel, double x, double y) {
   RunCommand(ormel, "ModelTraceOneStreamline", [&] {
     const Named named(ormel, "ModelTraceOneStreamline");

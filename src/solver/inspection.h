@@ -4,6 +4,9 @@
 // A query can be cancelled like a solve; then nothing is shown and nothing has changed.
 #pragma once
 
+#include <string>
+#include <vector>
+
 namespace ormel {
 
 struct Ormel;
@@ -23,6 +26,13 @@ void ShowInspector(Ormel& ormel);
 /// Shows the results at a map point in a box and, while "Solver Integrity Check" is on, the solver's values
 /// beside central differences.
 void ModelInspectResults(Ormel& ormel, double x, double y);
+
+struct InspectedValue {
+  std::string name;
+  double value = 0.0;
+};
+/// The same as numbers, x and y in map units; none when the query failed, which the user has been told.
+std::vector<InspectedValue> InspectPoint(Ormel& ormel, double x, double y);
 
 /// Traces one path from a map point inside the present window, adds it to `solution.traced_lines` and draws
 /// it; the feedback line tells its travel time and why it ends.

@@ -95,11 +95,11 @@ ContourEnd RunContourProgram(Ormel& ormel, std::string_view stem) {
   return ContourEnd::kFailed;
 }
 
-bool TellFatalStop(Ormel& ormel, const ProcessResult& result) {
+bool TellFatalStop(Ormel& ormel, const ProcessResult& result, std::optional<NamedElement>* culprit) {
   constexpr const char* kTitle = "Fatal execution error";
   const std::string path = ModelFile(ormel, kFatalFile);
   if (FileExists(path)) {
-    Inform(ormel, kTitle, ReadFatalText(path), Icon::kStop);
+    Inform(ormel, kTitle, WithUserLabels(ormel, ReadFatalText(path), culprit), Icon::kStop);
     DeleteTolerantly(path);
     return true;
   }

@@ -1,12 +1,14 @@
 // Starting the two outside programs, and the files by which they tell how they fared.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/processes.h"
 #include "core/run_files.h"
+#include "solver/user_labels.h"
 
 namespace ormel {
 
@@ -38,7 +40,7 @@ ContourEnd RunContourProgram(Ormel& ormel, std::string_view stem);
 
 /// True when the solver stopped before its end: VADOX.OPS is there, or the program crashed.  Tells the user
 /// why and deletes VADOX.OPS.
-bool TellFatalStop(Ormel& ormel, const ProcessResult& result);
+bool TellFatalStop(Ormel& ormel, const ProcessResult& result, std::optional<NamedElement>* culprit = nullptr);
 
 /// True when an error log says more than its first line "*".  A log that is not there says nothing.
 bool ErrorLogSpeaks(const std::string& path);

@@ -85,9 +85,9 @@ class Run {
 
   RunOutcome Go() {
     const std::shared_ptr<void> lock = WaitForFolder(ormel_);
-    if (!lock) return {RunEnd::kCancelled, {}};
+    if (!lock) return {RunEnd::kCancelled, {}, {}};
     KeptFiles::Recover(JournalOf(ormel_));  // of a run of another program that was interrupted
-    if (plan_.begin && !plan_.begin()) return {RunEnd::kGivenUp, {}};
+    if (plan_.begin && !plan_.begin()) return {RunEnd::kGivenUp, {}, {}};
     CommitSoFar(ormel_);  // what the user has done stays whatever becomes of the run
     rows_.emplace(ormel_.db());
     try {
@@ -114,7 +114,8 @@ class Run {
     outcome_.process = RunSolver(ormel_, size, plan_.argument, plan_.wait_text);
     if (outcome_.process.cancelled) return RunEnd::kCancelled;
     if (!outcome_.process.started) return RunEnd::kNotStarted;
-    if (TellFatalStop(ormel_, outcome_.process) || !ResultsStand()) return RunEnd::kStopped;
+    if (TellFatalStop(ormel_, outcome_.process, &outcome_.culprit) || !ResultsStand())
+      return RunEnd::kStopped;
     return plan_.accept ? plan_.accept() : RunEnd::kDone;
   }
 
@@ -161,7 +162,7 @@ class Run {
   const StateBeforeRun before_;
   std::optional<Transaction> rows_;
   KeptFiles kept_;
-  RunOutcome outcome_{RunEnd::kGivenUp, {}};
+  RunOutcome outcome_{RunEnd::kGivenUp, {}, {}};
 };
 
 }  // namespace

@@ -6,11 +6,13 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "core/processes.h"
 #include "solver/kept_files.h"
+#include "solver/user_labels.h"
 
 namespace ormel {
 
@@ -48,6 +50,7 @@ struct RunPlan {
 struct RunOutcome {
   RunEnd end = RunEnd::kDone;
   ProcessResult process{};
+  std::optional<NamedElement> culprit{};  ///< whom the solver's fatal message names first
 };
 
 /// Runs the solver by a plan.  What the present command has written so far is committed first and stays.  An

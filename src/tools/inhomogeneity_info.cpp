@@ -117,7 +117,7 @@ void INInfo::PutResults(Pid pid) {
                                 .mask = "0.0000E+00"}});
   RowReader rows(
       ormel().db(),
-      "select StrPotJumpNode,ParabStrPotJump,DeltaPNode,DeltaPCntr,AvgPotJump from INResults where "
+      "select StrPotJumpNode,ParabStrPotJump,DeltaPNode,DeltaPCntr,AvgPotJump,X1,Y1 from INResults where "
       "VadoxLabel=?",
       {""});
   double mean_jump = 0.0, largest = 0.0;
@@ -126,7 +126,8 @@ void INInfo::PutResults(Pid pid) {
   for (const VertexRow& vertex : VerticesOf(ormel(), pid)) {
     std::vector<Value> cells{++number, vertex.at.x, vertex.at.y};
     rows.Restart({SegmentLabel("IN_", pid, vertex.seq)});
-    if (rows.Next()) {
+    const auto place = [&rows] { return MapPoint{rows.Double(5), rows.Double(6)}; };
+    if (rows.Next() && IsSegment(ormel(), vertex.at, vertex.at, place(), place())) {
       for (int i = 0; i < 4; ++i) cells.emplace_back(rows.Double(i));
       largest = std::max({largest, std::abs(rows.Double(2)), std::abs(rows.Double(3))});
       mean_jump = rows.Double(4);

@@ -37,6 +37,9 @@ constexpr std::array kControls{
     ControlSpec{.name = "txWidth", .kind = kLabel, .caption = "Width", .tab = kProperties},
     ControlSpec{.name = "txDepth", .kind = kLabel, .caption = "Depth", .tab = kProperties},
     ControlSpec{.name = "txLocation", .kind = kLabel, .caption = "Linesink Location", .tab = kProperties},
+    ControlSpec{.name = "txInflow", .kind = kLabel, .caption = "Inflow at the Upper End", .tab = kProperties},
+    ControlSpec{.name = "txOverland", .kind = kLabel, .caption = "Overland Flow", .tab = kProperties},
+    ControlSpec{.name = "txEndStream", .kind = kLabel, .caption = "End of the Stream", .tab = kProperties},
     ControlSpec{.name = "txDischarge", .kind = kLabel, .caption = "Total Discharge", .tab = kResults},
     ControlSpec{.name = "txPerLength", .kind = kLabel, .caption = "Mean per Length", .tab = kResults},
     ControlSpec{.name = "txError", .kind = kLabel, .caption = "Largest Error in Head", .tab = kResults},
@@ -66,6 +69,8 @@ struct LSInfo::Data {
   std::string label;
   bool by_head = true, drain = false, farfield = false, routed = false;
   double start = 0.0, end = 0.0, resistance = 0.0, width = 0.0, depth = 0.0;
+  double inflow = 0.0, overland = 0.0;
+  bool end_stream = false;
   std::size_t location = 0;
   std::vector<VertexRow> vertices;
 
@@ -94,7 +99,10 @@ std::span<const ControlSpec> LSInfo::Controls() const {
 bool LSInfo::Read(Pid pid, Data& data) {
   RowReader row(ormel().db(), "select * from LinesinkStrings where PID=?", {pid});
   if (!row.Next()) return false;
-  const auto number = [&row](std::string_view name) { return row.Double(row.Column(name)); };
+  const auto number = [&row](std::string_view name) {
+    const int column = row.Column(name);
+    return column < 0 ? 0.0 : row.Double(column);
+  };
   const auto flag = [&row](std::string_view name) { return row.Long(row.Column(name)) != 0; };
   data.pid = pid;
   data.label = row.Text(row.Column("Label"));
@@ -107,6 +115,9 @@ bool LSInfo::Read(Pid pid, Data& data) {
   data.resistance = number("Resistance");
   data.width = number("Width");
   data.depth = number("Depth");
+  data.inflow = number("EndInflow");
+  data.overland = number("Overlandflow");
+  data.end_stream = number("EndStream") == 1.0;
   const std::int64_t location = row.Long(row.Column("AutoSWIZC"));
   data.location = location >= 0 && location < std::ssize(kLocations) ? static_cast<std::size_t>(location) : 0;
   data.vertices = VerticesOf(ormel(), pid);
@@ -129,6 +140,10 @@ void LSInfo::PutProperties(const Data& data) {
   PutValue("txWidth", NumberText(data.width), UnitOf(ormel(), kLength));
   PutValue("txDepth", NumberText(data.depth), UnitOf(ormel(), kLength));
   PutValue("txLocation", kLocations[data.location]);
+  PutValue("txInflow", NumberText(data.inflow), UnitOf(ormel(), kDischarge));
+  PutValue("txOverland", NumberText(data.overland), UnitOf(ormel(), kDischarge));
+  PutValue("txEndStream", data.end_stream ? "Yes" : "No");
+  for (const char* name : {"txInflow", "txOverland", "txEndStream"}) Show(name, data.by_head && data.routed);
   // The bed of a string that has none.
   const bool bed = data.by_head && !data.farfield;
   for (const char* name : {"txResistance", "txWidth", "txDepth", "txLocation"}) Show(name, bed);
@@ -152,7 +167,8 @@ void LSInfo::PutResults(const Data& data) {
        .caption = WithUnit(ormel(), "Per length", kSinkDensity),
        .mask = "0.0000E+00"}});
   RowReader rows(ormel().db(),
-                 "select SpecifiedHead,CalculatedHead,Discharge,Error from LSResults where VadoxLabel=?",
+                 "select SpecifiedHead,CalculatedHead,Discharge,Error,X1,Y1,X2,Y2 from LSResults where "
+                 "VadoxLabel=?",
                  {""});
   const double convert = BasemapConvert(ormel()), whole = data.Length();
   double passed = 0.0, total = 0.0, largest_error = 0.0;
@@ -162,7 +178,8 @@ void LSInfo::PutResults(const Data& data) {
     const double length = Distance(from, to);
     SegmentResult result;
     rows.Restart({SegmentLabel("LS_", data.pid, to.seq)});
-    const bool found = rows.Next();
+    const bool found = rows.Next() && IsSegment(ormel(), from.at, to.at, {rows.Double(4), rows.Double(5)},
+                                                {rows.Double(6), rows.Double(7)});
     if (!data.by_head) {
       // As the deck has it: the density at the segment's middle.
       const double share = whole > 0.0 ? (passed + 0.5 * length) / whole : 0.0;

@@ -175,7 +175,10 @@ void AddResults(Ormel& ormel, const ViewState& state, Entries& entries) {
                         entries.Any("select count(*) from Model where CONTOURShow<>0");
   entries.Add(contours, StyleId::kContour, std::string(" [") + ComputeLengthUnit(ormel) + "]");
   const bool paths = Shown(ormel, Layer::kPathlines) && solution.ValidSolution;
-  entries.Add(paths, StyleId::kPathline);
+  if (paths)  // the time that was traced, whatever an area asked for
+    entries.Add(
+        true, StyleId::kPathline,
+        " of " + NumberText(ormel.db().Scalar("select TRACEMaxTime from Model").AsDouble()) + " days");
   const bool traced = Shown(ormel, Layer::kTracedLines) && HasTracedLines(ormel);
   entries.Add(traced, StyleId::kTracedLine);
   if (paths || traced) AddMarks(ormel, entries);

@@ -15,10 +15,10 @@ namespace {
 
 constexpr std::array kControls{
     ControlSpec{.name = "lstWindows", .kind = ControlKind::kList, .caption = "Saved Windows"},
-    ControlSpec{.name = "txX1", .kind = ControlKind::kNumber, .caption = "Left"},
-    ControlSpec{.name = "txX2", .kind = ControlKind::kNumber, .caption = "Right"},
-    ControlSpec{.name = "txY1", .kind = ControlKind::kNumber, .caption = "Top"},
-    ControlSpec{.name = "txY2", .kind = ControlKind::kNumber, .caption = "Bottom"},
+    ControlSpec{.name = "txX1", .kind = ControlKind::kNumber, .caption = "Left", .range = kPlaces},
+    ControlSpec{.name = "txX2", .kind = ControlKind::kNumber, .caption = "Right", .range = kPlaces},
+    ControlSpec{.name = "txY1", .kind = ControlKind::kNumber, .caption = "Top", .range = kPlaces},
+    ControlSpec{.name = "txY2", .kind = ControlKind::kNumber, .caption = "Bottom", .range = kPlaces},
     ControlSpec{.name = "Navigate(0)", .kind = ControlKind::kButton, .caption = "&Previous"},
     ControlSpec{.name = "Navigate(1)", .kind = ControlKind::kButton, .caption = "&Next"},
     ControlSpec{.name = "DeleteWindow", .kind = ControlKind::kButton, .caption = "&Delete"},

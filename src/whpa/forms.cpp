@@ -24,10 +24,12 @@ constexpr ControlSpec kCancel{.name = "ContinueCancel(1)",
                               .role = ButtonRole::kReject};
 constexpr ControlSpec kWellList{
     .name = "listWell", .kind = ControlKind::kMultiList, .caption = "Select Well(s)"};
-constexpr ControlSpec kPorosity{
-    .name = "DataPorosity", .kind = ControlKind::kNumber, .caption = "Aquifer Porosity"};
+constexpr ControlSpec kPorosity{.name = "DataPorosity",
+                                .kind = ControlKind::kNumber,
+                                .caption = "Aquifer Porosity",
+                                .range = {0.0, 1.0, true}};
 constexpr ControlSpec kThickness{
-    .name = "DataThickness", .kind = ControlKind::kNumber, .caption = "Aquifer Thickness"};
+    .name = "DataThickness", .kind = ControlKind::kNumber, .caption = "Aquifer Thickness", .range = kSizes};
 
 constexpr ControlSpec kOutline{.name = "chkOutline",
                                .kind = ControlKind::kCheck,
@@ -38,8 +40,16 @@ constexpr ControlSpec kOutline{.name = "chkOutline",
 
 constexpr ControlSpec kArbitraryControls[] = {
     kWellList,
-    {.name = "DataRadius", .kind = ControlKind::kNumber, .caption = "Radius", .unit = "m"},
-    {.name = "DataRadius2", .kind = ControlKind::kNumber, .caption = "Radius", .unit = "ft"},
+    {.name = "DataRadius",
+     .kind = ControlKind::kNumber,
+     .caption = "Radius",
+     .unit = "m",
+     .range = {0.0, 1e9}},
+    {.name = "DataRadius2",
+     .kind = ControlKind::kNumber,
+     .caption = "Radius",
+     .unit = "ft",
+     .range = {0.0, 1e9}},
     {.name = "DrawCancel(0)", .kind = ControlKind::kButton, .caption = "Draw", .role = ButtonRole::kAccept},
     {.name = "DrawCancel(1)", .kind = ControlKind::kButton, .caption = "Cancel", .role = ButtonRole::kReject},
 };
@@ -52,10 +62,14 @@ constexpr ControlSpec kCalculatedControls[] = {
          "parameter T is calculated, used to decide on a centric circle, excentric circle, or pathlines "
          "for well in ambient flow."},
     {.name = "cmbWell", .kind = ControlKind::kCombo, .caption = "Selected Well"},
-    {.name = "DataTime", .kind = ControlKind::kNumber, .caption = "Time of Travel", .unit = "days"},
+    {.name = "DataTime",
+     .kind = ControlKind::kNumber,
+     .caption = "Time of Travel",
+     .unit = "days",
+     .range = {0.0, 1e9}},
     kPorosity,
     kThickness,
-    {.name = "DataAmbient", .kind = ControlKind::kNumber, .caption = "Ambient Flow"},
+    {.name = "DataAmbient", .kind = ControlKind::kNumber, .caption = "Ambient Flow", .range = {0.0, 1e7}},
     kOutline,
     kContinue,
     kCancel,
@@ -70,12 +84,13 @@ constexpr ControlSpec kMultipleControls[] = {
     kWellList,
     kPorosity,
     kThickness,
-    {.name = "DataAmbientFlow", .kind = ControlKind::kNumber, .caption = "Ambient Flow"},
+    {.name = "DataAmbientFlow", .kind = ControlKind::kNumber, .caption = "Ambient Flow", .range = {0.0, 1e7}},
     {.name = "DataDirectionFlow",
      .kind = ControlKind::kNumber,
      .caption = "Direction of Flow",
      .unit = "Degrees",
-     .tip = "Where the ambient flow goes, counter-clockwise from east"},
+     .tip = "Where the ambient flow goes, counter-clockwise from east",
+     .range = kDegrees},
     kOutline,
     kContinue,
     kCancel,

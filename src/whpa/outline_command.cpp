@@ -246,7 +246,9 @@ std::span<const ControlSpec> OutlineCaptureZoneForm::Controls() const {
 
 std::vector<double> OutlineCaptureZoneForm::Years() const {
   std::vector<double> years;
-  for (const std::string& item : ParseString(Text("tbTimes"), ' ')) years.push_back(Val(item));
+  // What is not wholly a number becomes a time that no check lets pass.
+  for (const std::string& item : ParseString(Text("tbTimes"), ' '))
+    years.push_back(IsNumeric(item) ? Val(item) : 0.0);
   return years;
 }
 

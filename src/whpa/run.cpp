@@ -332,7 +332,10 @@ bool RunOnce(Ormel& ormel, const std::string& stem) {
   const RunOutcome outcome = RunBy(ormel, PlanOf(ormel, stem));
   if (outcome.end == RunEnd::kNotStarted)
     Inform(ormel, "Solver not started", outcome.process.failure, Icon::kStop);
-  if (outcome.end == RunEnd::kStopped) ormel.solution.ValidSolution = false;
+  if (outcome.end == RunEnd::kStopped) {
+    ormel.solution.ValidSolution = false;
+    OfferToShow(ormel, outcome.culprit);
+  }
   if (outcome.end == RunEnd::kCancelled)
     Feedback(ormel, "The run was cancelled: pathlines and files are as they were before");
   if (outcome.end != RunEnd::kDone) return false;

@@ -17,7 +17,8 @@ constexpr ControlSpec kDirection{.name = "DataDirectionFlow",
                                  .kind = ControlKind::kNumber,
                                  .caption = "Direction of Flow",
                                  .unit = "Degrees",
-                                 .tip = "Where the ambient flow goes, counter-clockwise from east"};
+                                 .tip = "Where the ambient flow goes, counter-clockwise from east",
+                                 .range = kDegrees};
 constexpr ControlSpec kTravelTime{.name = "lblT", .kind = ControlKind::kLabel, .caption = "T = "};
 
 constexpr ControlSpec kCentricControls[] = {
@@ -58,8 +59,14 @@ constexpr ControlSpec kStreamControls[] = {
      .kind = ControlKind::kOption,
      .caption = "No",
      .group = "Do you want to use a Stream Boundary"},
-    {.name = "DataHead", .kind = ControlKind::kNumber, .caption = "Head at first point"},
-    {.name = "DataConductivity", .kind = ControlKind::kNumber, .caption = "Hydraulic Conductivity"},
+    {.name = "DataHead",
+     .kind = ControlKind::kNumber,
+     .caption = "Head at first point",
+     .range = kElevations},
+    {.name = "DataConductivity",
+     .kind = ControlKind::kNumber,
+     .caption = "Hydraulic Conductivity",
+     .range = {0.0, 1e7}},
     {.name = "lblExplanation",
      .kind = ControlKind::kNote,
      .caption = "Explanation: You will define the (infinitely long) straight stream boundary by entering 2 "

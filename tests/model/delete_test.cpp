@@ -182,6 +182,24 @@ TEST_F(Deleting, bulk_deletion_counts_what_it_removes) {
   EXPECT_EQ(Count("Vertices"), 2.0);
 }
 
+TEST_F(Deleting, wells_in_bulk_take_their_protection_areas_along) {
+  const Vid well = StoreWell(ormel, {.Label = "a'b", .Head = 5}, {3, 4});
+  StoreWell(ormel, {.Label = "plain"}, {9, 9});
+  MirrorWell(ormel, "a'b", {0, 0}, {1, 0}, {3, 4});
+  const Vid point = ElemAddVertex(ormel, {0, 0}, kSinglePoint, 0);
+  ormel.db().Execute(
+      "insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,Type,WHPAText,VID1,VID2) "
+      "values ('a''b',0,0,0.2,3,'NONE',?,0)",
+      {point});
+  test.ui.AnswerTo("Delete All", {Answer::kYes, Answer::kYes});
+  test.ui.AnswerTo("Confirm", {Answer::kCancel, Answer::kOk});
+  DELETEALL(ormel, 5);
+  EXPECT_EQ(Count("Wells"), 3.0);
+  EXPECT_GT(XOf(well), 0.0);
+  DELETEALL(ormel, 5);
+  EXPECT_EQ(Count("Wells") + Count("WHPAs") + Count("Vertices"), 0.0);
+}
+
 TEST_F(Deleting, protection_areas_go_by_their_kind_with_what_belongs_to_them) {
   StoreWell(ormel, {.Label = "a'b", .Head = 5}, {3, 4});
   MirrorWell(ormel, "a'b", {0, 0}, {1, 0}, {3, 4});

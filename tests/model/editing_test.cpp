@@ -236,14 +236,14 @@ TEST_F(Editing, other_kinds_store_and_invalidate_as_they_should) {
   StoreParticle(ormel, {}, {50, 0});
   StoreCapzone(ormel, "zone", Points{{60, 0}, {65, 0}});
   StoreTextLabel(ormel, {.Text = "x"}, {70, 0});
-  const double kPlaces[] = {10, 20, 30, 30, 40, 50, 60, 70};
+  const double kSpots[] = {10, 20, 30, 30, 40, 50, 60, 70};
   for (std::size_t i = 0; i < std::size(kRows); ++i) {
     const Row& row = kRows[i];
     ormel.solution.ValidSolution = ormel.solution.PathlinesValid = true;
     test.ui.boxes.clear();
     for (const std::string& title : row.boxes)
       if (title == "Model Changed!") test.ui.AnswerTo(title, {Answer::kYes});
-    SelectAt(kPlaces[i], 0);
+    SelectAt(kSpots[i], 0);
     test.ui.OnForm(row.form, Fill(row.entries));
     ElemSetProperties(ormel);
     EXPECT_EQ(test.Text(row.check), row.value) << row.form;

@@ -50,12 +50,18 @@ TEST_F(Inhomogeneities, dialog_checks_in_their_order) {
        "Bad Entry",
        "Hydraulic Conductivity cannot be negative.\nPlease enter a positive value.",
        "tbData(0)"},
-      {"empty conductivity is 0", {{"tbLabel", "a"}, {"chkChangeK", "on"}, {"tbData(0)", ""}}, "", "", ""},
+      {"empty conductivity is 0",
+       {{"tbLabel", "a"}, {"chkChangeK", "on"}, {"tbData(0)", ""}},
+       "No Conductivity",
+       "A domain without conductivity lets no water pass, and a model that holds one cannot be "
+       "solved.\nKeep a conductivity of 0?",
+       "tbData(0)"},
       {"porosity 1", with_porosity("1"), "", "", ""},
       {"porosity 0", with_porosity("0"), "Bad Entry", porosity, "tbData(2)"},
       {"porosity 1.5", with_porosity("1.5"), "Bad Entry", porosity, "tbData(2)"},
       {"porosity -0.5", with_porosity("-0.5"), "Bad Entry", porosity, "tbData(2)"},
   };
+  test.ui.AnswerTo("No Conductivity", {Answer::kNo});
   for (const FormRow& row : kRows) {
     Inhomogeneity form(ormel);
     CheckRow(test, form, row);
@@ -117,9 +123,9 @@ TEST_F(Inhomogeneities, share_the_corners_of_other_domains_exactly) {
   ClickAt(10.2, 10.2, false);  // a corner of another domain
   ClickAt(50.1, 50, false);    // a corner of a barrier
   ClickAt(50.2, 50.1, false);  // a corner of the domain itself
-  ClickAt(30, 30, false);
+  ClickAt(30, 5, false);
   ElemEndInhomogeneity(ormel);
-  EXPECT_EQ(PointsOf(ormel, pid), (Points{{0.1, 0.1}, {10, 10.125}, {50.1, 50}, {50.2, 50.1}, {30, 30}}));
+  EXPECT_EQ(PointsOf(ormel, pid), (Points{{0.1, 0.1}, {10, 10.125}, {50.1, 50}, {50.2, 50.1}, {30, 5}}));
   InhomogeneityRow row;
   ASSERT_TRUE(FindInhomogeneity(ormel, pid, row));
   EXPECT_EQ(row.HydCond, 99.0);

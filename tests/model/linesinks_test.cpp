@@ -163,10 +163,10 @@ TEST_F(Linesinks, of_one_point_end_without_a_second_dialog) {
 TEST_F(Linesinks, discharge_specified_never_writes_far_field) {
   const Pid pid = StoreLinesink(ormel, {.Label = "a", .Farfield = true}, {});
   ormel.db().Execute("update LinesinkStrings set Routing=1");
-  ChangeLinesink(ormel, pid, {.Label = "a", .HeadSpecified = false, .Farfield = false});
+  ChangeLinesink(ormel, pid, {.Label = "a", .HeadSpecified = false, .Farfield = false, .Routing = true});
   EXPECT_EQ(test.Number("select Farfield from LinesinkStrings"), 1.0);
   EXPECT_EQ(test.Number("select Routing from LinesinkStrings"), 1.0);
-  ChangeLinesink(ormel, pid, {.Label = "a", .Farfield = true});
+  ChangeLinesink(ormel, pid, {.Label = "a", .Farfield = true, .Routing = true});
   EXPECT_EQ(test.Number("select Routing from LinesinkStrings"), 0.0) << "far-field is not routed";
 }
 

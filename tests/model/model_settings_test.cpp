@@ -5,6 +5,9 @@
 #include <filesystem>
 
 #include "form_rows.h"
+#include "model/geometry.h"
+#include "model/inhomogeneities.h"
+#include "model/vertices.h"
 
 namespace ormel::test {
 namespace {
@@ -72,6 +75,7 @@ TEST_F(Settings, checks_in_their_order) {
 }
 
 TEST_F(Settings, round_trip_through_the_store) {
+  test.ui.AnswerTo("Recharge Rate", {Answer::kNo});
   Run({{"tbBase", "-20.5"},
        {"tbThickness", "35"},
        {"tbHydCond", "12.5"},
@@ -233,6 +237,29 @@ TEST_F(Settings, ok_makes_the_solution_invalid_or_offers_grid_and_paths_or_redra
   EXPECT_FALSE(ormel.solution.ValidSolution);
   EXPECT_TRUE(test.ui.boxes.empty()) << "an aquifer that changed asks nothing";
   EXPECT_EQ(test.solver.runs.size(), 1U);
+}
+
+TEST_F(Settings, a_recharge_of_the_aquifer_is_told_and_becomes_a_domain_on_request) {
+  ormel.db().Execute("update Model set AQRecharge=0.001");
+  const std::vector<MapPoint> ring{{100, 100}, {300, 100}, {300, 200}};
+  StoreInhomogeneity(ormel, {.Label = "recharge", .Recharge = 0.001}, ring);
+  StoreInhomogeneity(ormel, {.Label = "own", .Recharge = 0.002, .ChangeR = true}, ring);
+  ormel.solution.ValidSolution = true;
+  test.ui.AnswerTo("Recharge Rate", {Answer::kNo, Answer::kYes});
+  Run({});
+  EXPECT_TRUE(test.ui.LastText().starts_with("The recharge rate of the aquifer is 0.001 m/day, but"));
+  EXPECT_EQ(ReadModel(ormel).AQRecharge, 0.001);
+  EXPECT_TRUE(ormel.solution.ValidSolution);
+
+  Run({});
+  EXPECT_EQ(ReadModel(ormel).AQRecharge, 0.0);
+  EXPECT_FALSE(ormel.solution.ValidSolution);
+  EXPECT_EQ(test.Text("select group_concat(Label||'='||Recharge) from Inhomogeneities"),
+            "recharge=0.0,own=0.002,Recharge 2=0.001");
+  const Pid made = test.ormel.db().Scalar("select max(PID) from Inhomogeneities").AsLong();
+  for (const MapPoint corner : ring) EXPECT_TRUE(IsInDomain(ormel, made, corner));
+  EXPECT_EQ(PointsOf(ormel, made).size(), 4U);
+  Run({});  // asks no more
 }
 
 TEST_F(Settings, cancel_writes_nothing) {

@@ -5,6 +5,7 @@
 
 #include "shell/new_database_wizard.h"
 #include "shell/welcome.h"
+#include "solver/inspection_forms.h"
 #include "support/fakes.h"
 
 namespace ormel::test {
@@ -110,6 +111,22 @@ TEST(BatchInterface, FillsFormsAndNeverLeavesOneOpen) {
     refusing.ShowForm(form);
     EXPECT_TRUE(form.Hidden()) << setting.control;
     EXPECT_TRUE(refusing.unanswered()) << setting.control;
+  }
+}
+
+TEST(BatchInterface, RefusesATextThatIsNoNumberEvenWithYes) {
+  TestController c;
+  for (const auto& [text, result] : {std::pair{"1,5", 2}, std::pair{"1.5", 1}}) {
+    std::ostringstream out;
+    BatchOptions options;
+    options.yes = true;
+    options.settings = {{"Inspector", "dataStepSize", text}};
+    BatchInterface ui(options, out, "ormelcmd");
+    Inspector form(c.ormel);
+    ui.ShowForm(form);
+    EXPECT_EQ(form.Result, result) << text;
+    EXPECT_EQ(ui.unanswered(), result == 2);
+    EXPECT_EQ(out.str().find("\"1,5\" is not a number") != std::string::npos, result == 2) << out.str();
   }
 }
 

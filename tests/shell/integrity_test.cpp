@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include "model/inhomogeneities.h"
+#include "model/linesinks.h"
 #include "model/wells.h"
 #include "support/test_project.h"
 
@@ -93,6 +95,43 @@ TEST_F(IntegrityTest, RepairRemovesWhatLiesOutsideTheWindow) {
   EXPECT_THAT(texts, ::testing::Contains("Deleted 1 Test Points\nwhich occured outside the current Window."));
   EXPECT_THAT(texts, ::testing::Contains("Deleted 1 Wells\nwhich occured outside the current Window."));
   EXPECT_EQ(ui.LastText(), "Database Repair completed.");
+}
+
+TEST_F(IntegrityTest, WhatADrawingCutShortHasLeftGoes) {
+  const MapPoint course[] = {{0, 0}, {10, 0}};
+  StoreLinesink(ormel, {.Label = "River"}, course);
+  StoreLinesink(ormel, {.Label = "lost"}, {});
+  StoreInhomogeneity(ormel, {.Label = "lost"}, {});
+  ormel.db().Execute("insert into Capzones (Label,PID) values ('lost',77)");
+  DBIntegrity(ormel);
+  EXPECT_EQ(Text("select group_concat(Label) from LinesinkStrings"), "River");
+  EXPECT_EQ(Count("Inhomogeneities") + Count("Capzones"), 0);
+  EXPECT_EQ(Count("Polygons"), 1);
+  EXPECT_TRUE(ui.boxes.empty());
+  EXPECT_EQ(StoreLinesink(ormel, {.Label = "lost"}, course) > 0, true) << "recordsets stand on the rows left";
+}
+
+TEST_F(IntegrityTest, RepairTellsWhatItWouldDeleteAndTakesAreasAlong) {
+  ormel.window.SolveWindow = {0, 100, 50, 0};
+  StoreWell(ormel, {.Label = "in"}, {10, 10});
+  StoreWell(ormel, {.Label = "far"}, {500, 10});
+  for (int i = 0; i < 14; ++i) TestPoint(Vertex(-1, 200 + i, 0));
+  ormel.db().Execute(
+      "insert into WHPAs (Well,Radius,TimeOfTravel,Porosity,WHPAText,Type) values ('far',9,0,0,'NONE',1)");
+  ui.AnswerTo("Database Repair", {Answer::kOk});
+  ui.AnswerTo("Confirm", {Answer::kCancel});
+  DBRepair(ormel);
+  const std::string text = ui.boxes.front().text;
+  EXPECT_TRUE(ui.boxes.front().safe_default) << "Enter deletes nothing";
+  EXPECT_NE(text.find("These would go:\n14 Test Points: T, T"), std::string::npos) << text;
+  EXPECT_NE(text.find(" and 2 more\n1 Wells: far"), std::string::npos) << text;
+  EXPECT_EQ(Count("Wells") + Count("WHPAs") + Count("TestPoints"), 17) << "Cancel of the areas keeps all";
+
+  ui.AnswerTo("Database Repair", {Answer::kOk});
+  ui.AnswerTo("Confirm", {Answer::kOk});
+  DBRepair(ormel);
+  EXPECT_EQ(Count("Wells"), 1);
+  EXPECT_EQ(Count("WHPAs"), 0);
 }
 
 TEST_F(IntegrityTest, RepairCancelledOrWithNothingToDo) {

@@ -5,7 +5,9 @@
 #include <fstream>
 
 #include "core/layers.h"
+#include "core/project.h"
 #include "lifecycle_fixture.h"
+#include "model/barriers.h"
 #include "shell/import_whpa.h"
 #include "shell/new_database_wizard.h"
 #include "shell/open_steps.h"
@@ -153,6 +155,37 @@ TEST_F(LifecycleTest, CloseLeavesOnlyProjectAndHelpCommands) {
   EXPECT_TRUE(ormel.project.folder.empty());
   Database::Open(path);  // the file is free again
   FileCloseProject(ormel);
+}
+
+TEST_F(LifecycleTest, CloseGivesUpADrawing) {
+  const std::string path = Make("town.orm");
+  FileOpenProject(ormel, path);
+  ui.OnForm("NoFlowString", [](Form& form) {
+    form.SetText("tbLabel", "Wall");
+    form.Click("OK");
+  });
+  ElemAddNoFlowString(ormel);
+  EXPECT_EQ(ormel.db().RowCount("NoFlowStrings"), 1);
+  FileCloseProject(ormel);
+  EXPECT_EQ(ormel.mouse.MouseMode, MouseMode::kSelect);
+  EXPECT_EQ(Ask(path, "select count(*) from NoFlowStrings"), "0") << "nobody could see or select it";
+}
+
+TEST_F(LifecycleTest, APortableProjectStaysOneThroughItsSettings) {
+  FileOpenProject(ormel, Make("town.orm"));
+  ormel.db().Execute("update Project set OrmelBasePath='.'");
+  ReadProjectState(ormel);
+  ormel.solution.ValidSolution = true;
+  ui.OnForm("ProjectSettings", [](Form& form) {
+    EXPECT_EQ(form.Text("BasePath"), ".");
+    form.SetText("ProjectDesc", "d");
+    form.Click("OK");
+    EXPECT_TRUE(form.Hidden());
+  });
+  FileProjectSettings(ormel);
+  EXPECT_EQ(ormel.db().Scalar("select OrmelBasePath from Project").AsText(), ".");
+  EXPECT_EQ(ormel.project.OrmelBasePath, dir.path().string());
+  EXPECT_TRUE(ormel.solution.ValidSolution) << "the same folder";
 }
 
 TEST_F(LifecycleTest, SettingsThatSpoilTheSolutionMakeItInvalid) {

@@ -75,7 +75,7 @@ TEST(Deck, StepIsTheDefaultOrTheUsersOwn) {
 
 TEST(Deck, WithoutGridTraceAndElementsOnlyTheFrameStands) {
   TestProject p;
-  p.ormel.db().Execute("update Model set TRACECompute=0, SOLVERIterations=2");
+  p.ormel.db().Execute("update Model set TRACECompute=0, SOLVERIterations=2, UNIFLOWCompute=1");
   p.ormel.window.SolveWindow = {0, 100, 50, 0};
   WriteAll(p.dir / "VADOX1.EXE", "");
   std::string deck;

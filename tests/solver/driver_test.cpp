@@ -340,6 +340,44 @@ TEST(Driver, FatalStopsAreToldAndLoadNothing) {
 }
 
 /// A file that does not answer for every element, or holds something else, is refused; what stood stays.
+TEST(Driver, AFatalStopNamesTheUsersElementAndShowsIt) {
+  SolverProject p;
+  p.solve = [&](const ProcessRequest&) {
+    WriteAll(p.dir / "VADOX.OPS",
+             "town.DAT line 7: LS_000002_0101 crosses WL_000001, not WL_999999 or XWL_000001");
+    WriteAll(p.dir / "ERROR.LOG", "*\r\nLS_000002_0101 crosses\r\n");
+    return Ended(1);
+  };
+  p.ui.AnswerTo("Zoom to Element", {Answer::kYes});
+  ModelRunVadox(p.ormel, {});
+  EXPECT_FALSE(p.ormel.solution.ValidSolution);
+  const std::string text = p.ui.boxes.front().text;
+  EXPECT_NE(text.find("River (LS_000002_0101) crosses Town 1 (WL_000001), not WL_999999 or XWL_000001"),
+            std::string::npos)
+      << text;
+  EXPECT_EQ(p.ormel.selection.SelectedType, Element::kLinesink);
+  EXPECT_EQ(p.ormel.selection.pid, 2);
+  EXPECT_EQ(p.view.zooms.back(), Zoom::kApplyWindow);
+  EXPECT_EQ(ReadAll(p.dir / "ERROR.LOG"), "*\r\nRiver (LS_000002_0101) crosses\r\n");
+}
+
+TEST(Driver, WhatCannotBeSolvedIsSaidBeforeTheSolverStarts) {
+  SolverProject p;
+  p.Run("insert into Vertices(PID,Seq,X,Y) values(8,301,1250,2050)");  // below the triangle's first side
+  p.ui.AnswerTo("Zoom to Element", {Answer::kNo});
+  ModelRunVadox(p.ormel, {});
+  EXPECT_EQ(p.ui.boxes.front().title, "Crossing Lines");
+  EXPECT_NE(p.ui.boxes.front().text.find("inhomogeneity Domain 8 (IN_000008) crosses itself"),
+            std::string::npos)
+      << p.ui.boxes.front().text;
+  EXPECT_TRUE(p.processes.requests.empty());
+
+  TestProject empty;
+  ModelRunVadox(empty.ormel, {});
+  EXPECT_EQ(empty.ui.LastTitle(), "No Elements");
+  EXPECT_TRUE(empty.processes.requests.empty());
+}
+
 TEST(Driver, DamagedResultsAreRefusedAndTheOldOnesStay) {
   const auto without = [](std::string text, const std::string& part) {
     const std::size_t at = text.find(part);

@@ -68,13 +68,20 @@ TEST(Extents, HeadAtTheReferencePoint) {
   AddVertex(p, 0, 0);
   AddVertex(p, 300, 400);
   p.ormel.db().Execute("update Model set AQBase=5, AQThickness='20'");
+  p.ormel.project.ProjectOpen = false;
+  ModelCheckExtents(p.ormel, false, false);
+  EXPECT_TRUE(p.ui.boxes.empty()) << "not while the project is being opened";
+  p.ormel.project.ProjectOpen = true;
   p.ui.AnswerTo("Error", {ormel::Answer::kCancel});
   ModelCheckExtents(p.ormel, false, false);
   EXPECT_EQ(p.ormel.window.ReferenceHead, 25);
   EXPECT_EQ(p.ui.LastText(),
             "No head-specified conditions exist.  Reference head will be set to aquifer top.");
   ModelCheckExtents(p.ormel, false, false);
-  EXPECT_EQ(p.ui.boxes.size(), 1U) << "told once only";
+  p.ormel.db().Execute("update Model set AQBase=6");
+  ModelCheckExtents(p.ormel, false, false);
+  EXPECT_EQ(p.ui.boxes.size(), 1U) << "told once only, also of another top";
+  EXPECT_EQ(p.ormel.window.ReferenceHead, 26);
 
   p.ormel.db().Execute("insert into Wells(VID,Head,HeadSpecified) values(1,30,1)");
   p.ormel.db().Execute("insert into Wells(VID,Head,HeadSpecified) values(2,50,1)");

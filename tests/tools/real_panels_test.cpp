@@ -6,6 +6,7 @@
 #include "core/table.h"
 #include "model/inhomogeneities.h"
 #include "model/linesinks.h"
+#include "model/selection.h"
 #include "model/vertices.h"
 #include "model/wells.h"
 #include "platform/posix_processes.h"
@@ -61,6 +62,10 @@ TEST(RealPanels, ARiversDischargeIsTheFluxIntoTheRingAroundIt) {
       EXPECT_NEAR(segments.At(i, 4).AsDouble(), i == 0 ? 14.875 : 14.625, 1e-3) << "at the segment's middle";
   });
   ShowInfoPanel(p.ormel, Element::kLinesink, river);
+  p.ormel.selection.SelectedType = Element::kLinesink;
+  p.ormel.selection.pid = river;
+  p.ormel.selection.vid = VerticesOf(p.ormel, river)[1].vid;
+  EXPECT_NE(DescribeSelection(p.ormel).find("  Discharge: "), std::string::npos);
   p.ui.OnForm("INInfo", [&](Form& form) {
     EXPECT_NEAR(NumberOf(form, "txArea"), p.Number("select max(DomainArea) from INResults"), 0.1);
     EXPECT_GT(std::abs(NumberOf(form, "txJump")), 1.0) << "the potential jumps";
@@ -68,6 +73,18 @@ TEST(RealPanels, ARiversDischargeIsTheFluxIntoTheRingAroundIt) {
   });
   ShowInfoPanel(p.ormel, Element::kInhomogeneity, gravel);
   EXPECT_EQ(p.ui.shown_forms, (std::vector<std::string>{"LSInfo", "INInfo"}));
+
+  // Results of before stay on view when the user keeps them, but a number that is given anew finds none.
+  ormel::Resequence(p.ormel, river, VerticesOf(p.ormel, river).front().vid);
+  p.ormel.db().Execute("delete from Vertices where VID=?", {VerticesOf(p.ormel, river)[1].vid});
+  p.ormel.db().Execute("update Vertices set Seq=101 where PID=? and Seq=300", {river});
+  p.ormel.selection.SelectedType = Element::kLinesink;
+  p.ormel.selection.pid = river;
+  p.ormel.selection.vid = VerticesOf(p.ormel, river).back().vid;
+  ASSERT_GT(p.Number("select count(*) from LSResults where VadoxLabel like 'LS_*_0101'"), 0.0);
+  EXPECT_EQ(DescribeSelection(p.ormel).find("Discharge: "), std::string::npos) << DescribeSelection(p.ormel);
+  p.ui.OnForm("LSInfo", [](Form& form) { EXPECT_TRUE(form.State("txMissing").visible); });
+  ShowInfoPanel(p.ormel, Element::kLinesink, river);
 }
 
 }  // namespace

@@ -68,10 +68,10 @@ TEST(MapOutput, LegendNamesOnlyWhatIsShown) {
   t.ormel.solution = {.ValidSolution = true, .TimeTicSpacing = 365.0};
   t.ormel.layers.Switch(Layer::kPathlines, true);
   t.ormel.layers.Switch(Layer::kTimeTics, true);
-  EXPECT_THAT(texts(), ElementsAre("Well", "Image well", "Linesink, head specified", "Drain", "Pathline",
-                                   "Time mark every 365 days"));
+  EXPECT_THAT(texts(), ElementsAre("Well", "Image well", "Linesink, head specified", "Drain",
+                                   "Pathline of 3650 days", "Time mark every 365 days"));
   t.ormel.layers.Switch(Layer::kElements, false);
-  EXPECT_THAT(texts(), ElementsAre("Pathline", "Time mark every 365 days"));
+  EXPECT_THAT(texts(), ElementsAre("Pathline of 3650 days", "Time mark every 365 days"));
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 // From a new project to capture zones by the program itself.
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <numbers>
 
 #include "ormelcmd/run.h"
+#include "store/database.h"
 
 namespace ormel::test {
 namespace {
@@ -159,6 +161,93 @@ TEST_F(OrmelcmdTest, ExportsADeck) {
   const std::string deck = ReadAll(dir / "deck.DAT");
   EXPECT_NE(deck.find(" aquifer"), std::string::npos) << deck;
   EXPECT_NE(deck.find("WL_"), std::string::npos) << deck;
+}
+
+TEST_F(OrmelcmdTest, ChangesListsAndDeletesElementsOfEveryKind) {
+  MakeTown();
+  Do({"add", "linesink", "town.orm", "--label", "River", "--points", "-400,-300 0,-350 400,-300", "--heads",
+      "28", "27", "--routed", "--inflow", "1500", "--end-of-stream"});
+  Do({"add", "barrier", "town.orm", "--label", "Wall", "--points", "100,100 200,200"});
+  Do({"add", "inhomogeneity", "town.orm", "--label", "Gravel", "--points", "-90,-90 90,-90 90,90",
+      "--conductivity", "40"});
+  Do({"add", "testpoint", "town.orm", "--label", "P1", "--at", "50,0", "--head", "29"});
+  Do({"add", "particles", "town.orm", "--points", "10,20 30,40"});
+  Do({"add", "fluxline", "town.orm", "--label", "Line", "--points", "0,200 100,200"});
+  Do({"add", "capturezone", "town.orm", "--label", "Zone", "--points", "0,0 9,0 9,9"});
+  Do({"add", "text", "town.orm", "--text", "Hill", "--at", "5,5"});
+  // On a vertex: moved off it, and told.
+  EXPECT_NE(Run({"add", "testpoint", "town.orm", "--label", "P2", "--at", "0,0", "--head", "29"})
+                .err.find("another vertex stands at 0,0"),
+            std::string::npos);
+  EXPECT_EQ(Do({"sql", "town.orm", "select Routing,EndStream,EndInflow from LinesinkStrings", "--csv"}),
+            "Routing,EndStream,EndInflow\n1,1,1500\n");
+
+  const std::string well = "O'Brien, north";
+  Do({"set", "well", "town.orm", "--label", well, "Head=500", "NParticles=6", "X=7"});
+  Do({"set", "linesink", "town.orm", "--label", "River", "EndingHead=26", "Overlandflow=20", "AutoSWIZC=1"});
+  Do({"set", "barrier", "town.orm", "--label", "Wall", "Label=Clay wall"});
+  Do({"set", "inhomogeneity", "town.orm", "--label", "Gravel", "HydCond=55", "Porosity=0.3"});
+  Do({"set", "testpoint", "town.orm", "--where", "Label=P1", "ObsHead=28.5"});
+  Do({"set", "particle", "town.orm", "--all", "Forward=no"});
+  Do({"set", "fluxline", "town.orm", "--label", "Line", "Label=Gate"});
+  Do({"set", "capturezone", "town.orm", "--label", "Zone", "Label=Zone 1"});
+  Do({"set", "text", "town.orm", "--label", "Hill", "Text=Hills"});
+  Do({"set", "uniformflow", "town.orm", "Gradient=0.003"});
+  EXPECT_EQ(
+      Do({"sql", "town.orm",
+          "select Head,NParticles,(select X from Vertices where Vertices.VID=Wells.VID) as X from Wells",
+          "--csv"}),
+      "Head,NParticles,X\n500,6,7\n");
+  const std::string list = Do({"list", "well", "town.orm", "--json"});
+  EXPECT_NE(list.find("\"Label\": \"O'Brien, north\""), std::string::npos) << list;
+  EXPECT_NE(list.find("\"Head\": 500"), std::string::npos) << list;
+  EXPECT_NE(Do({"list", "linesink", "town.orm", "--csv"}).find("\"-400.0,-300.0 0.0,-350.0 400.0,-300.0\""),
+            std::string::npos)
+      << Do({"list", "linesink", "town.orm", "--csv"});
+  EXPECT_EQ(Do({"sql", "town.orm", "select UNIFLOWGradient from Model", "--csv"}),
+            "UNIFLOWGradient\n0.003\n");
+
+  for (const auto& [kind, label] :
+       std::vector<std::pair<std::string, std::string>>{{"well", well},
+                                                        {"linesink", "River"},
+                                                        {"barrier", "Clay wall"},
+                                                        {"inhomogeneity", "Gravel"},
+                                                        {"testpoint", "P1"},
+                                                        {"fluxline", "Gate"},
+                                                        {"capturezone", "Zone 1"},
+                                                        {"text", "Hills"}})
+    Do({"delete", kind, "town.orm", "--label", label});
+  EXPECT_EQ(Run({"delete", "particle", "town.orm", "--where", "Forward=0"}).code, 1) << "two fit";
+  Do({"delete", "particle", "town.orm", "--all"});
+  EXPECT_EQ(Do({"sql", "town.orm", "select count(*) as N from Vertices", "--csv"}), "N\n2\n")
+      << "the second test point and the reference point";
+}
+
+TEST_F(OrmelcmdTest, LooksIntoASolutionAtAPointAndAlongAPath) {
+  MakeTown();
+  Do({"solve", "town.orm", "--quiet", "--step", "5", "--max-time", "900"});
+  EXPECT_EQ(Do({"sql", "town.orm", "select TRACEStep,TRACEMaxTime from Model", "--csv"}),
+            "TRACEStep,TRACEMaxTime\n5,900\n");
+  const std::string values = Do({"inspect", "town.orm", "-300", "100"});
+  EXPECT_NE(values.find("\nHead: 3"), std::string::npos) << values;
+  const std::string path = Do({"trace", "town.orm", "-300", "100"});
+  EXPECT_EQ(path.find("x,y,elevation,days\n-300"), 0U) << path;
+  EXPECT_GT(std::count(path.begin(), path.end(), '\n'), 5);
+  Do({"render", "town.orm", "wells.png", "--layers", "wells", "--size", "200x200"});
+  Do({"render", "town.orm", "overlay.png", "--layers", "overlay", "--overlay", "error", "--size", "200x200"});
+}
+
+TEST_F(OrmelcmdTest, ReadsNoProjectOfANewerVersion) {
+  MakeTown();
+  { Database::Open(dir / "town.orm").Execute("update Project set ProjectVersion=300"); }
+  for (const std::vector<std::string>& arguments : {std::vector<std::string>{"sql", "town.orm", "select 1"},
+                                                    {"results", "town.orm"},
+                                                    {"whpa", "list", "town.orm"},
+                                                    {"list", "well", "town.orm"}}) {
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.code, 1) << arguments[0];
+    EXPECT_NE(outcome.err.find("was written by a newer version"), std::string::npos) << outcome.err;
+  }
 }
 
 }  // namespace

@@ -296,6 +296,7 @@ TEST_F(WindowTest, TheWelcomeBoxOpensAnExample) {
   const std::string example = "basin and range.orm";
   std::filesystem::copy_file(std::string(ORMEL_SOURCE_DIR) + "/examples/" + example, dir / example);
   settings.values["WelcomeBox"] = "0";
+  setenv("HOME", dir.path().c_str(), 1);  // takes the copy that is opened
   WithNextDialog([this](QDialog& welcome) {
     WithNextDialog([](QDialog& question) {
       auto* box = qobject_cast<QMessageBox*>(&question);
