@@ -199,6 +199,19 @@ TEST(ClosedRegions, WallsThatCrossLeaveOutWhatHasNoHead) {
        {Complex{-110, 20}, Complex{110, 80}, Complex{0, -40}, Complex{140, 60}, Complex{-40, 200}})
     EXPECT_NEAR(open.At(z).head, same.At(z).head, 2e-4 * same.HeadRange()) << z;
 
+  // The one head outside is then missing there.
+  aem::Model within = m;
+  within.aquifer.reference_point = {0, 20};
+  const aem::Solution inside(within);
+  EXPECT_TRUE(inside.Refused());
+  EXPECT_NE(Said(inside.Findings()).find("reference point lies there"), std::string::npos);
+
+  // Nor is a closed wall within left out together with what lies around it.
+  aem::Model island = m;
+  island.walls.push_back(WallAlong({{-20, 0}, {20, 0}, {20, 40}, {-20, 40}}, aem::WallKind::kClosed));
+  island.wells.push_back({{"W", 1}, {0, 20}, 0.3, true, 31.0});
+  EXPECT_TRUE(aem::Solution(island).Refused());
+
   // A head in there settles it; a well without one has nowhere to take its water from.
   m.line_sinks.push_back(HeadString({{-150, 20}, {-50, 20}, {0, 40}}, 31.0));
   aem::Solution settled(m);

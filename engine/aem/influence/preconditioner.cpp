@@ -10,7 +10,7 @@ namespace aem::detail {
 namespace {
 constexpr std::size_t kBlockUnknowns = 120;  ///< of a cluster
 constexpr std::size_t kRingUnknowns = 800;
-constexpr std::size_t kOverlap = 180;  ///< and around it
+constexpr std::size_t kOverlap = 120;  ///< and around it
 
 void AddLeaves(const std::vector<SourceTree::Node>& nodes, int node, std::vector<int>* leaves) {
   if (nodes[node].child < 0) {

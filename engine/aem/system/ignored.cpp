@@ -189,15 +189,21 @@ void LeaveOut(System& s, const Enclosure& e) {
   s.ignored.push_back({-1, true, e.ring, e.way});
 }
 
+/// Ground that is left out is so with all within its ring.
+bool HoldsAnother(const System& s, const Enclosure& e) {
+  return std::any_of(s.enclosures.begin(), s.enclosures.end(),
+                     [&](const Enclosure& o) { return &o != &e && Contains(e.ring, o.inside); });
+}
+
 void CheckEnclosure(System& s, const Enclosure& e, const Supply& supply) {
   const bool one = IsOneWall(s, e), holds = Holds(supply);
   if (!holds && one) {
     s.Add(Severity::kFatal, FirstWall(s, e), supply.drain ? kIdleDrain : kNoHead);
-  } else if (!holds && supply.source) {
+  } else if (!holds && (supply.source || HoldsAnother(s, e))) {
     s.Add(Severity::kFatal, FirstWall(s, e),
-          ShutIn(s, e) +
-              " without any given head, but with a well or other source: give a head inside, or let "
-              "the walls end where they meet.");
+          ShutIn(s, e) + " without any given head, but with " +
+              (supply.source ? "a well or other source" : "another such region within") +
+              ": give a head inside, or let the walls end where they meet.");
   } else if (!holds) {
     LeaveOut(s, e);
   }
@@ -222,7 +228,7 @@ void FindIgnored(System& s) {
   for (std::size_t i = 0; i < s.enclosures.size(); ++i) {
     if (ignored[i] != 0) continue;
     const Enclosure& e = s.enclosures[i];
-    if (int(i) == reference && from_infinity && Holds(supplies.Of(reference)))
+    if (int(i) == reference && from_infinity && (Holds(supplies.Of(reference)) || !IsOneWall(s, e)))
       s.Add(Severity::kFatal, FirstWall(s, e),
             IsOneWall(s, e) ? "The reference point lies inside this closed wall: move it outside."
                             : ShutIn(s, e) + ", and the reference point lies there: move it outside.");
