@@ -68,6 +68,15 @@ StoreError StatementError(std::string_view message, std::string_view sql) {
 
 StoreError InputOutputError(sqlite3* handle, int code, const std::string& path) {
   const int error = handle == nullptr ? 0 : sqlite3_system_errno(handle);
+  // The last steps of a commit: the rows are written, and only the disk's word for it is missing.
+  if (code == SQLITE_IOERR_FSYNC || code == SQLITE_IOERR_DIR_FSYNC || code == SQLITE_IOERR_DELETE ||
+      code == SQLITE_IOERR_TRUNCATE || code == SQLITE_IOERR_CLOSE) {
+    return {
+        StoreErrorCode::kOther,
+        Quoted(path) +
+            "may or may not have kept the last change: the disk did not confirm it. Check the disk, close "
+            "the project, open it again and look; what was saved before is kept."};
+  }
   // A write that fails means, nearly always, that a disk, a quota or a size limit is used up; by the time we
   // are told, the system's own reason may have been replaced by that of a later call.
   if (code == SQLITE_IOERR_WRITE || error == ENOSPC || error == EDQUOT || error == EFBIG) {
