@@ -11,6 +11,7 @@
 #include "solver/deck_export.h"
 #include "solver/extents.h"
 #include "solver/solve_stamp.h"
+#include "solver/solver_remarks.h"
 #include "store/database.h"
 #include "text/files.h"
 
@@ -42,6 +43,7 @@ int Solve(const CommonOptions& common, const SolveOptions& given) {
   session.OpenProject(given.path);
   Ormel& ormel = session.ormel();
   const bool continues = given.continue_iterations > 0;
+  const Value iterations_before = ormel.db().Scalar("select SOLVERIterations from Model");
   if (continues || given.reload) {
     const std::string reason = RestoreSolve(ormel);
     // A change of contour or tracing settings is what --reload is for: then only the saved solution counts.
@@ -51,12 +53,17 @@ int Solve(const CommonOptions& common, const SolveOptions& given) {
                [&] { ormel.db().Execute("update Model set SOLVERIterations=?", {given.iterations}); });
   }
   ormel.solver().ModelRunVadox({.KeepSolution = given.reload, .ContinueSolve = continues});
-  if (session.ui().CancelRequested()) throw UserError("the solve was cancelled; the project is as it was");
+  if (session.ui().CancelRequested()) {
+    RunCommand(ormel, "solve",
+               [&] { ormel.db().Execute("update Model set SOLVERIterations=?", {iterations_before}); });
+    throw UserError("the solve was cancelled; the project is as it was");
+  }
   if (!ormel.solution.ValidSolution) {
     session.Finish();
     session.ui().Say(given.path + " was not solved");
     return kExitSolver;
   }
+  for (const std::string& remark : SolverRemarks(ormel)) session.ui().Say("solver: " + remark);
   if (!common.quiet) Report(session);
   return session.Finish();
 }

@@ -10,6 +10,7 @@
 #include "ormelcmd/whpa.h"
 #include "solver/solve_stamp.h"
 #include "store/database.h"
+#include "store/view.h"
 #include "text/strings.h"
 #include "tools/zone_table.h"
 #include "whpa/outline_command.h"
@@ -82,7 +83,7 @@ TextTable TextOf(const Table& table) {
 }
 
 int List(const std::string& path) {
-  Database db = Database::Open(path, OpenMode::kReadOnly);
+  Database db = Database::Open(path, kViewMode);
   const std::shared_ptr<Table> zones =
       ReadZoneTable(db, db.Scalar("select BasemapMeters from Model").AsBool());
   PrintAligned(std::cout, TextOf(*zones));
