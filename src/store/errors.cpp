@@ -31,7 +31,9 @@ constexpr std::array kCases{
          "is damaged. Keep the file, and go on with a copy of it from before the damage."},
     Case{SQLITE_NOTADB, StoreErrorCode::kNotAProject, "is not a project database."},
     Case{SQLITE_CANTOPEN, StoreErrorCode::kBadPath,
-         "could not be opened. Check the path and the rights to its folder."},
+         "could not be opened, or its journal not be made. Check the path, the rights to its folder, and "
+         "that the "
+         "disk has room."},
     Case{SQLITE_NOMEM, StoreErrorCode::kOther, "could not be read because memory ran out."},
 };
 
