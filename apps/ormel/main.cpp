@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "core/ormel.h"
+#include "core/project.h"
 #include "ormel/application.h"
 #include "ormel/program.h"
 #include "platform/end_requests.h"
@@ -87,7 +88,9 @@ int main(int argc, char** argv) {
   ormel::WatchEndRequests();
   QTimer end_requests;
   QObject::connect(&end_requests, &QTimer::timeout, [&program] {
-    if (ormel::EndRequested()) program.window.EndByRequest();
+    if (!ormel::EndRequested()) return;
+    ormel::ViewEdited(program.ormel) = false;  // nobody may be there to answer
+    program.window.EndByRequest();
   });
   end_requests.start(kEndRequestPause);
   program.Start(ProjectOf(argc, argv));

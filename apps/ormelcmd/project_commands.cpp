@@ -5,6 +5,7 @@
 
 #include "core/command.h"
 #include "core/map_view.h"
+#include "core/run_files.h"
 #include "model/global_recharge.h"
 #include "model/model_settings.h"
 #include "ormelcmd/options.h"
@@ -28,6 +29,7 @@ struct NewOptions {
 
 /// A project that names no folder of this machine: its model files are always beside it.
 int NewPortable(const NewOptions& given) {
+  if (const std::string fault = FaultOfProjectName(given.path); !fault.empty()) throw UserError(fault);
   if (FileExists(given.path) && !given.overwrite)
     throw UserError(given.path + " already exists; --overwrite replaces it");
   // Opened for a moment: a project that another program works on is not taken away from it.

@@ -58,6 +58,25 @@ constexpr std::array kResultTables{
                 " from NFResults order by VadoxLabel"},
 };
 
+/// A head where there is no water is no number.
+void NameDryHeads(TextTable& table) {
+  constexpr std::string_view kDry = "-9999";
+  const auto find = [&table](std::string_view name) {
+    for (std::size_t i = 0; i < table.columns.size(); ++i)
+      if (table.columns[i].name == name) return i;
+    return table.columns.size();
+  };
+  const std::size_t difference = find("Difference");
+  for (const std::size_t head : {find("Head"), find("CalculatedHead"), find("ModelHead")}) {
+    if (head == table.columns.size()) continue;
+    for (std::vector<std::string>& row : table.rows) {
+      if (row[head] != kDry) continue;
+      row[head] = "dry";
+      if (difference < row.size()) row[difference].clear();
+    }
+  }
+}
+
 struct ResultsOptions {
   std::string path, table = "all";
   bool csv = false, stale = false;
@@ -79,7 +98,8 @@ int Results(const CommonOptions& common, const ResultsOptions& given) {
   }
   for (const ResultTable& entry : kResultTables) {
     if (given.table != "all" && given.table != entry.name) continue;
-    const TextTable table = ReadTable(ormel.db(), entry.sql, given.csv ? 0 : given.digits);
+    TextTable table = ReadTable(ormel.db(), entry.sql, given.csv ? 0 : given.digits);
+    NameDryHeads(table);
     if (given.table == "all") {
       if (table.rows.empty()) continue;
       std::cout << (given.csv ? "# " : "") << entry.title << '\n';

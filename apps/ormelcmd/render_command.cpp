@@ -4,6 +4,7 @@
 #include <array>
 #include <memory>
 #include <set>
+#include <utility>
 
 #include "core/layers.h"
 #include "core/status.h"
@@ -11,6 +12,7 @@
 #include "ormelcmd/toolkit.h"
 #include "qtdevice/write_picture.h"
 #include "shell/open_steps.h"
+#include "solver/result_files.h"
 #include "solver/solve_stamp.h"
 #include "store/database.h"
 #include "text/numbers.h"
@@ -149,7 +151,11 @@ int Render(const CommonOptions& common, RenderOptions given) {
   if (!given.window.empty()) given.output.window = ParseWindow(given.window);
   WantedLayers(given);
   ParseLegendPlace(given.legend_at, given.output);
-  Session session(MakeBatchOptions(common));
+  BatchOptions options = MakeBatchOptions(common);
+  // A map is only looked at: a project that cannot be written is drawn all the same.
+  for (const char* title : {"File is Read-only!", "Can't open database"})
+    options.answers.push_back({title, "Yes", true});
+  Session session(std::move(options));
   session.OpenProject(given.path);
   Ormel& ormel = session.ormel();
   const std::string reason = given.no_results ? "" : RestoreSolve(ormel);
@@ -166,6 +172,9 @@ int Render(const CommonOptions& common, RenderOptions given) {
   bool drawn = false;
   const std::string failure = WritePicture(FullPath(ormel, given.picture), size, [&](DrawingDevice& device) {
     drawn = DrawMapOutput(ormel, session.view().state(), device, given.output);
+    const std::vector<std::string>& faults = ResultFilesOf(ormel).faults();
+    if (!faults.empty())
+      throw UserError("no picture was written, since results are missing in it: " + faults.front());
   });
   if (!failure.empty()) throw UserError(failure);
   if (!drawn) throw UserError("the map found no room in a picture of this size");

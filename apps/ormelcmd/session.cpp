@@ -118,8 +118,9 @@ void Session::OpenForEdit(const std::string& path) {
 void Session::OpenForReading(const std::string& path) {
   const std::string full = FullPath(ormel_, path);
   if (!FileExists(full)) throw UserError(path + " does not exist");
-  if (!TestProjectVersion(ormel_, full)) throw UserError(path + " was not opened");
-  ormel_.project.db = std::make_unique<Database>(Database::Open(full, OpenMode::kReadOnly));
+  bool view = true;
+  if (!TestProjectVersion(ormel_, full, &view)) throw UserError(path + " was not opened");
+  ormel_.project.db = std::make_unique<Database>(Database::Open(full, OpenMode::kView));
   ormel_.project.DBName = full;
   ReadProjectState(ormel_);
 }

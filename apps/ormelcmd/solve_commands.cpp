@@ -14,6 +14,7 @@
 #include "solver/extents.h"
 #include "solver/inspection.h"
 #include "solver/solve_stamp.h"
+#include "solver/solver_remarks.h"
 #include "store/database.h"
 #include "text/files.h"
 #include "text/numbers.h"
@@ -64,6 +65,7 @@ int Solve(const CommonOptions& common, const SolveOptions& given) {
   session.OpenProject(given.path);
   Ormel& ormel = session.ormel();
   const bool continues = given.continue_iterations > 0;
+  const Value iterations_before = ormel.db().Scalar("select SOLVERIterations from Model");
   if (continues || given.reload) {
     const std::string reason = RestoreSolve(ormel);
     // A change of contour or tracing settings is what --reload is for: then only the saved solution counts.
@@ -75,12 +77,17 @@ int Solve(const CommonOptions& common, const SolveOptions& given) {
   PutTracing(session, given);
   if (given.time) ormel.solution.SolutionTime = *given.time;
   ormel.solver().ModelRunVadox({.KeepSolution = given.reload, .ContinueSolve = continues});
-  if (session.ui().CancelRequested()) throw UserError("the solve was cancelled; the project is as it was");
+  if (session.ui().CancelRequested()) {
+    RunCommand(ormel, "solve",
+               [&] { ormel.db().Execute("update Model set SOLVERIterations=?", {iterations_before}); });
+    throw UserError("the solve was cancelled; the project is as it was");
+  }
   if (!ormel.solution.ValidSolution) {
     session.Finish();
     session.ui().Say(given.path + " was not solved");
     return kExitSolver;
   }
+  for (const std::string& remark : SolverRemarks(ormel)) session.ui().Say("solver: " + remark);
   if (!common.quiet) Report(session);
   if (given.time && *given.time != 0.0)
     session.ui().Say("the results are those at " + NumberText(*given.time) +

@@ -6,6 +6,7 @@
 
 #include "store/bulk.h"
 #include "store/database.h"
+#include "text/csv.h"
 #include "text/numbers.h"
 #include "text/strings.h"
 
@@ -36,16 +37,6 @@ void PrintCell(std::ostream& out, const std::string& text, std::size_t width, bo
   out << text;
   if (!right && !last) out << blanks;
   if (!last) out << "  ";
-}
-
-std::string Quoted(const std::string& text) {
-  if (text.find_first_of(",\"\n\r") == std::string::npos) return text;
-  std::string out = "\"";
-  for (const char c : text) {
-    if (c == '"') out += '"';
-    out += c;
-  }
-  return out + "\"";
 }
 
 }  // namespace
@@ -85,10 +76,10 @@ void PrintAligned(std::ostream& out, const TextTable& table) {
 
 void PrintCsv(std::ostream& out, const TextTable& table) {
   for (std::size_t i = 0; i < table.columns.size(); ++i)
-    out << (i == 0 ? "" : ",") << Quoted(table.columns[i].name);
+    out << (i == 0 ? "" : ",") << CsvField(table.columns[i].name);
   out << '\n';
   for (const auto& row : table.rows) {
-    for (std::size_t i = 0; i < row.size(); ++i) out << (i == 0 ? "" : ",") << Quoted(row[i]);
+    for (std::size_t i = 0; i < row.size(); ++i) out << (i == 0 ? "" : ",") << CsvField(row[i]);
     out << '\n';
   }
 }

@@ -6,9 +6,12 @@
 #include <utility>
 
 #include "core/ormel.h"
+#include "core/project.h"
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "store/database.h"
+#include "store/view.h"
+#include "text/names.h"
 
 namespace ormel {
 namespace {
@@ -19,12 +22,19 @@ void BeginIfOpen(Ormel& ormel) {
     ormel.command.transaction = std::make_unique<Transaction>(*db);
 }
 
-void ShowFailureBox(Ormel& ormel, std::string_view first_line, const std::string& description) {
+/// The words of a failure; a title of its own where the cause is known and the user can help it.
+struct Description {
+  std::string text;
+  const char* title = nullptr;
+};
+
+void ShowFailureBox(Ormel& ormel, std::string_view first_line, const Description& description) {
+  PleaseWaitHide(ormel);
+  if (description.title != nullptr) return Inform(ormel, description.title, description.text, Icon::kStop);
   std::string text(first_line);
   text += "\nOrmel may have become unstable.  For best results, exit Ormel and restart";
   text += "\nIf the problem persists, Contact the ZRB\n";
-  text += description;
-  PleaseWaitHide(ormel);
+  text += description.text;
   Inform(ormel, "Unhandled Error -- Contact the ZRB", text);
 }
 
@@ -37,21 +47,32 @@ void TellChanges(Ormel& ormel, std::string_view command, int connections) {
   Database* db = ormel.project.db.get();
   if (db != nullptr && db->IsOpen()) record.rows = db->TakeChanges();
   if (record.project_replaced) record.rows.clear();
+  if (!record.rows.empty() && IsView(*db) && !std::exchange(ViewEdited(ormel), true))
+    Inform(ormel, "View Only",
+           "The project is open for viewing: what you change is kept only by Make Duplicate Database.",
+           Icon::kWarning);
   ormel.changes.Tell(record);
 }
 
-void ShowFailure(Ormel& ormel, std::string_view procedure, const std::string& description) {
+void ShowFailure(Ormel& ormel, std::string_view procedure, const Description& description) {
   ShowFailureBox(ormel, "Unhandled error in " + std::string(procedure), description);
 }
 
 /// What failed, in the words of the exception in flight.
-std::string Describe(const std::exception_ptr& failure) {
+Description Describe(const std::exception_ptr& failure) {
+  constexpr const char* kFull = "Disk Full";
   try {
     std::rethrow_exception(failure);
+  } catch (const StoreError& e) {
+    if (e.code() == StoreErrorCode::kDiskFull) return {e.what(), kFull};
+    if (e.code() == StoreErrorCode::kWrongType) return {e.what(), "Value Refused"};
+    return {e.what()};
+  } catch (const DiskFullError& e) {
+    return {e.what(), kFull};
   } catch (const std::exception& e) {
-    return e.what();
+    return {e.what()};
   } catch (...) {
-    return "unknown failure";
+    return {"unknown failure"};
   }
 }
 
@@ -79,12 +100,13 @@ bool RunCommand(Ormel& ormel, std::string_view name, const std::function<void()>
   --ormel.command.depth;
   if (!failure) return true;
 
-  std::string description = Describe(failure);
+  Description description = Describe(failure);
   try {
     EndTransaction(ormel);  // what was written stays
     TellChanges(ormel, name, connections);
   } catch (const std::exception& e) {
-    description += std::string("\n") + e.what();
+    // A disk that takes no more says so twice.
+    if (description.text != e.what()) description.text += std::string("\n") + e.what();
   }
   const std::string& failed = ormel.command.failed_procedure;
   ShowFailure(ormel, failed.empty() ? name : failed, description);
@@ -92,13 +114,13 @@ bool RunCommand(Ormel& ormel, std::string_view name, const std::function<void()>
 }
 
 void ShowFailure(Ormel& ormel, std::string_view procedure) {
-  const std::string description = Describe(std::current_exception());
+  const Description description = Describe(std::current_exception());
   const std::string failed = std::exchange(ormel.command.failed_procedure, {});
   ShowFailure(ormel, failed.empty() ? procedure : failed, description);
 }
 
 void ShowFailureText(Ormel& ormel, std::string_view first_line) {
-  const std::string description = Describe(std::current_exception());
+  const Description description = Describe(std::current_exception());
   ormel.command.failed_procedure.clear();
   ShowFailureBox(ormel, first_line, description);
 }

@@ -7,6 +7,7 @@
 #include "core/ormel.h"
 #include "core/processes.h"
 #include "text/files.h"
+#include "text/names.h"
 
 namespace ormel {
 namespace {
@@ -42,6 +43,7 @@ std::vector<std::string> ReadLines(const std::string& path, std::size_t limit) {
 
 void WriteLines(const std::string& path, const std::vector<std::string>& lines) {
   try {
+    RemoveLink(path);
     TextFileWriter out(path);
     for (const std::string& line : lines) out.Line(line);
     out.Commit();

@@ -9,7 +9,12 @@ struct Ormel;
 
 /// Opens the file for writing as the controller's one connection, and reads from it what the controller
 /// keeps: path and folder, base name and path, units.  Throws StoreError; the controller is then as it was.
-void AttachProject(Ormel& ormel, const std::string& path);
+/// With `view` a copy in memory of it: nothing that is done reaches the file or its model files.
+void AttachProject(Ormel& ormel, const std::string& path, bool view = false);
+/// The open project is a copy for viewing.
+bool Viewing(const Ormel& ormel);
+/// It has changes, which are only in memory.
+bool& ViewEdited(Ormel& ormel);
 /// Reads `OrmelBaseName`, `OrmelBasePath` and the units again, after a dialog has changed them.  A relative
 /// path is seen from the project's folder.
 void ReadProjectState(Ormel& ormel);

@@ -8,11 +8,19 @@
 
 #include "core/ormel.h"
 #include "text/files.h"
+#include "text/names.h"
 
 namespace ormel {
 namespace {
 
 constexpr std::array kExtensions{".DAT", ".SOL", ".XTR", ".PTH", ".CTR", ".GRD"};
+/// What a project may not be named, and where no link is followed.
+constexpr std::array kWorkExtensions{".dat", ".sol", ".xtr", ".pth", ".ctr", ".grd", ".out",   ".run",
+                                     ".log", ".ops", ".ini", ".tmp", ".def", ".lck", ".before"};
+constexpr std::array kWorkNames{"ERROR.LOG",  "MESSAGE.LOG", "ECHO.LOG",   "REGRID.LOG",
+                                "VADOX.OPS",  "VADOX1.INI",  "REGRID.DAT", "_INSPECT.DAT",
+                                "_TRACE.DAT", "_RUN.JNL",    "_RUN.LCK"};
+constexpr std::size_t kLongestPath = 512;
 
 std::string LowerAscii(std::string_view text) {
   std::string lower(text);
@@ -38,6 +46,43 @@ std::string StemFile(const Ormel& ormel, std::string_view extension) {
   return ExistingOf(stem + std::string(extension), stem + LowerAscii(extension));
 }
 
+void RemoveWorkLinks(const Ormel& ormel, std::string_view stem) {
+  const auto remove = [&ormel](const std::string& name) {
+    RemoveLink(JoinPath(ormel.project.OrmelBasePath, name));
+    RemoveLink(JoinPath(ormel.project.OrmelBasePath, LowerAscii(name)));
+  };
+  for (const char* name : kWorkNames) remove(name);
+  for (const std::string& base : {std::string(stem), ormel.project.OrmelBaseName}) {
+    for (const char* extension : kExtensions) remove(base + extension);
+    for (const char* extension : {".OUT", ".RUN", ".ZNS"}) remove(base + extension);
+  }
+}
+
+std::string FaultOfProjectName(const std::string& path) {
+  const std::string name = FileTitle(path);
+  const std::string quoted = "\"" + name + "\"";
+  if (path.size() > kLongestPath)
+    return "The path has " + std::to_string(path.size()) + " characters; at most " +
+           std::to_string(kLongestPath) + " are possible. Choose a folder nearer to the root.";
+  if (!IsPlainName(name))
+    return "The name of a project may not be empty and may hold no tab and no line end. Choose another name.";
+  if (name.front() == ' ' || name.back() == ' ' || name.front() == '.')
+    return "The name " + quoted + " begins or ends with a blank or begins with a point. Choose another name.";
+  const std::string lower = LowerAscii(name);
+  for (const std::string_view extension : kWorkExtensions)
+    if (lower.ends_with(extension))
+      return "The name " + quoted +
+             " is one that the files of a solve have, which would replace the project. Choose a name that "
+             "ends with .orm.";
+  if (BaseName(name).find_first_not_of(" ") == std::string::npos || BaseName(name).back() == ' ')
+    return "The name " + quoted + " has a blank before its extension. Choose another name.";
+  return {};
+}
+
+std::string SafeStem(std::string_view stem, const std::string& project) {
+  return IsPlainName(stem) ? std::string(stem) : std::filesystem::path(project).stem().string();
+}
+
 void DeleteTolerantly(const std::string& path) {
   std::error_code ignored;
   if (FileExists(path)) std::filesystem::remove(path, ignored);
@@ -58,6 +103,7 @@ std::string FreeStem(const std::string& folder, std::string_view wanted) {
 
 void RemoveRunFiles(const Ormel& ormel, std::string_view stem) {
   if (stem.empty() || stem == "NONE") return;
+  if (!IsPlainName(stem)) return;
   for (const char* extension : kExtensions) DeleteTolerantly(ModelFile(ormel, std::string(stem) + extension));
 }
 

@@ -13,6 +13,14 @@ struct Ormel;
 std::string ModelFile(const Ormel& ormel, std::string_view name);
 /// Full path of `<stem><extension>` in the model folder, e.g. ".XTR".
 std::string StemFile(const Ormel& ormel, std::string_view extension);
+/// RemoveLink (text/names.h) for every file that a run of that stem, or any run in the folder, may write.
+void RemoveWorkLinks(const Ormel& ormel, std::string_view stem);
+/// Why a project should not have this path, as a sentence; empty when it may.  A name that the work files of
+/// a model have would be written over by the next solve; some names no folder or no list shows as they are.
+std::string FaultOfProjectName(const std::string& path);
+/// `stem` when it is a plain name, else the project's own title without its extension.
+std::string SafeStem(std::string_view stem, const std::string& project);
+
 /// Deletes the file when it is there; a failure is no error.
 void DeleteTolerantly(const std::string& path);
 

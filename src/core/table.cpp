@@ -6,6 +6,7 @@
 #include <numeric>
 #include <stdexcept>
 
+#include "text/csv.h"
 #include "text/numbers.h"
 #include "text/strings.h"
 
@@ -17,16 +18,6 @@ std::string FullText(const Value& value) {
   if (!value.IsNumber()) return value.AsText();
   const double number = value.AsDouble();
   return std::isfinite(number) ? value.AsText() : std::string(number < 0.0 ? "-inf" : "inf");
-}
-
-std::string QuotedCsv(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string quoted = "\"";
-  for (const char c : text) {
-    if (c == '"') quoted += '"';
-    quoted += c;
-  }
-  return quoted + "\"";
 }
 
 /// A tab or a line end inside a cell would break the lines of the others.
@@ -123,12 +114,12 @@ std::string Table::Tabbed(std::span<const int> rows) const {
 
 std::string Table::CsvHeadings() const {
   std::string line;
-  for (std::size_t i = 0; i < columns_.size(); ++i) line += (i == 0 ? "" : ",") + QuotedCsv(columns_[i].name);
+  for (std::size_t i = 0; i < columns_.size(); ++i) line += (i == 0 ? "" : ",") + CsvField(columns_[i].name);
   return line;
 }
 
 std::string Table::CsvRow(std::size_t row) const {
-  return Join(row, ',', QuotedCsv);
+  return Join(row, ',', CsvField);
 }
 
 }  // namespace ormel

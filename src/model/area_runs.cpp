@@ -11,6 +11,7 @@
 #include "core/settings.h"
 #include "store/database.h"
 #include "text/files.h"
+#include "text/names.h"
 
 namespace ormel {
 namespace {
@@ -31,7 +32,7 @@ bool AnyFile(const Ormel& ormel, const std::string& stem) {
 }
 
 bool IsRun(const std::string& stem) {
-  return !stem.empty() && stem != "NONE";
+  return IsPlainName(stem) && stem != "NONE";
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <utility>
 
 #include "analysis/calibration_form.h"
 #include "core/command.h"
@@ -11,6 +12,7 @@
 #include "core/ormel.h"
 #include "core/project.h"
 #include "core/result_items.h"
+#include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/area_runs.h"
@@ -30,6 +32,7 @@
 #include "store/database.h"
 #include "store/schema.h"
 #include "store/store_error.h"
+#include "store/view.h"
 #include "text/files.h"
 
 namespace ormel {
@@ -53,6 +56,13 @@ std::string FolderOf(const std::string& path) {
 bool AskOverwrite(Ormel& ormel, const std::string& path) {
   return AskOkCancel(ormel, "File Exists", path + " already exists -- should I overwrite it?",
                      Icon::kWarning);
+}
+
+/// Tells why a project cannot have that name.
+bool RefuseName(Ormel& ormel, const std::string& path, std::string_view title) {
+  const std::string fault = FaultOfProjectName(path);
+  if (!fault.empty()) Inform(ormel, title, fault, Icon::kWarning);
+  return !fault.empty();
 }
 
 /// The file of another program's open project must not vanish under it.
@@ -110,7 +120,7 @@ void ResetSolution(Ormel& ormel) {
 void LoadProject(Ormel& ormel, const std::string& path, bool isNew) {
   if (isNew) ShowNewProjectSettings(ormel);
   RepairBasePath(ormel);
-  TakeBackInterruptedRun(ormel);
+  if (!Viewing(ormel)) TakeBackInterruptedRun(ormel);
   Extents maps;
   const bool has_maps = LoadBaseMaps(ormel, maps);
   LoadDataControls(ormel);
@@ -154,6 +164,7 @@ std::optional<std::string> AskForProject(Ormel& ormel) {
 void ShowTitle(Ormel& ormel) {
   std::string title = kProgramTitle;
   if (ormel.project.ProjectOpen) title += " - " + FileTitle(ormel.project.DBName);
+  if (ormel.project.ProjectOpen && Viewing(ormel)) title += " (view only)";
   ormel.ui().SetCaption(title);
 }
 
@@ -175,9 +186,10 @@ void FileOpenProject(Ormel& ormel, const std::string& path, bool isNew) {
   ormel.layers.Switch(Layer::kWhpas, false);
   ormel.layers.Switch(Layer::kHaze, false);
   EnableMouse(ormel);
-  if (!TestProjectFile(ormel, chosen)) return;
+  bool view = false;
+  if (!TestProjectFile(ormel, chosen, &view)) return;
   DisableMouse(ormel);
-  if (!OpenConnection(ormel, chosen)) return EnableMouse(ormel);
+  if (!OpenConnection(ormel, chosen, &view)) return EnableMouse(ormel);
   // Only now: the folder of a file that was refused gets no memory of directories.
   WriteDefaultDirectory(ormel, kOpenProjectPathKey, FolderOf(chosen));
   try {
@@ -202,6 +214,7 @@ void FileNewProject(Ormel& ormel) {
   const std::optional<std::string> answer = ormel.ui().Ask(dialog);
   if (!answer || answer->empty()) return;
   const std::string path = FullPath(ormel, *answer);
+  if (RefuseName(ormel, path, "Create New Project Database")) return;
   if (FileExists(path) && !AskOverwrite(ormel, path))
     return Inform(ormel, kProgramTitle, "New file creation aborted");
   FileCloseProject(ormel);
@@ -234,14 +247,24 @@ void FileSaveAs(Ormel& ormel) {
     return Inform(ormel, "Save As",
                   target + "\nis the open project itself.  Please choose another name for the duplicate.",
                   Icon::kWarning);
+  if (RefuseName(ormel, target, "Save As")) return;
   if (FileExists(target)) {
     if (!AskOverwrite(ormel, target)) return;
     if (!IsFreeToReplace(ormel, target)) return;
   }
+  std::string image;
+  if (Viewing(ormel)) {
+    CommitSoFar(ormel);
+    image = ImageOf(ormel.db());
+    ViewEdited(ormel) = false;
+  }
   FileCloseProject(ormel);
   std::string failure;
   try {
-    DuplicateProject(source, target);
+    if (image.empty())
+      DuplicateProject(source, target);
+    else
+      DuplicateImage(image, target);
   } catch (const std::exception& e) {
     failure = e.what();
   }
@@ -259,8 +282,18 @@ void EnableProjectCommands(Ormel& ormel, bool on) {
   ormel.menus.Enable("SimpleWHPAMenu", on);
 }
 
+void OfferToKeepView(Ormel& ormel) {
+  if (!std::exchange(ViewEdited(ormel), false)) return;
+  if (AskYesNo(
+          ormel, "View Only",
+          "The project was open for viewing, and its changes are only in memory.\nKeep them in a duplicate?",
+          Icon::kQuestion))
+    FileSaveAs(ormel);
+}
+
 void FileCloseProject(Ormel& ormel) {
   const Named named(ormel, "FileCloseProject");
+  OfferToKeepView(ormel);
   MenuState& menus = ormel.menus;
   ormel.view().ElemTurnOffSelection();
   CloseAll(ormel);
@@ -285,7 +318,7 @@ void CloseAll(Ormel& ormel) {
     ormel.project.ProjectOpen = false;
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   }
-  if (ormel.project.db != nullptr && ormel.project.db->IsOpen()) DeleteOutdatedRuns(ormel);
+  if (ormel.project.db != nullptr && ormel.project.db->IsOpen() && !Viewing(ormel)) DeleteOutdatedRuns(ormel);
   DetachProject(ormel);
   ResetSolution(ormel);
   ormel.view().ClearMouseMode();

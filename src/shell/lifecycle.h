@@ -22,6 +22,8 @@ void FileOpenProject(Ormel& ormel, const std::string& path, bool isNew = false);
 void FileSaveAs(Ormel& ormel);
 
 /// Closes the open project: selection, layers, menus, title.  Harmless when none is open.
+/// The changes of a project that is open for viewing are lost with it: asks whether to keep them elsewhere.
+void OfferToKeepView(Ormel& ormel);
 void FileCloseProject(Ormel& ormel);
 
 /// Closes recordsets and connection, wipes the map and resets menus, toolbar and title.

@@ -11,6 +11,7 @@
 #include "core/ormel.h"
 #include "core/processes.h"
 #include "core/project.h"
+#include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "solver/extents.h"
@@ -18,6 +19,7 @@
 #include "store/database.h"
 #include "store/schema.h"
 #include "store/store_error.h"
+#include "store/view.h"
 #include "text/files.h"
 
 namespace ormel {
@@ -29,16 +31,40 @@ constexpr const char* kCannotOpen = "Can't open database";
 /// The version of a project from before versions were stored.
 constexpr std::int64_t kFirstVersion = 100;
 
-bool TestReadOnly(Ormel& ormel, const std::string& path) {
+constexpr const char* kOffer = "Open it for viewing only?";
+
+bool TestReadOnly(Ormel& ormel, const std::string& path, bool* view) {
   if (!IsReadOnly(path)) return true;
-  Inform(ormel, "File is Read-only!",
-         Lines({"Could not open project. The specified project database",
-                "is read-only. You must disable the read-only attribute of",
-                "the project file before before opening this project."}));
-  return false;
+  constexpr const char* kTitle = "File is Read-only!";
+  const std::string text = Lines({"Could not open project. The specified project database",
+                                  "is read-only. You must disable the read-only attribute of",
+                                  "the project file before before opening this project."});
+  if (view == nullptr) {
+    Inform(ormel, kTitle, text);
+    return false;
+  }
+  *view = AskYesNo(ormel, kTitle, Lines({text, "", kOffer}), Icon::kQuestion);
+  return *view;
+}
+
+/// Tells why the store refuses the file.  True when it can be viewed all the same and the user wants that.
+bool OfferView(Ormel& ormel, const StoreError& refusal, bool* view) {
+  const bool viewable =
+      refusal.code() == StoreErrorCode::kInUse || refusal.code() == StoreErrorCode::kReadOnly;
+  if (view == nullptr || *view || !viewable) {
+    Inform(ormel, kCannotOpen, refusal.what(), Icon::kStop);
+    return false;
+  }
+  *view = AskYesNo(ormel, kCannotOpen, Lines({refusal.what(), "", kOffer}), Icon::kQuestion);
+  return *view;
 }
 
 bool OfferNewDatabase(Ormel& ormel, const std::string& path) {
+  if (const std::string fault = FaultOfProjectName(path); !fault.empty()) {
+    Inform(ormel, "No Such File", path + "\nThe specified project database does not exist.  " + fault,
+           Icon::kWarning);
+    return false;
+  }
   if (!AskYesNo(ormel, "No Such File",
                 "The specified project database does not exist.  Create a new database?", Icon::kQuestion))
     return false;
@@ -57,15 +83,16 @@ bool OfferNewDatabase(Ormel& ormel, const std::string& path) {
 }
 
 /// Nothing when the file cannot be read as a project; the user has been told.
-std::optional<std::int64_t> ReadVersion(Ormel& ormel, const std::string& path) {
+std::optional<std::int64_t> ReadVersion(Ormel& ormel, const std::string& path, bool* view) {
+  const bool viewing = view != nullptr && *view;
   try {
-    Database db = Database::Open(path, OpenMode::kReadOnly);
+    Database db = Database::Open(path, viewing ? OpenMode::kView : OpenMode::kReadOnly);
     if (!db.HasField("Project", "ProjectVersion")) return kFirstVersion;
     return db.Scalar("select ProjectVersion from Project;").AsLong();
   } catch (const StoreError& e) {
-    Inform(ormel, kCannotOpen, e.what(), Icon::kStop);
-    return std::nullopt;
+    if (!OfferView(ormel, e, view)) return std::nullopt;
   }
+  return ReadVersion(ormel, path, view);
 }
 
 bool TestVersion(Ormel& ormel, std::int64_t version) {
@@ -156,25 +183,25 @@ bool IsReadOnly(const std::string& path) {
   return (attributes.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0 || access(path.c_str(), W_OK) != 0;
 }
 
-bool TestProjectFile(Ormel& ormel, const std::string& path) {
-  if (!TestReadOnly(ormel, path)) return false;
+bool TestProjectFile(Ormel& ormel, const std::string& path, bool* view) {
+  if (!TestReadOnly(ormel, path, view)) return false;
   if (!FileExists(path) && !OfferNewDatabase(ormel, path)) return false;
-  return TestProjectVersion(ormel, path);
+  return TestProjectVersion(ormel, path, view);
 }
 
-bool TestProjectVersion(Ormel& ormel, const std::string& path) {
-  const std::optional<std::int64_t> version = ReadVersion(ormel, path);
+bool TestProjectVersion(Ormel& ormel, const std::string& path, bool* view) {
+  const std::optional<std::int64_t> version = ReadVersion(ormel, path, view);
   return version && TestVersion(ormel, *version);
 }
 
-bool OpenConnection(Ormel& ormel, const std::string& path) {
+bool OpenConnection(Ormel& ormel, const std::string& path, bool* view) {
   try {
-    AttachProject(ormel, path);
+    AttachProject(ormel, path, view != nullptr && *view);
     return true;
   } catch (const StoreError& e) {
-    Inform(ormel, kCannotOpen, e.what(), Icon::kStop);
-    return false;
+    if (!OfferView(ormel, e, view)) return false;
   }
+  return OpenConnection(ormel, path, view);
 }
 
 void RepairBasePath(Ormel& ormel) {

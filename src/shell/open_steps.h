@@ -17,13 +17,16 @@ bool IsReadOnly(const std::string& path);
 
 /// The tests before a project is opened for writing, each with its box: read-only, existence (with the offer
 /// to make the project), version.  The file is looked at through a short read-only connection.
-bool TestProjectFile(Ormel& ormel, const std::string& path);
+/// With `view`, a project that cannot be written is offered for viewing only; true there when the user
+/// agrees.
+bool TestProjectFile(Ormel& ormel, const std::string& path, bool* view = nullptr);
 
 /// The last of these tests alone, for a file that is only looked at.
-bool TestProjectVersion(Ormel& ormel, const std::string& path);
+bool TestProjectVersion(Ormel& ormel, const std::string& path, bool* view = nullptr);
 
 /// Opens the one connection; a refusal by the store becomes a box.
-bool OpenConnection(Ormel& ormel, const std::string& path);
+/// `view` as above; it is set already when the tests have found that the project can only be viewed.
+bool OpenConnection(Ormel& ormel, const std::string& path, bool* view = nullptr);
 
 /// Offers to set the folder of the intermediate files to the project's own.
 void RepairBasePath(Ormel& ormel);

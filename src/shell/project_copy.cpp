@@ -15,6 +15,7 @@
 #include "store/database.h"
 #include "store/schema.h"
 #include "text/files.h"
+#include "text/names.h"
 
 namespace ormel {
 namespace {
@@ -63,7 +64,7 @@ class File {
 /// Removes a temporary file unless it has got its name.
 class TemporaryName {
  public:
-  explicit TemporaryName(std::string path) : path_(std::move(path)) { std::remove(path_.c_str()); }
+  explicit TemporaryName(std::string path) : path_(std::move(path)) {}
   TemporaryName(const TemporaryName&) = delete;
   TemporaryName& operator=(const TemporaryName&) = delete;
   ~TemporaryName() {
@@ -87,22 +88,35 @@ void CopyBytes(const std::string& source, const std::string& target) {
   out.Finish();
 }
 
-}  // namespace
-
-void DuplicateProject(const std::string& source, const std::string& target) {
-  TemporaryName copy(target + ".copy");
-  CopyBytes(source, copy.path());
-  {
-    Database db = Database::Open(copy.path());
-    db.Execute("update Project set OrmelBaseName=?",
-               {FreeStem(GetPathFromFile(target), std::filesystem::path(target).stem().string())});
-    db.Close();
-  }
+/// Gives the finished copy a stem of its own and then its name.
+void FinishCopy(TemporaryName& copy, const std::string& target) {
+  Database db = Database::Open(copy.path());
+  db.Execute("update Project set OrmelBaseName=?",
+             {FreeStem(GetPathFromFile(target), std::filesystem::path(target).stem().string())});
+  db.Close();
   copy.BecomeThe(target);
 }
 
+}  // namespace
+
+void DuplicateProject(const std::string& source, const std::string& target) {
+  TemporaryName copy(TemporaryBeside(target, ".copy"));
+  CopyBytes(source, copy.path());
+  FinishCopy(copy, target);
+}
+
+void DuplicateImage(const std::string& image, const std::string& target) {
+  TemporaryName copy(TemporaryBeside(target, ".copy"));
+  {
+    File out(copy.path(), O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH);
+    out.Write(image.data(), image.size());
+    out.Finish();
+  }
+  FinishCopy(copy, target);
+}
+
 void MakeProjectFile(const std::string& path, const NewDatabaseOptions& options) {
-  TemporaryName fresh(path + ".new");
+  TemporaryName fresh(TemporaryBeside(path, ".new"));
   DBNewDatabase(fresh.path(), options);
   fresh.BecomeThe(path);
 }

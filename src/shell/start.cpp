@@ -98,6 +98,7 @@ void Form_Unload(Ormel& ormel, const std::optional<Placement>& placement) {
       // The project must be closed all the same.
       Inform(ormel, "Settings", e.what(), Icon::kWarning);
     }
+    OfferToKeepView(ormel);
     CloseAll(ormel);
   });
 }

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "text/files.h"
+#include "text/names.h"
 
 namespace ormel {
 namespace {
@@ -32,11 +33,19 @@ void RemoveTolerantly(const std::string& path) {
   std::filesystem::remove(path, failure);
 }
 
+/// Also where a run has left an empty folder in the file's place, which no renaming replaces.
+void MoveBack(const std::string& path) {
+  std::error_code failure;
+  if (std::filesystem::is_directory(path, failure)) RemoveTolerantly(path);
+  MoveTolerantly(Companion(path), path);
+}
+
 }  // namespace
 
 void KeptFiles::Keep(const std::string& journal, const std::vector<RunFile>& files) {
   std::vector<Kept> kept;
   kept.reserve(files.size());
+  RemoveLink(journal);
   TextFileWriter out(journal);
   out.Line(kHeading);
   for (const RunFile& file : files) {
@@ -54,8 +63,8 @@ void KeptFiles::Keep(const std::string& journal, const std::vector<RunFile>& fil
       continue;
     }
     std::error_code failure;
-    std::filesystem::copy_file(file.path, Companion(file.path),
-                               std::filesystem::copy_options::overwrite_existing, failure);
+    RemoveTolerantly(Companion(file.path));  // also a link, which the copy would follow
+    std::filesystem::copy_file(file.path, Companion(file.path), failure);
     if (failure) RemoveTolerantly(Companion(file.path));
   }
 }
@@ -84,7 +93,7 @@ void KeptFiles::Restore(bool cancelled) noexcept {
     if (keep_new)
       RemoveTolerantly(Companion(kept.path));
     else if (FileExists(Companion(kept.path)))
-      MoveTolerantly(Companion(kept.path), kept.path);
+      MoveBack(kept.path);
     else if (!kept.existed)
       RemoveTolerantly(kept.path);
   }

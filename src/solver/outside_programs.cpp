@@ -28,9 +28,17 @@ void ShowProgress(Ormel& ormel, std::string_view line) {
 
 std::string ReadFatalText(const std::string& path) {
   std::string text = "Ormel Encountered a fatal error: \n\n";
+  // A box holds no more, and whoever wrote the file may have written without end.
+  constexpr std::size_t kMost = 8000;
+  constexpr std::string_view kCut = "... (more in the message log)\n";
   LineReader lines(path);
   std::string line;
-  while (lines.Next(line)) text += line + "\n";
+  try {
+    while (text.size() < kMost && lines.Next(line)) text += line.substr(0, kMost) + "\n";
+  } catch (const FileError& e) {
+    text += e.what();
+  }
+  if (text.size() > kMost) text = text.substr(0, kMost).append("\n").append(kCut);
   return text;
 }
 

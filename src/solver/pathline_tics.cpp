@@ -6,9 +6,12 @@
 
 #include "core/layers.h"
 #include "core/ormel.h"
+#include "core/project.h"
+#include "core/run_files.h"
 #include "core/status.h"
 #include "solver/result_files.h"
 #include "text/files.h"
+#include "text/names.h"
 #include "text/numbers.h"
 
 namespace ormel {
@@ -50,7 +53,9 @@ std::string TicText(const std::vector<Tic>& tics, bool with_multiple) {
 
 /// A scratch file that nobody reads back: written without waiting for the disk.
 void WriteTicFile(Ormel& ormel, const char* name, const std::string& text) {
+  if (Viewing(ormel)) return;
   const std::string file = JoinPath(ormel.project.OrmelBasePath, name);
+  RemoveLink(file);
   std::ofstream out(file, std::ios::binary | std::ios::trunc);
   out << text;
   if (!out.flush()) Note(ormel, "Cannot write " + file);

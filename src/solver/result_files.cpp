@@ -100,6 +100,7 @@ std::shared_ptr<const T> ResultFiles::Get(Ormel& ormel, Cache<T>& cache, const s
   ++reads_;
   const ReadOutcome damage = read(ormel, file, *data);
   if (damage && damage->kind == FileDamage::Kind::kMissing) return nullptr;
+  if (damage) faults_.push_back(damage->Message());
   if (damage && damage->kind == FileDamage::Kind::kUnreadable) {
     Note(ormel, damage->Message());
     return nullptr;
@@ -120,6 +121,7 @@ std::shared_ptr<const ContourSet> ResultFiles::Contours(Ormel& ormel, const std:
 void ResultFiles::Clear() {
   paths_.clear();
   contours_.clear();
+  faults_.clear();
 }
 
 ResultFiles& ResultFilesOf(Ormel& ormel) {

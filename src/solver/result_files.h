@@ -43,6 +43,8 @@ class ResultFiles {
   std::shared_ptr<const PathSet> Paths(Ormel& ormel, const std::string& file);
   std::shared_ptr<const ContourSet> Contours(Ormel& ormel, const std::string& file);
   void Clear();
+  /// What could not be read as a whole so far: a picture of it is not the picture of the results.
+  const std::vector<std::string>& faults() const { return faults_; }
   /// Files read from the disk so far.
   long reads() const { return reads_; }
 
@@ -67,6 +69,7 @@ class ResultFiles {
 
   Cache<PathSet> paths_;
   Cache<ContourSet> contours_;
+  std::vector<std::string> faults_;
   long reads_ = 0;
 };
 

@@ -299,10 +299,11 @@ std::string FaultOf(const LoadReport& report, const std::string& error_log) {
   if (report.unknown > 0)
     return std::to_string(report.unknown) + " of its records name no element of this project, the first \"" +
            report.unknown_label + "\"";
+  constexpr std::size_t kMostOfLog = 1U << 24U;
   std::string log;
   if (!report.unanswered.empty() && FileExists(error_log)) {
     LineReader lines(error_log);
-    for (std::string line; lines.Next(line);) log += line + "\n";
+    for (std::string line; log.size() < kMostOfLog && lines.Next(line);) log += line + "\n";
   }
   std::vector<std::string> missing;
   for (const std::string& label : report.unanswered) {

@@ -13,6 +13,7 @@
 
 #include "core/command.h"
 #include "core/ormel.h"
+#include "core/project.h"
 #include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
@@ -72,8 +73,7 @@ void ClearTemporaryFiles(const Ormel& ormel, const std::vector<RunFile>& files) 
   for (std::filesystem::directory_iterator entry(ormel.project.OrmelBasePath, failure);
        !failure && entry != end; entry.increment(failure)) {
     const std::string name = entry->path().filename().string();
-    for (const std::string& stem :
-         {ormel.project.OrmelBaseName, std::string("REGRID"), std::string("_INSPECT"), std::string("_TRACE")})
+    for (const std::string& stem : stems)
       if (IsTemporaryOf(name, stem)) found.push_back(entry->path());
   }
   for (const std::filesystem::path& path : found) std::filesystem::remove(path, failure);
@@ -105,6 +105,7 @@ class Run {
 
  private:
   RunEnd Steps() {
+    RemoveWorkLinks(ormel_, BaseName(plan_.deck));
     if (!plan_.files.empty()) kept_.Keep(JournalOf(ormel_), plan_.files);
     for (const std::string& path : plan_.scratch) DeleteTolerantly(path);
     for (const char* name : {"VADOX1.INI", "VADOX.OPS"}) DeleteTolerantly(ModelFile(ormel_, name));
@@ -168,6 +169,14 @@ class Run {
 }  // namespace
 
 RunOutcome RunBy(Ormel& ormel, const RunPlan& plan) {
+  if (Viewing(ormel)) {
+    Inform(
+        ormel, kProgramTitle,
+        "The project is open for viewing only: a run would replace the model files of who works on it.  Make "
+        "a duplicate of it first.",
+        Icon::kWarning);
+    return {RunEnd::kGivenUp, {}};
+  }
   return Run(ormel, plan).Go();
 }
 

@@ -18,6 +18,7 @@
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/files.h"
+#include "text/names.h"
 #include "text/numbers.h"
 #include "text/strings.h"
 
@@ -226,6 +227,7 @@ void WriteSolveStamp(Ormel& ormel) {
   if (FileExists(StemFile(ormel, ".SOL"))) stamp.files.push_back(FileLine(ormel, ".SOL"));
   for (const std::string_view extension : FilesOfRun(ReadWanted(ormel)))
     stamp.files.push_back(FileLine(ormel, extension));
+  RemoveLink(StemFile(ormel, kStampExtension));
   TextFileWriter out(StemFile(ormel, kStampExtension));
   for (const std::string& line : LinesOf(stamp)) out.Line(line);
   out.Commit();

@@ -57,6 +57,15 @@ sqlite3* Connection::handle() const {
   return handle_;
 }
 
+std::string Connection::Image() const {
+  sqlite3_int64 size = 0;
+  unsigned char* bytes = sqlite3_serialize(handle(), "main", &size, 0);
+  if (bytes == nullptr) throw MakeStoreError(handle_, SQLITE_NOMEM, path_, "");
+  std::string image(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size));
+  sqlite3_free(bytes);
+  return image;
+}
+
 void Connection::Close() {
   if (handle_ == nullptr) return;
   int code = SQLITE_OK;

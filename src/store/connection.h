@@ -102,6 +102,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void Close();
   const std::string& path() const { return path_; }
   bool read_only() const { return read_only_; }
+  /// A copy in memory; see OpenMode::kView.
+  bool viewing() const { return viewing_; }
+  void SetViewing() { viewing_ = true; }
+  std::string Image() const;
 
   /// Statements in SQLite's own dialect, without rows.
   std::int64_t Run(std::string_view native_sql);
@@ -146,6 +150,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   sqlite3* handle_;
   std::string path_;
   bool read_only_;
+  bool viewing_ = false;
   int depth_ = 0;
   std::uint64_t change_count_ = 0;
   std::uint64_t clock_ = 0;
@@ -158,6 +163,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
 /// Opens a project file after looking at it; see Database::Open.
 std::shared_ptr<Connection> OpenProjectFile(const std::string& path, bool read_only);
+std::shared_ptr<Connection> OpenProjectView(const std::string& path);
 std::shared_ptr<Connection> CreateProjectFile(const std::string& path);
 
 }  // namespace ormel

@@ -6,6 +6,7 @@
 #include "store/connection.h"
 #include "store/dialect.h"
 #include "store/select.h"
+#include "store/view.h"
 
 namespace ormel {
 
@@ -40,6 +41,7 @@ void NoteEffect(Connection& connection, const std::string& sql) {
 Database::Database(std::shared_ptr<Connection> connection) : connection_(std::move(connection)) {}
 
 Database Database::Open(const std::string& path, OpenMode mode) {
+  if (mode == OpenMode::kView) return Database(OpenProjectView(path));
   return Database(OpenProjectFile(path, mode == OpenMode::kReadOnly));
 }
 
@@ -53,6 +55,14 @@ bool Database::IsOpen() const {
 
 void Database::Close() {
   if (connection_) connection_->Close();
+}
+
+bool IsView(const Database& database) {
+  return database.connection() && database.connection()->viewing();
+}
+
+std::string ImageOf(const Database& database) {
+  return Opened(database.connection()).Image();
 }
 
 const std::string& Database::path() const {

@@ -22,7 +22,11 @@ namespace ormel {
 class Connection;
 struct TableInfo;
 
-enum class OpenMode { kReadWrite, kReadOnly };
+enum class OpenMode {
+  kReadWrite,
+  kReadOnly,
+  kView,  ///< a copy in memory (store/view.h)
+};
 
 class Database {
  public:

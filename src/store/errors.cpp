@@ -31,7 +31,9 @@ constexpr std::array kCases{
          "is damaged. Keep the file, and go on with a copy of it from before the damage."},
     Case{SQLITE_NOTADB, StoreErrorCode::kNotAProject, "is not a project database."},
     Case{SQLITE_CANTOPEN, StoreErrorCode::kBadPath,
-         "could not be opened. Check the path and the rights to its folder."},
+         "could not be opened, or its journal not be made. Check the path, the rights to its folder, and "
+         "that the "
+         "disk has room."},
     Case{SQLITE_NOMEM, StoreErrorCode::kOther, "could not be read because memory ran out."},
 };
 
@@ -66,11 +68,28 @@ StoreError StatementError(std::string_view message, std::string_view sql) {
   return {StoreErrorCode::kSyntax, "The statement cannot be run: " + std::string(message) + "." + statement};
 }
 
+int SystemError(sqlite3* handle) {
+  return handle == nullptr ? 0 : sqlite3_system_errno(handle);
+}
+
+bool OutOfRoom(int error) {
+  return error == ENOSPC || error == EDQUOT || error == EFBIG;
+}
+
 StoreError InputOutputError(sqlite3* handle, int code, const std::string& path) {
-  const int error = handle == nullptr ? 0 : sqlite3_system_errno(handle);
+  const int error = SystemError(handle);
+  // The last steps of a commit: the rows are written, and only the disk's word for it is missing.
+  if (code == SQLITE_IOERR_FSYNC || code == SQLITE_IOERR_DIR_FSYNC || code == SQLITE_IOERR_DELETE ||
+      code == SQLITE_IOERR_TRUNCATE || code == SQLITE_IOERR_CLOSE) {
+    return {
+        StoreErrorCode::kOther,
+        Quoted(path) +
+            "may or may not have kept the last change: the disk did not confirm it. Check the disk, close "
+            "the project, open it again and look; what was saved before is kept."};
+  }
   // A write that fails means, nearly always, that a disk, a quota or a size limit is used up; by the time we
   // are told, the system's own reason may have been replaced by that of a later call.
-  if (code == SQLITE_IOERR_WRITE || error == ENOSPC || error == EDQUOT || error == EFBIG) {
+  if (code == SQLITE_IOERR_WRITE || OutOfRoom(error)) {
     return {StoreErrorCode::kDiskFull, Quoted(path) + kCases[1].text};
   }
   const std::string reason = error == 0 ? "" : " (" + std::generic_category().message(error) + ")";
@@ -112,7 +131,9 @@ StoreError MakeStoreError(sqlite3* handle, int code, const std::string& path, st
   const std::string message = handle == nullptr ? sqlite3_errstr(code) : sqlite3_errmsg(handle);
   const int primary = code & 0xFF;
   if (primary == SQLITE_CONSTRAINT) return ConstraintError(message);
-  if (primary == SQLITE_IOERR) return InputOutputError(handle, code, path);
+  // A journal that finds no room cannot be opened.
+  if (primary == SQLITE_IOERR || (primary == SQLITE_CANTOPEN && OutOfRoom(SystemError(handle))))
+    return InputOutputError(handle, code, path);
   if (primary == SQLITE_MISMATCH) {
     return {StoreErrorCode::kWrongType, "A value has the wrong type for its field: " + std::string(sql)};
   }

@@ -12,6 +12,7 @@
 #include "store/connection.h"
 #include "store/schema.h"
 #include "text/files.h"
+#include "text/names.h"
 
 namespace ormel {
 
@@ -20,10 +21,7 @@ namespace {
 /// A name for the file while it is being made; removed unless Keep() gives it its own.
 class UnfinishedFile {
  public:
-  explicit UnfinishedFile(const std::string& path)
-      : path_(path), temporary_(path + "." + std::to_string(::getpid()) + ".new") {
-    Remove();  // left by a program of the same number that was stopped
-  }
+  explicit UnfinishedFile(const std::string& path) : path_(path), temporary_(TemporaryBeside(path, ".new")) {}
   UnfinishedFile(const UnfinishedFile&) = delete;
   UnfinishedFile& operator=(const UnfinishedFile&) = delete;
   ~UnfinishedFile() {

@@ -6,9 +6,15 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
+#include <sstream>
 #include <system_error>
+#include <thread>
 
 #include "store/connection.h"
 #include "store/errors.h"
@@ -157,6 +163,33 @@ void Run(sqlite3* handle, const char* sql, const std::string& path) {
   if (code != SQLITE_OK) throw MakeStoreError(handle, code, path, sql);
 }
 
+/// "ormel (process 4711)": who has the file open; empty when nobody can be named.  From the system's list:
+/// opening the file for the question would drop the locks that this program may hold on it.
+std::string HolderOf(const std::string& path) {
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) return {};
+  std::ifstream locks("/proc/locks");
+  const std::string inode = ":" + std::to_string(info.st_ino) + " ";
+  for (std::string line; std::getline(locks, line);) {
+    if (line.find(inode) == std::string::npos) continue;
+    std::istringstream words(line);  // "1: POSIX  ADVISORY  WRITE 4711 08:01:1234 0 EOF"
+    std::string skipped;
+    std::string process;
+    words >> skipped >> skipped >> skipped >> skipped >> process;
+    std::ifstream in("/proc/" + process + "/comm");
+    std::string name;
+    if (std::getline(in, name)) return name + " (process " + process + ")";
+  }
+  return {};
+}
+
+[[noreturn]] void RefuseInUse(const std::string& path) {
+  const std::string holder = HolderOf(path);
+  Refuse(StoreErrorCode::kInUse, path,
+         "is open in " + (holder.empty() ? std::string("another program") : holder) +
+             ". Close it there and try again.");
+}
+
 /// Takes the file for this program, which also undoes a command that a crash cut off.
 void Lock(sqlite3* handle, const std::string& path) {
   Run(handle, "PRAGMA locking_mode=EXCLUSIVE", path);
@@ -213,6 +246,29 @@ void CheckPages(Connection& connection) {
   }
 }
 
+/// What would run, or stand between the program and its rows, without the program having made it.
+void CheckForeignObjects(Connection& connection) {
+  PreparedStatement query(connection.shared_from_this(),
+                          "select type, name from sqlite_master where type in ('trigger','view') "
+                          "or (type='table' and lower(substr(sql,1,14))='create virtual')");
+  if (!query.Step()) return;
+  const std::string type(query.ColumnText(0));
+  Refuse(
+      StoreErrorCode::kNotAProject, connection.path(),
+      "holds the " + std::string(type == "table" ? "virtual table" : type) + " \"" +
+          std::string(query.ColumnText(1)) +
+          "\", which Ormel did not make and which could change the model unseen. Remove it with a database "
+          "tool, or go on with a copy from before.");
+}
+
+void CheckContent(Connection& connection) {
+  CheckForeignObjects(connection);
+  CheckPages(connection);
+  if (connection.HasTable("Project") && connection.HasTable("Model")) return;
+  Refuse(StoreErrorCode::kNotAProject, connection.path(),
+         "has no tables of a project. Choose a file made by Ormel.");
+}
+
 /// The steps of OpenProjectFile on a file that can be reached.
 std::shared_ptr<Connection> OpenChecked(const std::string& path, bool read_only) {
   Handle handle = OpenHandle(path, read_only ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE);
@@ -230,10 +286,68 @@ std::shared_ptr<Connection> OpenChecked(const std::string& path, bool read_only)
   if (!read_only) Run(handle.get(), "PRAGMA journal_mode=DELETE", path);
   auto connection = std::make_shared<Connection>(handle.get(), path, read_only);
   handle.release();  // NOLINT(bugprone-unused-return-value): the connection owns it now
-  CheckPages(*connection);
-  if (!connection->HasTable("Project") || !connection->HasTable("Model")) {
-    Refuse(StoreErrorCode::kNotAProject, path, "has no tables of a project. Choose a file made by Ormel.");
+  CheckContent(*connection);
+  return connection;
+}
+
+/// `open` with every failure in the words for a file.
+template <class Open>
+std::shared_ptr<Connection> Guarded(const std::string& path, const Open& open) {
+  try {
+    return open();
+  } catch (const StoreError& error) {
+    // None of the statements of opening is wrong by itself: the file does not answer them as a project does.
+    if (error.code() == StoreErrorCode::kInUse) RefuseInUse(path);
+    if (error.code() != StoreErrorCode::kSyntax) throw;
+    Refuse(StoreErrorCode::kDamaged, path,
+           std::string("is damaged (") + error.what() +
+               "). Keep the file, and go on with a copy of it from before the damage.");
   }
+}
+
+/// A command of another program is on its way: its journal is in force.
+bool JournalInForce(const std::string& path) {
+  std::ifstream journal(path + "-journal", std::ios::binary);
+  char first = 0;
+  return journal.get(first) && first != 0;
+}
+
+/// The file's bytes between two commands of a program that has it open.  Read beside SQLite: this program
+/// holds no lock on the file that could be lost by that.
+std::string ReadBetweenCommands(const std::string& path) {
+  constexpr int kTries = 40;
+  constexpr std::chrono::milliseconds kPause{50};
+  for (int i = 0; i < kTries; ++i) {
+    std::error_code error;
+    const auto before = std::filesystem::last_write_time(path, error);
+    if (!JournalInForce(path)) {
+      std::ifstream in(path, std::ios::binary);
+      std::string bytes{std::istreambuf_iterator<char>(in), {}};
+      if (in && !JournalInForce(path) && std::filesystem::last_write_time(path, error) == before)
+        return bytes;
+    }
+    std::this_thread::sleep_for(kPause);
+  }
+  Refuse(StoreErrorCode::kInUse, path, "is just being changed by another program. Try again.");
+}
+
+std::shared_ptr<Connection> ViewOf(const std::string& path) {
+  const std::string bytes = ReadBetweenCommands(path);
+  Handle handle = OpenHandle(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  auto* copy = static_cast<unsigned char*>(sqlite3_malloc64(bytes.size() + 1));
+  if (copy == nullptr) throw MakeStoreError(nullptr, SQLITE_NOMEM, path, "");
+  std::memcpy(copy, bytes.data(), bytes.size());
+  const auto size = static_cast<sqlite3_int64>(bytes.size());
+  const int code = sqlite3_deserialize(handle.get(), "main", copy, size, size,
+                                       SQLITE_DESERIALIZE_FREEONCLOSE | SQLITE_DESERIALIZE_RESIZEABLE);
+  if (code != SQLITE_OK) throw MakeStoreError(handle.get(), code, path, "");
+  const Header header(handle.get());
+  CheckHeader(header, path);
+  CheckSize(header, path);
+  auto connection = std::make_shared<Connection>(handle.get(), path, false);
+  handle.release();  // NOLINT(bugprone-unused-return-value): the connection owns it now
+  connection->SetViewing();
+  CheckContent(*connection);
   return connection;
 }
 
@@ -242,15 +356,19 @@ std::shared_ptr<Connection> OpenChecked(const std::string& path, bool read_only)
 std::shared_ptr<Connection> OpenProjectFile(const std::string& given_path, bool read_only) {
   const std::string path = AbsolutePath(given_path);
   CheckPath(path);
+  return Guarded(path, [&] { return OpenChecked(path, read_only); });
+}
+
+std::shared_ptr<Connection> OpenProjectView(const std::string& given_path) {
+  const std::string path = AbsolutePath(given_path);
+  CheckPath(path);
   try {
-    return OpenChecked(path, read_only);
+    // Undoes what a crash cut off, and tells what is no project.
+    Guarded(path, [&] { return OpenChecked(path, true); })->Close();
   } catch (const StoreError& error) {
-    // None of the statements of opening is wrong by itself: the file does not answer them as a project does.
-    if (error.code() != StoreErrorCode::kSyntax) throw;
-    Refuse(StoreErrorCode::kDamaged, path,
-           std::string("is damaged (") + error.what() +
-               "). Keep the file, and go on with a copy of it from before the damage.");
+    if (error.code() != StoreErrorCode::kInUse) throw;
   }
+  return Guarded(path, [&] { return ViewOf(path); });
 }
 
 std::shared_ptr<Connection> CreateProjectFile(const std::string& given_path) {

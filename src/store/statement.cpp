@@ -72,6 +72,13 @@ Value BooleanFor(const ColumnInfo& column, const Value& value) {
 Value TextFor(const ColumnInfo& column, const Value& value) {
   std::string text = value.AsText();
   if (text.find('\0') != std::string::npos) ThrowWrongType(column, "the text holds a zero byte.");
+  for (const char c : text) {
+    const auto code = static_cast<unsigned char>(c);
+    // Drawings and decks of other programs break at them; a text of several lines is one.
+    if ((code < 0x20 && c != '\t' && c != '\n' && c != '\r') || code == 0x7F)
+      ThrowWrongType(column, "the text holds a control character (number " + std::to_string(code) +
+                                 "). Type the text again without it.");
+  }
   return ToUtf8(text);
 }
 

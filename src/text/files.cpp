@@ -10,6 +10,8 @@
 #include <filesystem>
 #include <utility>
 
+#include "text/names.h"
+
 namespace ormel {
 
 namespace {
@@ -20,6 +22,13 @@ std::string Reason(int error) {
 
 std::string Message(const std::string& file, const std::string& reason, std::size_t line) {
   return file + (line > 0 ? ", line " + std::to_string(line) : "") + ": " + reason;
+}
+
+[[noreturn]] void Fail(const std::string& file, const std::string& did_not, int error) {
+  if (error == ENOSPC || error == EDQUOT || error == EFBIG)
+    throw DiskFullError(file,
+                        did_not + ": the disk is full or takes no more. Free some space and do it again.");
+  throw FileError(file, did_not + ": " + Reason(error));
 }
 
 class Descriptor {
@@ -66,7 +75,7 @@ FileError::FileError(std::string file, std::string reason, std::size_t line)
 
 bool FileExists(const std::string& path) {
   struct stat info {};
-  return ::stat(path.c_str(), &info) == 0 && !S_ISDIR(info.st_mode);
+  return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);  // nor is a pipe or a device one
 }
 
 std::string GetPathFromFile(std::string_view path) {
@@ -97,8 +106,12 @@ struct LineReader::File {
 };
 
 LineReader::LineReader(const std::string& path) : path_(path), file_(std::make_unique<File>()) {
-  file_->handle.Reset(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  // Without waiting: a pipe that nobody writes would be waited for, and a device may never end.
+  file_->handle.Reset(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (file_->handle.get() < 0) throw FileError(path_, "cannot be opened for reading: " + Reason(errno));
+  struct stat info {};
+  if (::fstat(file_->handle.get(), &info) == 0 && (S_ISFIFO(info.st_mode) || S_ISCHR(info.st_mode)))
+    throw FileError(path_, "cannot be read: it is a pipe or a device and no plain file");
 }
 
 LineReader::~LineReader() = default;
@@ -157,18 +170,21 @@ TextFileWriter::TextFileWriter(const std::string& path) : path_(path), file_(std
   if (::access(file.target.c_str(), F_OK) == 0) {
     std::error_code ignored;
     if (std::filesystem::is_directory(file.target, ignored)) throw FileError(path_, "is a folder.");
+    // Its name would be given to a plain file.
+    if (!std::filesystem::is_regular_file(file.target, ignored))
+      throw FileError(path_, "cannot be written: it is a pipe or a device and no plain file");
     if (::access(file.target.c_str(), W_OK) != 0)
       throw FileError(path_, "cannot be written: " + Reason(errno));
   }
   for (int i = 0; i < kTries && file.handle.get() < 0; ++i) {
-    file.temporary = file.target + "." + std::to_string(::getpid()) + "-" + std::to_string(i) + ".tmp";
+    file.temporary = TemporaryBeside(file.target, ".tmp");
     file.handle.Reset(::open(file.temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     if (file.handle.get() < 0 && errno != EEXIST) break;
   }
   if (file.handle.get() < 0) {
     const int error = errno;
     file.temporary.clear();
-    throw FileError(path_, "cannot be created: " + Reason(error));
+    Fail(path_, "cannot be created", error);
   }
 }
 
@@ -201,7 +217,7 @@ void TextFileWriter::Flush() {
   while (!rest.empty()) {
     const ssize_t count = ::write(file_->handle.get(), rest.data(), rest.size());
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) throw FileError(path_, "cannot be written: " + Reason(errno));
+    if (count < 0) Fail(path_, "cannot be written", errno);
     rest.remove_prefix(static_cast<std::size_t>(count));
   }
   file_->buffer.clear();
@@ -214,10 +230,10 @@ void TextFileWriter::Commit() {
   struct stat info {};
   if (::stat(file.target.c_str(), &info) == 0) ::fchmod(file.handle.get(), info.st_mode & 07777);
   if (::fsync(file.handle.get()) != 0 || !file.handle.Close()) {
-    throw FileError(path_, "cannot be written: " + Reason(errno));
+    Fail(path_, "cannot be written", errno);
   }
   if (::rename(file.temporary.c_str(), file.target.c_str()) != 0) {
-    throw FileError(path_, "cannot be put in place: " + Reason(errno));
+    Fail(path_, "cannot be put in place", errno);
   }
   SyncFolder(file.target);
   file_.reset();

@@ -3,6 +3,8 @@
 
 #include <filesystem>
 
+#include "core/changes.h"
+#include "core/command.h"
 #include "lifecycle_fixture.h"
 #include "shell/open_steps.h"
 
@@ -38,6 +40,7 @@ TEST_P(OpenRefusal, SaysWhyAndLeavesTheFileAsItWas) {
   const std::string path = Make("town.orm");
   FileOpenProject(ormel, Make("present.orm"));
   GetParam().spoil(path);
+  ui.AnswerTo("File is Read-only!", {Answer::kNo});
   const std::string bytes = ReadAll(path);
   FileOpenProject(ormel, path);
   EXPECT_EQ(ui.LastTitle(), GetParam().title);
@@ -53,6 +56,33 @@ INSTANTIATE_TEST_SUITE_P(Files, OpenRefusal, ::testing::ValuesIn(kRefusals), [](
   std::erase_if(name, [](char c) { return c == '-' || c == ' '; });
   return name;
 });
+
+TEST_F(LifecycleTest, AReadOnlyProjectIsViewedAndItsChangesAreKeptInADuplicate) {
+  const std::string path = Make("town.orm");
+  chmod(path.c_str(), 0444);
+  const std::string bytes = ReadAll(path);
+  ui.AnswerTo("File is Read-only!", {Answer::kYes});
+  ormel.changes.tables = {"Wells"};
+  struct Nobody : ChangeListener {
+    void CommandEnded(const ChangeRecord&) override {}
+  } listener;
+  ormel.changes.Subscribe(listener);
+  FileOpenProject(ormel, path);
+  ASSERT_TRUE(IsOpen());
+  EXPECT_EQ(ui.caption, "Ormel - town.orm (view only)");
+  const std::size_t boxes = ui.boxes.size();
+  for (int i = 0; i < 2; ++i)
+    RunCommand(ormel, "ElemAddWell",
+               [&] { ormel.db().Execute("insert into Wells (VID,Label) values (?,'w')", {i + 1}); });
+  EXPECT_EQ(ui.boxes.size(), boxes + 1) << "told once";
+  EXPECT_NE(ui.LastText().find("kept only by Make Duplicate Database"), std::string::npos);
+  ui.AnswerTo("View Only", {Answer::kYes});
+  ui.ChooseFile(dir / "copy.orm");
+  FileCloseProject(ormel);
+  EXPECT_EQ(ReadAll(path), bytes);
+  EXPECT_EQ(Ask(dir / "copy.orm", "select count(*) from Wells"), "2");
+  ormel.changes.Unsubscribe(listener);
+}
 
 TEST_F(LifecycleTest, OlderProjectIsAskedForAndLeftAsItIs) {
   const std::string path = Make("town.orm");
@@ -70,6 +100,7 @@ TEST_F(LifecycleTest, OlderProjectIsAskedForAndLeftAsItIs) {
 TEST_F(LifecycleTest, ProjectThatAnotherProgramHasOpenIsRefused) {
   const std::string path = Make("town.orm");
   const Database other = Database::Open(path);
+  ui.AnswerTo("Can't open database", {Answer::kNo});
   FileOpenProject(ormel, path);
   EXPECT_FALSE(IsOpen());
   EXPECT_EQ(ui.LastTitle(), "Can't open database");

@@ -43,6 +43,41 @@ TEST_F(LifecycleTest, AnOlderInputFileBecomesAProjectWithItsTitle) {
   EXPECT_FALSE(IsOpen());
 }
 
+TEST_F(LifecycleTest, NamesThatASolveWouldWriteOverAreRefused) {
+  ASSERT_NO_FATAL_FAILURE(FileOpenProject(ormel, Make("town.orm")));
+  std::ofstream(dir / "p.DAT") << "a deck";
+  for (const char* name : {"p.DAT", "error.log", "town.xtr", "Ormel.def", " lead.orm", "trail.orm ",
+                           ".hidden.orm", "tab\t.orm", "line\n.orm"}) {
+    for (const auto& act : {FileNewProject, FileSaveAs}) {
+      const std::size_t boxes = ui.boxes.size();
+      ui.ChooseFile(dir / name);
+      act(ormel);
+      ASSERT_EQ(ui.boxes.size(), boxes + 1) << name;
+      EXPECT_NE(ui.LastText().find("Choose a"), std::string::npos) << ui.LastText();
+      EXPECT_TRUE(IsOpen()) << name;
+    }
+  }
+  ui.ChooseFile(dir / (std::string(600, 'x') + ".orm"));
+  FileSaveAs(ormel);
+  EXPECT_NE(ui.LastText().find("at most 512"), std::string::npos) << ui.LastText();
+  EXPECT_EQ(ReadAll(dir / "p.DAT"), "a deck");
+}
+
+TEST_F(LifecycleTest, NamesThatLeadOutOfTheModelFolderAreMended) {
+  fs::create_directory(dir / "victim");
+  std::ofstream(dir / "victim/thesis.XTR") << "years of work";
+  fs::create_directory(dir / "model");
+  const std::string path = Make("model/town.orm");
+  Run(path, "update Project set OrmelBaseName='../victim/thesis', OrmelBasePath='.'");
+  FileOpenProject(ormel, path);
+  ASSERT_TRUE(IsOpen());
+  EXPECT_NE(ui.boxes[0].text.find("../victim/thesis"), std::string::npos) << ui.boxes[0].text;
+  EXPECT_EQ(ormel.project.OrmelBaseName, "town");
+  FileCloseProject(ormel);
+  EXPECT_EQ(Ask(path, "select OrmelBaseName from Project"), "town");
+  EXPECT_EQ(ReadAll(dir / "victim/thesis.XTR"), "years of work");
+}
+
 TEST_F(LifecycleTest, NewProjectHoldsTheAnswersOfTheWizardAndIsOpen) {
   ui.ChooseFile(dir / "plan.v2.orm");
   ui.OnForm("NewDatabaseWizard", [](Form& form) {

@@ -58,6 +58,20 @@ TEST(Open, TellsWhatIsNoProject) {
   ExpectRefused(folder / "bare.orm", StoreErrorCode::kNotAProject, "newer version");
 }
 
+TEST(Open, RefusesWhatWouldRunInsideAProject) {
+  const char* const statements[] = {
+      "create trigger helpful after update on Model begin update Project set OrmelBaseName='../x'; end",
+      "create view Aquifers as select * from Model",
+      "create virtual table Words using fts5(a)",
+  };
+  for (const char* statement : statements) {
+    ProjectFixture project;
+    project.db.Close();
+    ASSERT_EQ(std::system(("sqlite3 '" + project.path + "' \"" + statement + "\"").c_str()), 0);
+    ExpectRefused(project.path, StoreErrorCode::kNotAProject, "which Ormel did not make");
+  }
+}
+
 TEST(Open, LeavesAProjectAsItIs) {
   ProjectFixture project;
   project.AddVertices(10);

@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "new_project.h"
+#include "store/view.h"
 
 namespace ormel {
 namespace {
@@ -197,7 +198,7 @@ TEST(Transaction, ASecondProgramIsToldSo) {
       std::string message;
       const bool told =
           FailureOf([&] { Database::Open(project.path, mode); }, &message) == StoreErrorCode::kInUse;
-      return told && message.find("open in another program") != std::string::npos ? 0 : 1;
+      return told && message.find("is open in test_store (process ") != std::string::npos ? 0 : 1;
     });
     EXPECT_EQ(StatusOf(child), 0);
   }
@@ -207,7 +208,21 @@ TEST(Transaction, ASecondProgramIsToldSo) {
               return FailureOf([&] { Database::Open(project.path); }) == StoreErrorCode::kInUse ? 0 : 1;
             })),
             0);
+  // For viewing, another program gets what has been committed, and its changes reach no file.
   AddCommand(project.db);
+  EXPECT_EQ(StatusOf(Start([&] {
+              Database view = Database::Open(project.path, OpenMode::kView);
+              const std::int64_t before = view.RowCount("Vertices");
+              AddCommand(view);
+              const std::string copy = project.folder / "copy.orm";
+              test::WriteAll(copy, ImageOf(view));
+              return before == kRowsPerCommand &&
+                             Database::Open(copy).RowCount("Vertices") == 2 * kRowsPerCommand
+                         ? 0
+                         : 1;
+            })),
+            0);
+  EXPECT_EQ(project.db.RowCount("Vertices"), kRowsPerCommand);
   project.db.Close();
   const Database first = Database::Open(project.path, OpenMode::kReadOnly);
   const Database second = Database::Open(project.path, OpenMode::kReadOnly);

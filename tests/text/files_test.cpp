@@ -3,12 +3,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
 #include <vector>
 
 #include "support/temp_dir.h"
+#include "text/csv.h"
+#include "text/names.h"
 
 namespace ormel {
 namespace {
@@ -40,6 +44,52 @@ TEST(Paths, AreTakenApart) {
   EXPECT_TRUE(FileExists(folder / "here"));
   EXPECT_FALSE(FileExists(folder / "there"));
   EXPECT_FALSE(FileExists(folder.path().string()));
+}
+
+TEST(Paths, PlainNamesStayInTheirFolder) {
+  for (const char* name : {"town", "town 2", "-x", "a.b", "..x", "Gem\u00e4 \"q\" 'a'"})
+    EXPECT_TRUE(IsPlainName(name)) << name;
+  for (const char* name : {"", ".", "..", "../victim/thesis", "/etc/x", "a/b", "a\nb", "a\tb", "\x7f"})
+    EXPECT_FALSE(IsPlainName(name)) << name;
+  const TempDir folder;
+  EXPECT_NE(TemporaryBeside(folder / "x", ".tmp"), TemporaryBeside(folder / "x", ".tmp"));
+}
+
+TEST(Files, APipeIsNeitherReadNorReplaced) {
+  const TempDir folder;
+  const std::string pipe = folder / "pipe.XTR";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0666), 0);
+  EXPECT_FALSE(FileExists(pipe));
+  EXPECT_THROW(LineReader{pipe}, FileError);  // not waited for
+  EXPECT_THROW(LineReader{"/dev/zero"}, FileError);
+  EXPECT_THROW(TextFileWriter{pipe}, FileError);
+  EXPECT_TRUE(std::filesystem::is_fifo(pipe));
+}
+
+TEST(Files, ALinkInThePlaceOfAWorkFileGoes) {
+  const TempDir folder;
+  const std::string thesis = folder / "thesis";
+  const std::string link = folder / "Ormel.def";
+  WriteAll(thesis, "years of work");
+  std::filesystem::create_symlink(thesis, link);
+  RemoveLink(link);
+  RemoveLink(thesis);
+  EXPECT_FALSE(std::filesystem::is_symlink(link));
+  EXPECT_EQ(ReadAll(thesis), "years of work");
+}
+
+TEST(Csv, NoTextIsAFormula) {
+  for (const auto& [text, field] : {std::pair{"=1+2", "'=1+2"},
+                                    {"@x", "'@x"},
+                                    {"-x", "'-x"},
+                                    {" +x", "' +x"},
+                                    {"-5.5", "-5.5"},
+                                    {"+1e3", "+1e3"},
+                                    {"-inf", "-inf"},
+                                    {"a=b", "a=b"},
+                                    {"", ""},
+                                    {"=a,\"b\"", "\"'=a,\"\"b\"\"\""}})
+    EXPECT_EQ(CsvField(text), field);
 }
 
 TEST(LineReader, TakesEveryLineEnd) {

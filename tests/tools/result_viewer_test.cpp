@@ -19,7 +19,7 @@ namespace {
 /// Keeps the document.
 struct PrintingPublisher : Publisher {
   std::string ChartPng(const Chart&, const PictureShape&) override { return {}; }
-  std::string MapPng(const PictureShape&) override { return {}; }
+  std::string MapPng(const PictureShape&, const std::optional<MapRect>&) override { return {}; }
   std::string SaveChart(const Chart&, const std::string&) override { return {}; }
   std::string SavePdf(const std::string& text, const PageStyle&, const std::string& to,
                       const std::function<bool(double)>&) override {

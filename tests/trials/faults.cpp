@@ -198,7 +198,8 @@ int open(const char* path, int flags, ...) {
   va_start(more, flags);
   const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(more, mode_t) : 0;
   va_end(more);
-  return Plain(TheFaults().Step("open", path, (flags & O_CREAT) != 0), [&] { return next(path, flags, mode); });
+  return Plain(TheFaults().Step("open", path, (flags & O_CREAT) != 0),
+               [&] { return next(path, flags, mode); });
 }
 
 int open64(const char* path, int flags, ...) {
@@ -207,7 +208,8 @@ int open64(const char* path, int flags, ...) {
   va_start(more, flags);
   const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(more, mode_t) : 0;
   va_end(more);
-  return Plain(TheFaults().Step("open", path, (flags & O_CREAT) != 0), [&] { return next(path, flags, mode); });
+  return Plain(TheFaults().Step("open", path, (flags & O_CREAT) != 0),
+               [&] { return next(path, flags, mode); });
 }
 
 }  // extern "C"

@@ -27,6 +27,9 @@ TEST_F(OrmelcmdTest, RefusesWithACodeAndASentence) {
       {{"solve", "none.orm"}, 1, "--answer \"No Such File=Yes\""},
       {{"add", "well", "none.orm", "--at", "1,1", "--label", "x"}, 1, "ormelcmd new"},
       {{"new", "town.orm"}, 1, "--answer \"File Exists=OK\""},
+      {{"new", "p.DAT"}, 1, "which would replace the project"},
+      {{"new", "error.log", "--portable"}, 1, "which would replace the project"},
+      {{"add", "well", "town.orm", "--at", "9,9", "--label", "bell\a"}, 1, "control character (number 7)"},
       {{"set", "town.orm", "Model.AQPorosity=2"}, 1, "Porosity must be greater than 0"},
       {{"set", "town.orm", "Model.AQBase=abc"}, 1, "is not a number"},
       {{"set", "town.orm", "Wells.Head=1"}, 1, "only fields of Model and Project"},
@@ -106,6 +109,30 @@ TEST_F(OrmelcmdTest, MovedProjectAsksOnceForItsFolder) {
   Do({"window", "elsewhere/free.orm", "--extents"});
 }
 
+TEST_F(OrmelcmdTest, AReadOnlyProjectIsLookedAtAndNotChanged) {
+  MakeTown();
+  fs::permissions(dir / "town.orm", fs::perms::owner_read);
+  const std::string before = ReadAll(dir / "town.orm");
+  Do({"render", "town.orm", "map.svg", "--no-results"});
+  Do({"whpa", "list", "town.orm"});
+  for (const std::vector<std::string>& change :
+       {std::vector<std::string>{"add", "well", "town.orm", "--at", "9,9", "--label", "x"},
+        {"solve", "town.orm"},
+        {"window", "town.orm", "--extents"}}) {
+    const Outcome refused = Run(change);
+    EXPECT_EQ(refused.code, 1) << change[0];
+    EXPECT_NE(refused.err.find("read-only"), std::string::npos) << refused.err;
+  }
+  EXPECT_EQ(ReadAll(dir / "town.orm"), before);
+}
+
+TEST_F(OrmelcmdTest, TablesHoldNoFormula) {
+  MakeTown();
+  Do({"add", "well", "town.orm", "--at", "9,9", "--label", "=1+2", "--rate", "-5", "--radius", "0.1"});
+  EXPECT_NE(Do({"sql", "town.orm", "select Label,Pump from Wells", "--csv"}).find("\n'=1+2,"),
+            std::string::npos);
+}
+
 /// The program with another solver beside it.
 struct OtherSolverTest : OrmelcmdTest {
   OtherSolverTest() {
@@ -143,6 +170,29 @@ TEST_F(OtherSolverTest, InterruptEndsTheSolverAndLeavesEverythingAsItWas) {
   EXPECT_NE(outcome.err.find("cancelled"), std::string::npos) << outcome.err;
   EXPECT_TRUE(fs::exists(dir / "interrupted"));
   EXPECT_EQ(Do({"results", "town.orm"}), wells);
+  // A cancelled solve keeps nothing, its number of iterations neither.
+  fs::remove(dir / "running");
+  const std::string iterations = "select SOLVERIterations from Model";
+  const std::string setting = Do({"sql", "town.orm", iterations});
+  EXPECT_EQ(
+      Run({"solve", "town.orm", "--iterations", "9"}, [this] { return fs::exists(dir / "running"); }).code,
+      1);
+  EXPECT_EQ(Do({"sql", "town.orm", iterations}), setting);
+}
+
+TEST_F(OtherSolverTest, WhatTheSolverLeavesOutIsTold) {
+  fs::copy_file(std::string(ORMEL_BIN_DIR) + "/VADOX1.EXE", dir / "bin/REAL.EXE");
+  fs::copy_file(std::string(ORMEL_BIN_DIR) + "/CONTOUR.EXE", dir / "bin/CONTOUR.EXE");
+  const std::string vid = Do({"sql", "town.orm", "select VID from Wells", "--csv"}).substr(4);
+  std::string label = "WL_000000";
+  label.replace(label.size() - (vid.size() - 1), vid.size() - 1, vid.substr(0, vid.size() - 1));
+  PutSolver("\"$(dirname $0)/REAL.EXE\" \"$@\"; echo '" + label +
+            " (line 7): has no screen: it is left out' >ERROR.LOG");
+  const Outcome solved = Run({"solve", "town.orm"});
+  EXPECT_EQ(solved.code, 0) << solved.err;
+  EXPECT_NE(solved.err.find("O'Brien, north (" + label + ") (line 7): has no screen: it is left out"),
+            std::string::npos)
+      << solved.err;
 }
 
 }  // namespace
