@@ -8,7 +8,6 @@
 #include "core/ormel.h"
 #include "core/user_interface.h"
 #include "model/digitize.h"
-#include "model/validity.h"
 #include "model/vertices.h"
 #include "store/recordset.h"
 
@@ -109,8 +108,7 @@ void ElemAddLinesinkString(Ormel& ormel) {
 }
 
 void ElemAddLinesinkVertex(Ormel& ormel, bool /*first*/) {
-  RunEdit(ormel, "ElemAddLinesinkVertex",
-          [&] { AddDigitizedVertex(ormel, Element::kLinesink, LastClick(ormel)); });
+  RunEdit(ormel, "ElemAddLinesinkVertex", [&] { AddDigitizedVertex(ormel, LastClick(ormel)); });
 }
 
 void ElemEndLinesinkString(Ormel& ormel) {
@@ -134,7 +132,6 @@ void ElemEndLinesinkString(Ormel& ormel) {
         strings.Update();
       }
     }
-    InvalidateSolution(ormel, true, true);
     ormel.view().TurnOnMenus();
   });
 }
