@@ -124,6 +124,11 @@ struct Program {
     DoOne();
     if (ormel.mouse.MouseMode == MouseMode::kDigitize || ormel.solution.OfOlderModel) return;
     if (!ormel.solution.ValidSolution || FingerprintOf(ormel).solution == solved) return;
+    // The dialog of a domain decides by what was touched in it, and drops a head that says nothing.
+    if (document.UndoName() == "Change Inhomogeneity") {
+      ormel.solution.ValidSolution = false;
+      return;
+    }
     user.failures +=
         "a model that has changed kept its solution unasked, behind " + document.UndoName() + "\n";
     ormel.solution.ValidSolution = false;
