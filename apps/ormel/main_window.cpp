@@ -1,5 +1,6 @@
 #include "ormel/main_window.h"
 
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -198,6 +199,10 @@ void MainWindow::FilePrintSetup() {
 
 void MainWindow::FilePrint() {
   output_->Print();
+}
+
+std::string MainWindow::ClipboardText() {
+  return QGuiApplication::clipboard()->text().toStdString();
 }
 
 void MainWindow::CopyImage() {

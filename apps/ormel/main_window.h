@@ -43,6 +43,7 @@ class MainWindow : public QMainWindow, public WindowCommands {
   void FilePrintSetup() override;
   void FilePrint() override;
   void CopyImage() override;
+  std::string ClipboardText() override;
   void SaveMapAs() override;
   void ShowReleaseNotes() override;
 

@@ -67,12 +67,9 @@ MapWidget::MapWidget(Ormel& ormel, QWidget* parent) : QWidget(parent), ormel_(or
   setFocusPolicy(Qt::StrongFocus);
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMinimumSize(160, 120);
-  for (QTimer* timer : {&fit_timer_, &wheel_timer_, &paint_timer_}) timer->setSingleShot(true);
+  for (QTimer* timer : {&fit_timer_, &wheel_timer_}) timer->setSingleShot(true);
   connect(&fit_timer_, &QTimer::timeout, this, &MapWidget::Fit);
   connect(&wheel_timer_, &QTimer::timeout, this, &MapWidget::ApplyWheel);
-  connect(&paint_timer_, &QTimer::timeout, this, [this] {
-    if (Ready()) Run("Redraw", [this] { view_->BeforePaint(); });
-  });
 }
 
 MapWidget::~MapWidget() = default;
@@ -117,7 +114,6 @@ void MapWidget::EndPicture() {
 void MapWidget::Update() {
   ShowCursor();
   update();
-  if (!paint_timer_.isActive()) paint_timer_.start(0);
 }
 
 void MapWidget::ShowCursor() {

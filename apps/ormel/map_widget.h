@@ -79,7 +79,7 @@ class MapWidget : public QWidget, public MapSurface {
   QImage spare_;  ///< the picture before: new memory for each redraw costs as much as a layer
   std::unique_ptr<PictureInWork> in_work_;
   QTransform preview_;  ///< of the picture, until the map is drawn anew [logical pixels]
-  QTimer fit_timer_, wheel_timer_, paint_timer_;
+  QTimer fit_timer_, wheel_timer_;
   double wheel_factor_ = 1.0;
   QPointF wheel_at_;
   QPointF drag_from_;

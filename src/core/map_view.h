@@ -33,12 +33,9 @@ class MapView {
 
   /// The one way to a redraw and to a change of the window.
   virtual void ZoomActions(Zoom code, const MapRect& rect = {}) = 0;
-  /// Draws one element over the picture, by the identity of its vertex (a point) or polygon (a string).
-  virtual void DrawElement(Element element, Vid vid, Pid pid, DrawMode mode) = 0;
-  /// A well that has no row yet.
-  virtual void DrawWell(MapPoint at, double setback, double radius, DrawMode mode) = 0;
-  /// A test point or particle that has no row yet.
-  virtual void DrawPoint(Element /*element*/, MapPoint /*at*/, DrawMode /*mode*/) {}
+  /// Marks the place of an element that has no row yet, until the command ends, or the line that begins
+  /// there.
+  virtual void ShowPlace(Element element, MapPoint at) = 0;
   /// The lines of `solution.traced_lines` over the picture; the next redraw takes them into it.
   virtual void DrawTracedLines() {}
   virtual void ElemTurnOffSelection() = 0;
@@ -47,6 +44,8 @@ class MapView {
   virtual void TurnOnMenus() = 0;
   virtual void SetUpToolbar() = 0;
   virtual void SetUpLayers() = 0;
+  /// The picture as the project is within a command, before a question or a dialog.  At a command's end the
+  /// map follows by itself: no procedure draws what it has changed.
   virtual void Refresh() = 0;
   /// The union of the base maps that are shown; nothing when none is.
   virtual std::optional<Extents> ShownMapExtents() { return std::nullopt; }

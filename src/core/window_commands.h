@@ -2,6 +2,8 @@
 // window has none, and their menu items are disabled there.
 #pragma once
 
+#include <string>
+
 namespace ormel {
 
 class WindowCommands {
@@ -14,6 +16,8 @@ class WindowCommands {
   virtual void FilePrint() = 0;
   virtual void CopyImage() = 0;
   virtual void SaveMapAs() = 0;
+  /// The text on the clipboard; empty when there is none.
+  virtual std::string ClipboardText() { return {}; }
   /// Opens a text file of the program's folder, such as the release notes.
   virtual void ShowReleaseNotes() = 0;
 };

@@ -50,7 +50,7 @@ void Document::CommandEnded(const ChangeRecord& record) {
 
 ChangeRecord Document::Apply(const std::vector<RowChange>& rows, bool back) {
   ChangeRecord record;
-  record.command = back ? "Undo" : "Redo";
+  record.command = back ? kUndoRecord : kRedoRecord;
   try {
     ApplyRows(ormel_, rows, back);
     record.rows = ormel_.db().TakeChanges();

@@ -5,8 +5,10 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "core/changes.h"
+#include "document/elements.h"
 #include "document/history.h"
 #include "document/hit_index.h"
 
@@ -41,6 +43,12 @@ class Document final : public ChangeListener {
 
   /// The nearest vertex, whatever its distance.
   HitIndex::Hit NearestVertex(MapPoint at) { return hits_.Nearest(ormel_, at); }
+
+  /// All elements that are selected, each once, in the order of ElementId.  One alone is the controller's
+  /// `selection` as well, which knows its vertex; with several that one is empty.
+  std::vector<ElementId> selected;
+  /// Within the running command it has been decided whether the solution stays.
+  bool solution_decided = false;
 
   const History& history() const { return history_; }
   void CommandEnded(const ChangeRecord& record) override;

@@ -13,8 +13,10 @@ namespace ormel {
 
 void HitIndex::Read(Ormel& ormel) {
   const std::uint64_t changes = ormel.db().change_count();
-  if (read_ && connection_ == ormel.project.connections && changes_ == changes) return;
-  within_a_command_ = read_ && changes_ != changes;
+  // Within a command its changes may have been undone since: a rollback counts as no change.
+  const bool same = read_ && connection_ == ormel.project.connections && changes_ == changes;
+  if (same && !within_a_command_) return;
+  within_a_command_ = within_a_command_ || (read_ && changes_ != changes);
   std::vector<Place> places;
   RowReader rows(ormel.db(), "select X,VID,Y from Vertices order by X,VID");
   while (rows.Next()) places.push_back({rows.Double(0), rows.Long(1), rows.Double(2)});

@@ -33,7 +33,8 @@ struct ElementKind {
   std::string_view name, plural;
   Spoils place = Spoils::kNothing;  ///< what is not true any more when it is moved, added or deleted
   EditCaptions captions;
-  std::string_view moving;  ///< activity while one is moved
+  std::string_view moving;    ///< activity while one is moved
+  bool unique_label = false;  ///< no two elements of the kind have the same label
 
   bool Polygon() const { return shape == Shape::kString || shape == Shape::kRing; }
 };

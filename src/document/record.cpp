@@ -4,6 +4,7 @@
 #include <map>
 
 #include "core/ormel.h"
+#include "document/elements.h"
 #include "document/kinds.h"
 #include "store/database.h"
 #include "text/strings.h"
@@ -37,6 +38,41 @@ std::vector<Touched> TouchedBy(std::span<const RowChange> rows) {
     touched.push_back(std::move(one));
   }
   return touched;
+}
+
+namespace {
+
+bool OfImageWell(Ormel& ormel, const RowChange& change) {
+  if (EqualNoCase(change.table, "Vertices")) return IsImageWell(ormel, {Element::kWell, change.row});
+  if (!EqualNoCase(change.table, "Wells")) return false;
+  const auto image = [&](bool before) {
+    return StartsWithNoCase(change.Field("Label", before).AsText(), "Mirror_");
+  };
+  return (!change.before || image(true)) && (!change.after || image(false));
+}
+
+bool PlaceSpoils(Ormel& ormel, const RowChange& change, const Touched& touched, Spoils what) {
+  const bool moved = std::any_of(touched.fields.begin(), touched.fields.end(),
+                                 [](const std::string& field) { return !EqualNoCase(field, "Seq"); });
+  if (!moved) return false;
+  // Of an element that is gone with its vertices its own row tells.
+  const ElementKind* kind = FindKind(OwnerOf(ormel, change.row, change.Field("PID", !change.after).AsLong()));
+  return kind != nullptr && kind->place == what;
+}
+
+}  // namespace
+
+bool AnySpoils(Ormel& ormel, std::span<const RowChange> rows, Spoils what) {
+  return std::any_of(rows.begin(), rows.end(), [&](const RowChange& change) {
+    const std::vector<Touched> touched = TouchedBy({&change, 1});
+    const bool spoils =
+        std::any_of(touched[0].fields.begin(), touched[0].fields.end(), [&](const std::string& field) {
+          const Spoils spoiled = RoleOf(change.table, field).spoils;
+          return spoiled == what ||
+                 (spoiled == Spoils::kByOwner && PlaceSpoils(ormel, change, touched[0], what));
+        });
+    return spoils && !OfImageWell(ormel, change);
+  });
 }
 
 std::vector<RowChange> UndoneRows(std::vector<RowChange> rows) {

@@ -13,6 +13,14 @@ namespace ormel {
 
 struct Ormel;
 
+/// Records of these names are told within a command that takes a step of the history; its own is still to
+/// come.
+inline constexpr const char* kUndoRecord = "Undo";
+inline constexpr const char* kRedoRecord = "Redo";
+inline bool IsStep(const ChangeRecord& record) {
+  return record.command == kUndoRecord || record.command == kRedoRecord;
+}
+
 /// What happened to one row.
 struct Touched {
   std::string table;
@@ -24,6 +32,11 @@ struct Touched {
 };
 
 std::vector<Touched> TouchedBy(std::span<const RowChange> rows);
+
+/// Something of `what` is not true any more: a field of that role has another content, or an element whose
+/// place counts has come, gone or moved.  Image wells follow their sources and do not count; nor do the
+/// numbers that order the vertices of a string.
+bool AnySpoils(Ormel& ormel, std::span<const RowChange> rows, Spoils what);
 
 /// Without the rows, and within a row that stayed without regard to the fields, that an undo leaves alone.
 std::vector<RowChange> UndoneRows(std::vector<RowChange> rows);

@@ -7,9 +7,9 @@
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/user_interface.h"
+#include "document/elements.h"
 #include "model/crossing.h"
 #include "model/digitize.h"
-#include "model/validity.h"
 #include "model/vertices.h"
 #include "store/database.h"
 #include "store/recordset.h"
@@ -146,8 +146,7 @@ void ElemAddNoFlowString(Ormel& ormel) {
 
 void ElemAddNoFlowVertex(Ormel& ormel, bool /*first*/) {
   RunEdit(ormel, "ElemAddNoFlowVertex", [&] {
-    if (RefuseCrossingVertex(ormel, LastClick(ormel))) return;
-    AddDigitizedVertex(ormel, Element::kBarrier, LastClick(ormel));
+    if (!RefuseCrossingVertex(ormel, LastClick(ormel))) AddDigitizedVertex(ormel, LastClick(ormel));
   });
 }
 
@@ -155,14 +154,7 @@ void ElemEndNoFlowString(Ormel& ormel) {
   RunEdit(ormel, "ElemEndNoFlowString", [&] {
     if (RefuseCrossingEnd(ormel, Element::kBarrier)) return;
     const Pid pid = EndDigitizing(ormel);
-    if (ElemCheckPhantomNoFlowVertices(ormel, pid)) {
-      ormel.db().Execute("delete from NoFlowStrings where PID=?", {pid});
-    } else {
-      InvalidateSolution(ormel, true, true);
-      BarrierRow row;
-      if (FindBarrier(ormel, pid, row) && row.Closed != BarrierClosed::kOpen)
-        ormel.view().DrawElement(Element::kBarrier, -1, pid, DrawMode::kNormal);
-    }
+    if (ElemCheckPhantomNoFlowVertices(ormel, pid)) RemoveElement(ormel, {Element::kBarrier, pid});
     ormel.view().TurnOnMenus();
   });
 }

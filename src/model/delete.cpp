@@ -3,7 +3,6 @@
 #include <array>
 
 #include "core/command.h"
-#include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
@@ -11,6 +10,8 @@
 #include "model/image_wells.h"
 #include "model/move.h"
 #include "model/observations.h"
+#include "model/selection.h"
+#include "model/several.h"
 #include "model/uniform_flow.h"
 #include "model/validity.h"
 #include "model/vertices.h"
@@ -31,17 +32,10 @@ constexpr std::array kControls{
     ControlSpec{
         .name = "Cancel", .kind = ControlKind::kButton, .caption = "Cancel", .role = ButtonRole::kReject}};
 
-void Erase(Ormel& ormel, const Selection& selected) {
-  ormel.view().DrawElement(selected.SelectedType, selected.vid, selected.pid, DrawMode::kErase);
-}
-
 /// The selection is gone: no element, select status.
 void NothingSelected(Ormel& ormel) {
-  ormel.view().ElemTurnOffSelection();
-  ormel.selection.SelectedType = Element::kNone;
+  ClearSelection(ormel);
   SelectStatus(ormel);
-  ormel.view().SetUpToolbar();
-  ormel.view().Refresh();
 }
 
 bool Confirmed(Ormel& ormel, const char* question) {
@@ -55,7 +49,6 @@ void DeletePointRow(Ormel& ormel, Recordset& rows, Vid vid) {
 
 void DeletePoint(Ormel& ormel, const Selection& selected, Recordset& rows, const char* question) {
   if (!Confirmed(ormel, question)) return;
-  Erase(ormel, selected);
   DeletePointRow(ormel, rows, selected.vid);
   NothingSelected(ormel);
 }
@@ -70,7 +63,6 @@ void DeleteTestPoint(Ormel& ormel, const Selection& selected) {
 
 void DeleteTextLabel(Ormel& ormel, const Selection& selected) {
   if (!Confirmed(ormel, "Delete this label?")) return;
-  Erase(ormel, selected);
   TextLabelRow row;
   if (FindTextLabel(ormel, selected.vid, row)) ormel.project.bound.TextLabels->Delete();
   NothingSelected(ormel);
@@ -84,58 +76,50 @@ void DeleteWell(Ormel& ormel, const Selection& selected) {
                              "A protection area is drawn for this well.  The area, its stream boundary and "
                              "the image of the well go with it.  Delete them all?"))
     return;
-  Erase(ormel, selected);
   if (has_area) RemoveAreasOf(ormel, row.Label);
   DeletePointRow(ormel, *ormel.project.bound.Wells, selected.vid);
   NothingSelected(ormel);
-  if (!IsMirror(row.Label)) InvalidateSolution(ormel, true, true);
 }
 
-void DeleteUniformFlow(Ormel& ormel, const Selection& selected) {
+void DeleteUniformFlow(Ormel& ormel, const Selection& /*selected*/) {
   if (!Confirmed(ormel, "Remove the current uniform flow field?")) {
     Inform(ormel, "Operation canceled", "Uniform flow is still in use");
     return;
   }
-  Erase(ormel, selected);
   RemoveUniformFlow(ormel);
   NothingSelected(ormel);
-  InvalidateSolution(ormel, true, true);
 }
 
-/// A string, domain or line: its question, and what a deletion means for the solution.
+/// A string, domain or line.
 struct PolygonDelete {
   Element element;
   const char* question;
-  bool whole_invalidates, vertex_invalidates;
+  bool whole_invalidates;  ///< although its place would not
   const char* vertex_note;
 };
 constexpr const char* kWholeString = "Delete this vertex or the entire string?";
 constexpr std::array kPolygonDeletes{
-    PolygonDelete{Element::kLinesink, kWholeString, true, true, ""},
-    PolygonDelete{Element::kBarrier, kWholeString, true, true, ""},
-    PolygonDelete{Element::kInhomogeneity, kWholeString, true, true, ""},
-    PolygonDelete{Element::kFluxLine, "Delete this vertex or the flux inspection line?", true, false,
+    PolygonDelete{Element::kLinesink, kWholeString, false, ""},
+    PolygonDelete{Element::kBarrier, kWholeString, false, ""},
+    PolygonDelete{Element::kInhomogeneity, kWholeString, false, ""},
+    PolygonDelete{Element::kFluxLine, "Delete this vertex or the flux inspection line?", true,
                   "To view the change in this flux inspection line, you must re-solve the model"},
-    PolygonDelete{Element::kCapzone, "Delete this vertex or the entire protection area?", false, false, ""},
+    PolygonDelete{Element::kCapzone, "Delete this vertex or the entire protection area?", false, ""},
 };
 
 void DeleteVertexOf(Ormel& ormel, const Selection& selected) {
-  const auto redraw = [&](Pid pid, Vid vid) {
-    DeletePolygonVertex(ormel, pid, vid);
-    ormel.view().DrawElement(selected.SelectedType, -1, pid, DrawMode::kNormal);
-  };
   std::vector<Vid> shared;
   if (selected.SelectedType == Element::kInhomogeneity) shared = SharedCorners(ormel, selected.vid);
   for (const Vid corner : shared) {
     VertexRow row;
-    if (FindVertex(ormel, corner, row)) redraw(row.pid, corner);
+    if (FindVertex(ormel, corner, row)) DeletePolygonVertex(ormel, row.pid, corner);
   }
-  redraw(selected.pid, selected.vid);
+  DeletePolygonVertex(ormel, selected.pid, selected.vid);
   if (VerticesOf(ormel, selected.pid).size() != 1) return;
   if (selected.SelectedType == Element::kLinesink)
     ElemCheckPhantomLinesinkVertices(ormel, selected.pid);
   else if (selected.SelectedType == Element::kBarrier && ElemCheckPhantomNoFlowVertices(ormel, selected.pid))
-    ormel.db().Execute("delete from NoFlowStrings where PID=?", {selected.pid});
+    RemoveElement(ormel, {Element::kBarrier, selected.pid});
 }
 
 void DeletePolygonOrVertex(Ormel& ormel, const Selection& selected, const PolygonDelete& kind) {
@@ -144,14 +128,13 @@ void DeletePolygonOrVertex(Ormel& ormel, const Selection& selected, const Polygo
   if (form.Choice() == DeleteChoice::kNeither) return;
   // The last vertex of an element is the element.
   const bool whole = form.Choice() == DeleteChoice::kWhole || VerticesOf(ormel, selected.pid).size() <= 1;
-  Erase(ormel, selected);
   if (whole)
     DeletePolygonElement(ormel, PolygonTable(kind.element), selected.pid);
   else
     DeleteVertexOf(ormel, selected);
   NothingSelected(ormel);
   if (!whole && *kind.vertex_note != '\0') Inform(ormel, "Please Note", kind.vertex_note);
-  if (whole ? kind.whole_invalidates : kind.vertex_invalidates) InvalidateSolution(ormel, true, true);
+  if (whole && kind.whole_invalidates) InvalidateSolution(ormel, true, true);
 }
 
 struct Deleter {
@@ -190,6 +173,8 @@ void DeletePolygonVertex(Ormel& ormel, Pid pid, Vid vid) {
 void ElemDeleteElements(Ormel& ormel) {
   RunEdit(ormel, "ElemDeleteElements", [&] {
     const Selection selected = ormel.selection;
+    if (selected.SelectedType == Element::kNone && !SelectedElements(ormel).empty())
+      return DeleteSelected(ormel);
     for (const Deleter& deleter : kDeleters)
       if (deleter.element == selected.SelectedType) deleter.remove(ormel, selected);
     for (const PolygonDelete& kind : kPolygonDeletes)

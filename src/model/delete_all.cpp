@@ -3,15 +3,17 @@
 #include <vector>
 
 #include "core/command.h"
-#include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "document/elements.h"
 #include "model/area_runs.h"
 #include "model/delete.h"
 #include "model/digitize.h"
 #include "model/image_wells.h"
+#include "model/observations.h"
+#include "model/selection.h"
 #include "model/validity.h"
 #include "model/vertices.h"
 #include "model/wells.h"
@@ -23,76 +25,65 @@ namespace {
 
 constexpr const char* kTitle = "Delete All";
 
-/// A kind of objects: its question, its rows and the statements that remove them.
+bool IsHydrography(Ormel& ormel, const ElementId& id) {
+  TextLabelRow label;
+  return FindTextLabel(ormel, id.key, label) && label.type == LabelType::kHydrography;
+}
+
+bool IsPermanent(Ormel& ormel, const ElementId& id) {
+  TextLabelRow label;
+  return FindTextLabel(ormel, id.key, label) && label.type == LabelType::kPermanent;
+}
+
+template <bool kHeadSpecified>
+bool IsWell(Ormel& ormel, const ElementId& id) {
+  WellRow well;
+  return FindWell(ormel, id.key, well) && well.HeadSpecified == kHeadSpecified;
+}
+
+/// A kind of objects: its question, and which elements belong to it.
 struct BulkKind {
   DeleteAllItem item;
   const char* question;
   const char* plural;
-  const char* count;
-  std::array<const char*, 2> remove;
-  bool invalidates;
+  Element element;
+  bool (*belongs)(Ormel&, const ElementId&);  ///< null: all of them
+  bool invalidates;                           ///< although its place would not
   const char* wells = nullptr;  ///< condition of the wells that go, and with them their protection areas
 };
 
 constexpr std::array kKinds{
-    BulkKind{DeleteAllItem::kHydrographyLabels,
-             "Delete all hydrography labels from the database?",
-             "Hydrography Labels",
-             "select count(*) from TextLabels where LabelType=1",
-             {"", "delete from TextLabels where LabelType=1"},
-             false},
-    BulkKind{DeleteAllItem::kTestPoints,
-             "Delete all test points from the database?",
-             "Test Points",
-             "select count(*) from TestPoints",
-             {"delete from Vertices where VID in (select VID from TestPoints)", "delete from TestPoints"},
-             true},
+    BulkKind{DeleteAllItem::kHydrographyLabels, "Delete all hydrography labels from the database?",
+             "Hydrography Labels", Element::kTextLabel, IsHydrography, false},
+    BulkKind{DeleteAllItem::kTestPoints, "Delete all test points from the database?", "Test Points",
+             Element::kTestPoint, nullptr, true},
     BulkKind{
         DeleteAllItem::kParticles,
         "Delete all particles from the database?  NOTE: particles associated\nwith wells will be retained.",
-        "Particles",
-        "select count(*) from Particles",
-        {"delete from Vertices where VID in (select VID from Particles)", "delete from Particles"},
-        false},
-    BulkKind{DeleteAllItem::kTextLabels,
-             "Delete all text labels from the database?",
-             "Text Labels",
-             "select count(*) from TextLabels where LabelType=0",
-             {"", "delete from TextLabels where LabelType=0"},
-             false},
-    BulkKind{DeleteAllItem::kDischargeWells,
-             "Delete all discharge specified wells from the database?",
-             "Discharge Specified Wells",
-             "select count(*) from Wells where HeadSpecified=0",
-             {"delete from Vertices where VID in (select VID from Wells where HeadSpecified=0)",
-              "delete from Wells where HeadSpecified=0"},
-             true,
-             "HeadSpecified=0"},
-    BulkKind{DeleteAllItem::kHeadWells,
-             "Delete all head specified wells from the database?",
-             "Head Specified Wells",
-             "select count(*) from Wells where HeadSpecified<>0",
-             {"delete from Vertices where VID in (select VID from Wells where HeadSpecified<>0)",
-              "delete from Wells where HeadSpecified<>0"},
-             true,
-             "HeadSpecified<>0"},
+        "Particles", Element::kParticle, nullptr, false},
+    BulkKind{DeleteAllItem::kTextLabels, "Delete all text labels from the database?", "Text Labels",
+             Element::kTextLabel, IsPermanent, false},
+    BulkKind{DeleteAllItem::kDischargeWells, "Delete all discharge specified wells from the database?",
+             "Discharge Specified Wells", Element::kWell, IsWell<false>, false, "HeadSpecified=0"},
+    BulkKind{DeleteAllItem::kHeadWells, "Delete all head specified wells from the database?",
+             "Head Specified Wells", Element::kWell, IsWell<true>, false, "HeadSpecified<>0"},
 };
 
 void DeleteKind(Ormel& ormel, const BulkKind& kind) {
   if (!AskYesNo(ormel, kTitle, kind.question, Icon::kWarning)) return;
   const std::string plural = kind.plural;
-  const std::int64_t count = ormel.db().Scalar(kind.count).AsLong();
-  if (count == 0) {
+  std::vector<ElementId> ids = ElementsOf(ormel, kind.element);
+  if (kind.belongs != nullptr)
+    std::erase_if(ids, [&](const ElementId& id) { return !kind.belongs(ormel, id); });
+  if (ids.empty()) {
     Inform(ormel, kTitle, "No " + plural + " were found!");
     return;
   }
   if (kind.wells != nullptr && !RemoveAreasOfWells(ormel, kind.wells)) return;
-  ormel.view().ElemTurnOffSelection();
-  for (const char* statement : kind.remove)
-    if (*statement != '\0') ormel.db().Execute(statement);
-  Inform(ormel, kTitle, std::to_string(count) + " " + plural + " were removed.");
+  ClearSelection(ormel);
+  for (const ElementId& id : ids) RemoveElement(ormel, id);
+  Inform(ormel, kTitle, std::to_string(ids.size()) + " " + plural + " were removed.");
   if (kind.invalidates) InvalidateSolution(ormel, true, false);
-  ormel.view().ZoomActions(Zoom::kRedrawInPlace);
 }
 
 struct WhpaKind {
@@ -169,12 +160,11 @@ void DeleteWHPA(Ormel& ormel, int index) {
       Inform(ormel, kTitle, "No " + plural + " were found!");
       return;
     }
-    ormel.view().ElemTurnOffSelection();
+    ClearSelection(ormel);
     for (const WhpaRow& row : rows) DeleteArea(ormel, row);
     ormel.db().Execute("delete from WHPAs where ?=0 or Type=?", {kind.type, kind.type});
     Inform(ormel, kTitle, std::to_string(rows.size()) + " " + plural + " were removed.");
     ReadWhpaState(ormel);
-    ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   });
 }
 

@@ -70,10 +70,9 @@ void DigitizePolygon(Ormel& ormel, Pid pid) {
   ormel.mouse.NextSeq = 1;
 }
 
-Vid AddDigitizedVertex(Ormel& ormel, Element element, MapPoint at) {
+Vid AddDigitizedVertex(Ormel& ormel, MapPoint at) {
   const Vid vid = ElemAddVertex(ormel, at, ormel.mouse.CurrentPID, kAutomaticSeq);
   ormel.mouse.LineInProgress = true;
-  ormel.view().DrawElement(element, vid, ormel.mouse.CurrentPID, DrawMode::kNormal);
   return vid;
 }
 
@@ -99,13 +98,6 @@ bool TakeBackVertex(Ormel& ormel) {
     const std::vector<VertexRow> left = VerticesOf(ormel, ormel.mouse.CurrentPID);
     ormel.mouse.LineInProgress = !left.empty();
     ormel.mouse.NextSeq = left.empty() ? 1 : left.back().seq + 100;
-    // A redraw ends every mode: this one goes on.
-    const MouseState drawing = ormel.mouse;
-    const std::string activity = ormel.activity, feedback = ormel.feedback;
-    ormel.view().ZoomActions(Zoom::kRedrawInPlace);
-    ormel.mouse = drawing;
-    Activity(ormel, activity);
-    Feedback(ormel, feedback);
   });
 }
 

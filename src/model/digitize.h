@@ -28,8 +28,8 @@ void EndPlacing(Ormel& ormel);
 void BeginDigitizing(Ormel& ormel, Element element, std::string_view activity);
 /// Makes `pid` the polygon in digitizing.
 void DigitizePolygon(Ormel& ormel, Pid pid);
-/// Adds `at` to the polygon in digitizing and draws it so far.
-Vid AddDigitizedVertex(Ormel& ormel, Element element, MapPoint at);
+/// Adds `at` to the polygon in digitizing.
+Vid AddDigitizedVertex(Ormel& ormel, MapPoint at);
 /// Mode 0 and select status; gives the polygon that was digitized.
 Pid EndDigitizing(Ormel& ormel);
 

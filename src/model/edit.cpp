@@ -13,6 +13,7 @@
 #include "model/inhomogeneities.h"
 #include "model/linesinks.h"
 #include "model/observation_forms.h"
+#include "model/selection.h"
 #include "model/uniform_flow.h"
 #include "model/validity.h"
 #include "model/vertices.h"
@@ -26,15 +27,6 @@ namespace {
 bool Accepted(Ormel& ormel, OkCancelForm& form) {
   ormel.ui().ShowForm(form);
   return form.Result == OkCancelForm::kOk;
-}
-
-/// Draws an element as it was, lets `change` write it, and draws it as it is now.
-template <class Change>
-void Redrawn(Ormel& ormel, const Selection& selected, const Change& change) {
-  ormel.view().DrawElement(selected.SelectedType, selected.vid, selected.pid, DrawMode::kErase);
-  change();
-  ormel.view().DrawElement(selected.SelectedType, selected.vid, selected.pid, DrawMode::kNormal);
-  ormel.view().Refresh();
 }
 
 MapPoint PlaceOf(Ormel& ormel, Vid vid) {
@@ -64,7 +56,7 @@ void EditWell(Ormel& ormel, const Selection& selected) {
   WellProperties form(ormel);
   form.Fill(row, PlaceOf(ormel, selected.vid));
   if (!Accepted(ormel, form)) return;
-  Redrawn(ormel, selected, [&] { ChangeWell(ormel, selected.vid, form.Row(), form.At()); });
+  ChangeWell(ormel, selected.vid, form.Row(), form.At());
   AfterWell(ormel, form);
 }
 
@@ -75,7 +67,7 @@ void EditLinesink(Ormel& ormel, const Selection& selected) {
   form.Fill(row, row.Label);
   form.SetLabelFocus();
   if (!Accepted(ormel, form)) return;
-  Redrawn(ormel, selected, [&] { ChangeLinesink(ormel, selected.pid, form.Row()); });
+  ChangeLinesink(ormel, selected.pid, form.Row());
   InvalidateSolution(ormel, true, true);
 }
 
@@ -85,12 +77,12 @@ void EditBarrier(Ormel& ormel, const Selection& selected) {
   NoFlowString form(ormel);
   form.Fill(row);
   if (!Accepted(ormel, form)) return;
-  Redrawn(ormel, selected, [&] { ChangeBarrier(ormel, selected.pid, form.Row()); });
+  ChangeBarrier(ormel, selected.pid, form.Row());
   InvalidateSolution(ormel, true, true);
 }
 
-void EditUniformFlow(Ormel& ormel, const Selection& selected) {
-  Redrawn(ormel, selected, [&] { ElemAddUniformFlow(ormel, true); });
+void EditUniformFlow(Ormel& ormel, const Selection& /*selected*/) {
+  ElemAddUniformFlow(ormel, true);
 }
 
 void EditInhomogeneity(Ormel& ormel, const Selection& selected) {
@@ -100,7 +92,7 @@ void EditInhomogeneity(Ormel& ormel, const Selection& selected) {
   Inhomogeneity form(ormel);
   form.Fill(row);
   if (!Accepted(ormel, form)) return;
-  Redrawn(ormel, selected, [&] { ChangeInhomogeneity(ormel, selected.pid, form.Row()); });
+  ChangeInhomogeneity(ormel, selected.pid, form.Row());
   if (form.Invalidate()) InvalidateSolution(ormel, true, true);
 }
 
@@ -113,7 +105,7 @@ void EditTestPoint(Ormel& ormel, const Selection& selected) {
   if (ormel.solution.ValidSolution)
     Inform(ormel, "Test Point Changed",
            "New results for this test point will be available only after re-solving the model");
-  Redrawn(ormel, selected, [&] { ChangeTestPoint(ormel, selected.vid, form.Row(), form.At()); });
+  ChangeTestPoint(ormel, selected.vid, form.Row(), form.At());
 }
 
 void EditParticle(Ormel& ormel, const Selection& selected) {
@@ -142,7 +134,7 @@ void EditTextLabel(Ormel& ormel, const Selection& selected) {
   TextLabelDialog form(ormel);
   form.Fill(row);
   if (!Accepted(ormel, form)) return;
-  Redrawn(ormel, selected, [&] { ChangeTextLabel(ormel, selected.vid, form.Row()); });
+  ChangeTextLabel(ormel, selected.vid, form.Row());
 }
 
 struct Editor {
@@ -167,11 +159,10 @@ void ElemSetProperties(Ormel& ormel) {
   RunEdit(ormel, "ElemSetProperties", [&] {
     // A redraw on the way turns the selection off: the edit keeps its own.
     const Selection selected = ormel.selection;
+    DecideSolution(ormel);  // each dialog knows what was touched
     for (const Editor& editor : kEditors)
       if (editor.element == selected.SelectedType) editor.edit(ormel, selected);
-    ormel.view().ElemTurnOffSelection();
-    ormel.view().SetUpToolbar();
-    ormel.view().Refresh();
+    ClearSelection(ormel);
   });
 }
 

@@ -5,9 +5,9 @@
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/user_interface.h"
+#include "document/elements.h"
 #include "model/crossing.h"
 #include "model/digitize.h"
-#include "model/validity.h"
 #include "model/vertices.h"
 #include "store/bulk.h"
 #include "store/database.h"
@@ -37,9 +37,7 @@ MapPoint SharedCorner(Ormel& ormel, MapPoint click) {
   const Vid vid = ElemFindVertex(ormel, click);
   VertexRow corner;
   if (vid < 0 || !FindVertex(ormel, vid, corner) || corner.pid == ormel.mouse.CurrentPID) return click;
-  const bool domain =
-      ormel.db().Scalar("select count(*) from Inhomogeneities where pid = ?", {corner.pid}).AsLong() > 0;
-  return domain ? corner.at : click;
+  return Exists(ormel, {Element::kInhomogeneity, corner.pid}) ? corner.at : click;
 }
 
 }  // namespace
@@ -108,10 +106,6 @@ void ElemAddInhomogeneity(Ormel& ormel) {
     BeginDigitizing(ormel, Element::kInhomogeneity, "Add Inhomogeneity");
     DigitizePolygon(ormel, StoreInhomogeneity(ormel, form.Row(), {}));
     TurnOnLayer(ormel, Layer::kElements);
-    // The corners of the domains that stand show while a new one is drawn.
-    RowReader domains(ormel.db(), "select PID from Inhomogeneities");
-    while (domains.Next())
-      ormel.view().DrawElement(Element::kInhomogeneity, -1, domains.Long(0), DrawMode::kNormal);
   });
 }
 
@@ -119,16 +113,14 @@ void ElemAddInhoVertex(Ormel& ormel, bool first) {
   RunEdit(ormel, "ElemAddInhoVertex", [&] {
     const MapPoint click = LastClick(ormel);
     const MapPoint at = first ? click : SharedCorner(ormel, click);
-    if (!RefuseCrossingVertex(ormel, at)) AddDigitizedVertex(ormel, Element::kInhomogeneity, at);
+    if (!RefuseCrossingVertex(ormel, at)) AddDigitizedVertex(ormel, at);
   });
 }
 
 void ElemEndInhomogeneity(Ormel& ormel) {
   RunEdit(ormel, "ElemEndInhomogeneity", [&] {
     if (RefuseCrossingEnd(ormel, Element::kInhomogeneity)) return;
-    const Pid pid = EndDigitizing(ormel);
-    ormel.view().DrawElement(Element::kInhomogeneity, -1, pid, DrawMode::kNormal);
-    InvalidateSolution(ormel, true, true);
+    EndDigitizing(ormel);
     ormel.view().TurnOnMenus();
   });
 }

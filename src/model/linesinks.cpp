@@ -9,7 +9,6 @@
 #include "core/user_interface.h"
 #include "model/crossing.h"
 #include "model/digitize.h"
-#include "model/validity.h"
 #include "model/vertices.h"
 #include "store/recordset.h"
 
@@ -121,8 +120,7 @@ void ElemAddLinesinkString(Ormel& ormel) {
 
 void ElemAddLinesinkVertex(Ormel& ormel, bool /*first*/) {
   RunEdit(ormel, "ElemAddLinesinkVertex", [&] {
-    if (RefuseCrossingVertex(ormel, LastClick(ormel))) return;
-    AddDigitizedVertex(ormel, Element::kLinesink, LastClick(ormel));
+    if (!RefuseCrossingVertex(ormel, LastClick(ormel))) AddDigitizedVertex(ormel, LastClick(ormel));
   });
 }
 
@@ -147,7 +145,6 @@ void ElemEndLinesinkString(Ormel& ormel) {
         strings.Update();
       }
     }
-    InvalidateSolution(ormel, true, true);
     ormel.view().TurnOnMenus();
   });
 }

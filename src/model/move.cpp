@@ -15,7 +15,8 @@
 #include "model/image_wells.h"
 #include "model/model_values.h"
 #include "model/observations.h"
-#include "model/validity.h"
+#include "model/selection.h"
+#include "model/several.h"
 #include "model/vertices.h"
 #include "model/wells.h"
 #include "store/bulk.h"
@@ -74,46 +75,43 @@ void MoveBoundary(Ormel& ormel, Vid vid, MapPoint to) {
     }
     OutdateAreaRun(ormel, row.stem);
   }
-  InvalidateSolution(ormel, true, true);
 }
 
-/// What a moved vertex means for the solution and for the rows that repeat its place.
+/// What a moved vertex means for the rows that repeat its place.
 void FollowUp(Ormel& ormel, Element element, Vid vid, MapPoint to) {
   switch (element) {
     case Element::kWell:
       RemakeImageWells(ormel);
-      InvalidateSolution(ormel, true, true);
-      break;
-    case Element::kLinesink:
-    case Element::kBarrier:
-    case Element::kInhomogeneity:
-      InvalidateSolution(ormel, true, true);
       break;
     case Element::kUniformFlow:
       MoveReference(ormel, to);
-      InvalidateSolution(ormel, true, true);
       break;
     case Element::kFluxLine:
-      Inform(ormel, "Please Note",
-             "To view the new results for the flux inspection line, you must re-solve the model");
+      TellFluxLineMoved(ormel);
       break;
     case Element::kWhpaBoundaryVertex:
       MoveBoundary(ormel, vid, to);
       break;
     default:
-      break;  // test points, particles, capture zones and labels change nothing
+      break;  // no other row knows the place
   }
 }
 
 }  // namespace
 
+void TellFluxLineMoved(Ormel& ormel) {
+  Inform(ormel, "Please Note",
+         "To view the new results for the flux inspection line, you must re-solve the model");
+}
+
 void ElemBeginMove(Ormel& ormel) {
   RunEdit(ormel, "EDIT_CMDS_Click", [&] {
-    if (ormel.selection.SelectedType == Element::kNone) return;
+    if (SelectedElements(ormel).empty()) return;
     ormel.view().TurnOffMenus();
     ormel.mouse.MovePending = true;
     ormel.mouse.MoveActive = false;
-    Activity(ormel, ActivityOf(ormel.selection.SelectedType));
+    const bool one = ormel.selection.SelectedType != Element::kNone;
+    Activity(ormel, one ? ActivityOf(ormel.selection.SelectedType) : "Move Elements");
     Feedback(ormel, "Press mouse button and drag to the new location");
   });
 }
@@ -140,7 +138,6 @@ std::vector<Vid> SharedCorners(Ormel& ormel, Vid vid) {
 void ElemMoveVertex(Ormel& ormel, MapPoint to) {
   const Named named(ormel, "ElemMoveVertex");
   const Selection selected = ormel.selection;
-  ormel.view().DrawElement(selected.SelectedType, selected.vid, selected.pid, DrawMode::kErase);
   if (selected.SelectedType == Element::kTextLabel) {
     MoveTextLabel(ormel, selected.vid, to);
   } else {
@@ -148,20 +145,20 @@ void ElemMoveVertex(Ormel& ormel, MapPoint to) {
       for (const Vid corner : SharedCorners(ormel, selected.vid)) PutVertex(ormel, corner, to);
     PutVertex(ormel, selected.vid, to);
   }
-  ormel.view().DrawElement(selected.SelectedType, selected.vid, selected.pid, DrawMode::kNormal);
-  ormel.view().Refresh();
   FollowUp(ormel, selected.SelectedType, selected.vid, to);
 }
 
-void ElemEndMove(Ormel& ormel, MapPoint to) {
+void ElemEndMove(Ormel& ormel, MapPoint from, MapPoint to) {
   RunEdit(ormel, "ElemMoveVertex", [&] {
     const Element element = ormel.selection.SelectedType;
     ormel.mouse.MovePending = ormel.mouse.MoveActive = false;
-    if (element != Element::kNone &&
-        !RefuseCrossingMove(ormel, element, ormel.selection.pid, ormel.selection.vid, to))
-      ElemMoveVertex(ormel, to);
-    if (element == Element::kInhomogeneity) ormel.view().ZoomActions(Zoom::kRedrawInPlace);
-    ormel.view().ElemTurnOffSelection();
+    if (element != Element::kNone) {
+      if (!RefuseCrossingMove(ormel, element, ormel.selection.pid, ormel.selection.vid, to))
+        ElemMoveVertex(ormel, to);
+      ClearSelection(ormel);
+    } else {
+      MoveSelected(ormel, {to.x - from.x, to.y - from.y});  // several may have farther to go
+    }
     EndPlacing(ormel);
   });
 }

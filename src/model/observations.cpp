@@ -185,17 +185,12 @@ void ModelAddTestPoint(Ormel& ormel) {
   RunEdit(ormel, "ModelAddTestPoint", [&] {
     ormel.view().ElemTurnOffSelection();
     const MapPoint click = LastClick(ormel);
-    ormel.view().DrawPoint(Element::kTestPoint, click, DrawMode::kNormal);
-    ormel.view().Refresh();
+    ormel.view().ShowPlace(Element::kTestPoint, click);
     TestPointProperties form(ormel);
     form.Fill({}, click);
     ormel.ui().ShowForm(form);
-    ormel.view().DrawPoint(Element::kTestPoint, click, DrawMode::kErase);
-    if (form.Result == OkCancelForm::kOk) {
-      const Vid vid = StoreTestPoint(ormel, form.Row(), ElemCheckVertices(ormel, form.At()));
-      ormel.view().DrawElement(Element::kTestPoint, vid, kSinglePoint, DrawMode::kNormal);
-    }
-    ormel.view().Refresh();
+    if (form.Result == OkCancelForm::kOk)
+      StoreTestPoint(ormel, form.Row(), ElemCheckVertices(ormel, form.At()));
     EndPlacing(ormel);
   });
 }
@@ -204,18 +199,14 @@ void ModelAddParticle(Ormel& ormel) {
   RunEdit(ormel, "ModelAddParticle", [&] {
     ormel.view().ElemTurnOffSelection();
     const MapPoint click = LastClick(ormel);
-    ormel.view().DrawPoint(Element::kParticle, click, DrawMode::kNormal);
-    ormel.view().Refresh();
+    ormel.view().ShowPlace(Element::kParticle, click);
     ParticleProperties form(ormel);
     form.Fill({});
     ormel.ui().ShowForm(form);
-    ormel.view().DrawPoint(Element::kParticle, click, DrawMode::kErase);
     if (form.Result == OkCancelForm::kOk) {
-      const Vid vid = StoreParticle(ormel, form.Row(), ElemCheckVertices(ormel, click));
-      ormel.view().DrawElement(Element::kParticle, vid, kSinglePoint, DrawMode::kNormal);
+      StoreParticle(ormel, form.Row(), ElemCheckVertices(ormel, click));
       PathlinesOutdated(ormel);
     }
-    ormel.view().Refresh();
     EndPlacing(ormel);
   });
 }
@@ -232,13 +223,8 @@ void ModelAddText(Ormel& ormel) {
     if (form.Result == OkCancelForm::kOk) {
       row = form.Row();
       row.ScalerX = ormel.window.SolveWindow.Width();
-      const std::int64_t label = StoreTextLabel(ormel, row, LastClick(ormel));
-      if (row.type == LabelType::kHydrography) {
-        TurnOnLayer(ormel, Layer::kHydrographyLabels);
-        ormel.view().ZoomActions(Zoom::kRedrawInPlace);
-      } else {
-        ormel.view().DrawElement(Element::kTextLabel, label, kSinglePoint, DrawMode::kNormal);
-      }
+      StoreTextLabel(ormel, row, LastClick(ormel));
+      if (row.type == LabelType::kHydrography) TurnOnLayer(ormel, Layer::kHydrographyLabels);
     }
     EndPlacing(ormel);
   });
@@ -269,15 +255,13 @@ void ModelAddFluxInspect(Ormel& ormel) {
 }
 
 void ModelAddFluxVertex(Ormel& ormel, bool /*first*/) {
-  RunEdit(ormel, "ModelAddFluxVertex",
-          [&] { AddDigitizedVertex(ormel, Element::kFluxLine, LastClick(ormel)); });
+  RunEdit(ormel, "ModelAddFluxVertex", [&] { AddDigitizedVertex(ormel, LastClick(ormel)); });
 }
 
 void ModelEndFluxInspect(Ormel& ormel) {
   RunEdit(ormel, "ModelEndFluxInspect", [&] {
     EndDigitizing(ormel);
     Inform(ormel, "Please Note", "To inspect results for the new inspection line, you must re-run the model");
-    ormel.view().ZoomActions(Zoom::kRedrawInPlace);
     ormel.view().TurnOnMenus();
   });
 }
@@ -294,13 +278,12 @@ void ModelAddCapzone(Ormel& ormel) {
 }
 
 void ModelAddCZVertex(Ormel& ormel, bool /*first*/) {
-  RunEdit(ormel, "ModelAddCZVertex", [&] { AddDigitizedVertex(ormel, Element::kCapzone, LastClick(ormel)); });
+  RunEdit(ormel, "ModelAddCZVertex", [&] { AddDigitizedVertex(ormel, LastClick(ormel)); });
 }
 
 void ModelEndCapzone(Ormel& ormel) {
   RunEdit(ormel, "ModelEndCapzone", [&] {
     EndDigitizing(ormel);
-    ormel.view().ZoomActions(Zoom::kRedrawInPlace);
     ormel.view().TurnOnMenus();
   });
 }

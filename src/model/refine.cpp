@@ -7,7 +7,6 @@
 
 #include "core/command.h"
 #include "core/coordinates.h"
-#include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
@@ -98,10 +97,9 @@ void ElemRefine(Ormel& ormel) {
       Inform(ormel, "Refine", "No two vertices lie farther apart.  Nothing was added.");
       return;
     }
-    ormel.view().ElemTurnOffSelection();
-    ormel.view().DrawElement(selected.SelectedType, -1, selected.pid, DrawMode::kNormal);
-    ormel.view().Refresh();
-    if (selected.SelectedType != Element::kCapzone) InvalidateSolution(ormel, true, true);
+    ClearSelection(ormel);
+    // The flow does not know the line, but its computed flux has other ends.
+    if (selected.SelectedType == Element::kFluxLine) InvalidateSolution(ormel, true, true);
   });
 }
 

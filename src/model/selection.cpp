@@ -1,7 +1,10 @@
 #include "model/selection.h"
 
+#include <algorithm>
 #include <array>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/command.h"
@@ -9,6 +12,7 @@
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "document/document.h"
 #include "model/barriers.h"
 #include "model/digitize.h"
 #include "model/observations.h"
@@ -30,26 +34,70 @@ void OfferEditCommands(Ormel& ormel, const ElementKind& kind) {
   ormel.menus.Enable("EDIT_CMDS", 4, kind.Polygon());
 }
 
+void Keep(Ormel& ormel, std::vector<ElementId> ids) {
+  if (ormel.ports.document != nullptr) ormel.ports.document->selected = std::move(ids);
+}
+
 void SelectNothing(Ormel& ormel) {
-  ormel.selection.SelectedType = Element::kNone;
-  for (int index = 1; index <= 4; ++index) ormel.menus.Enable("EDIT_CMDS", index, false);
-  ormel.view().SetUpToolbar();
+  ClearSelection(ormel);
   Feedback(ormel, "Click mouse button to select element");
-  ormel.view().Refresh();
 }
 
 void Select(Ormel& ormel, const Owner& owner) {
   ormel.selection.SelectedType = owner.element;
   ormel.selection.vid = owner.vid;
   ormel.selection.pid = owner.pid;
+  Keep(ormel, {IdOf(owner.element, owner.vid, owner.pid)});
   if (const ElementKind* kind = FindKind(owner.element)) OfferEditCommands(ormel, *kind);
-  ormel.view().DrawElement(owner.element, owner.vid, owner.pid, DrawMode::kSelected);
-  ormel.view().SetUpToolbar();
   Feedback(ormel, DescribeSelection(ormel));
-  ormel.view().Refresh();
+}
+
+Owner OwnerAt(Ormel& ormel, MapPoint at) {
+  const Vid found = ElemFindVertex(ormel, at);
+  if (found == kLabelFound)
+    return {Element::kTextLabel, ormel.project.bound.TextLabels->GetBookmark().row, kSinglePoint};
+  return found == kNothingFound ? Owner{} : OwnerOf(ormel, found);
 }
 
 }  // namespace
+
+ElementId ElementAt(Ormel& ormel, MapPoint at) {
+  const Owner owner = OwnerAt(ormel, at);
+  return owner.element == Element::kNone ? ElementId{} : IdOf(owner.element, owner.vid, owner.pid);
+}
+
+std::vector<ElementId> SelectedElements(const Ormel& ormel) {
+  const Selection& one = ormel.selection;
+  if (one.SelectedType != Element::kNone) return {IdOf(one.SelectedType, one.vid, one.pid)};
+  return ormel.ports.document == nullptr ? std::vector<ElementId>() : ormel.ports.document->selected;
+}
+
+void ClearSelection(Ormel& ormel) {
+  ormel.selection.SelectedType = Element::kNone;
+  Keep(ormel, {});
+  for (int index = 1; index <= 4; ++index) ormel.menus.Enable("EDIT_CMDS", index, false);
+}
+
+void SelectItems(Ormel& ormel, std::vector<ElementId> ids) {
+  std::sort(ids.begin(), ids.end());
+  ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+  std::erase_if(ids, [&](const ElementId& id) { return !Exists(ormel, id); });
+  if (ids.empty()) return SelectNothing(ormel);
+  if (ids.size() == 1) {
+    const auto [vid, pid] = PlaceOf(ids.front());
+    return Select(ormel, {ids.front().element, vid, pid});
+  }
+  ormel.selection.SelectedType = Element::kNone;
+  ormel.selection.vid = -1;
+  ormel.selection.pid = kNoPolygon;
+  Feedback(ormel, std::to_string(ids.size()) + " elements are selected");
+  Keep(ormel, std::move(ids));
+  constexpr std::array kCaptions{"&Properties", "&Move Elements", "&Delete Elements", "&Refine"};
+  for (int index = 1; index <= 4; ++index) {
+    ormel.menus.SetCaption("EDIT_CMDS", index, kCaptions.at(static_cast<std::size_t>(index - 1)));
+    ormel.menus.Enable("EDIT_CMDS", index, index == 2 || index == 3);
+  }
+}
 
 bool IsPolygonElement(Element element) {
   return PolygonTable(element) != nullptr;
@@ -59,13 +107,8 @@ void ElemSelectElement(Ormel& ormel) {
   RunCommand(ormel, "ElemSelectElement", [&] {
     if (ormel.mouse.MouseMode == MouseMode::kPlace && ormel.mouse.MouseElement == Element::kGridCorner)
       return;
-    ormel.view().ElemTurnOffSelection();
-    const Vid found = ElemFindVertex(ormel, LastClick(ormel));
-    Owner owner;
-    if (found == kLabelFound)
-      owner = {Element::kTextLabel, ormel.project.bound.TextLabels->GetBookmark().row, kSinglePoint};
-    else if (found != kNothingFound)
-      owner = OwnerOf(ormel, found);
+    ClearSelection(ormel);
+    const Owner owner = OwnerAt(ormel, LastClick(ormel));
     if (owner.element == Element::kNone)
       SelectNothing(ormel);
     else
@@ -74,7 +117,7 @@ void ElemSelectElement(Ormel& ormel) {
 }
 
 void SelectVertex(Ormel& ormel, Vid vid) {
-  ormel.view().ElemTurnOffSelection();
+  ClearSelection(ormel);
   const Owner owner = OwnerOf(ormel, vid);
   if (owner.element == Element::kNone) {
     SelectNothing(ormel);

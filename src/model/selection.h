@@ -3,8 +3,10 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/types.h"
+#include "document/elements.h"
 #include "document/kinds.h"
 
 namespace ormel {
@@ -17,6 +19,17 @@ void ElemSelectElement(Ormel& ormel);
 
 /// Selects the owner of a vertex, as a click on it does.
 void SelectVertex(Ormel& ormel, Vid vid);
+
+/// Selects these elements and no others, in any order; those that are gone are left out.  One alone is
+/// selected as by a click, without a vertex of its own where it is a string.
+void SelectItems(Ormel& ormel, std::vector<ElementId> ids);
+/// What a click at a place finds; kNone for nothing.
+ElementId ElementAt(Ormel& ormel, MapPoint at);
+
+/// All that are selected, in the order of ElementId.
+std::vector<ElementId> SelectedElements(const Ormel& ormel);
+/// No element, and no command of "Edit" for one.
+void ClearSelection(Ormel& ormel);
 
 /// The feedback line of the selected element.
 std::string DescribeSelection(Ormel& ormel);

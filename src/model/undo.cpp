@@ -25,7 +25,6 @@ void Step(Ormel& ormel, ChangeRecord (Document::*go)()) {
   MatchSolution(ormel, before);
   ormel.view().SetUpLayers();
   ormel.view().ZoomActions(Zoom::kRedrawInPlace);
-  ormel.view().SetUpToolbar();
 }
 
 }  // namespace

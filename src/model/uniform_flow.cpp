@@ -35,8 +35,6 @@ void RemoveOnRequest(Ormel& ormel) {
     return;
   }
   RemoveUniformFlow(ormel);
-  InvalidateSolution(ormel, true, true);
-  ormel.view().ZoomActions(Zoom::kRedrawInPlace);
 }
 
 }  // namespace
@@ -134,7 +132,6 @@ void ElemAddUniformFlow(Ormel& ormel, bool edit_only) {
         ChangeUniformFlow(ormel, form.Head(), form.Gradient(), form.Orientation());
       else
         StoreUniformFlow(ormel, LastClick(ormel), form.Head(), form.Gradient(), form.Orientation());
-      ormel.view().ZoomActions(Zoom::kRedrawInPlace);
       ormel.menus.Enable("ELEM_CMDS", 3, true);
       TurnOnLayer(ormel, Layer::kElements);
       InvalidateSolution(ormel, true, true);

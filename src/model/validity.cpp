@@ -1,6 +1,7 @@
 #include "model/validity.h"
 
 #include <cmath>
+#include <utility>
 
 #include "core/command.h"
 #include "core/layers.h"
@@ -10,15 +11,24 @@
 #include "core/solver_port.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "document/document.h"
 #include "document/fingerprint.h"
+#include "document/record.h"
 #include "store/database.h"
 #include "text/files.h"
 
 namespace ormel {
 
+void DecideSolution(Ormel& ormel) {
+  if (ormel.ports.document != nullptr) ormel.ports.document->solution_decided = true;
+}
+
 void InvalidateSolution(Ormel& ormel, bool ask, bool redraw) {
   const Named named(ormel, "InvalidateSolution");
+  DecideSolution(ormel);
   if (!ormel.solution.ValidSolution) return;
+  // The user answers in view of what has changed.
+  if (ask) ormel.view().Refresh();
   if (ask && !AskYesNo(ormel, "Model Changed!",
                        Lines({"This change may make the current solution inconsistent with your",
                               "current element layout.  Do you want to remove the current solution",
@@ -76,6 +86,7 @@ bool FilesStand(const Ormel& ormel) {
 
 void MatchSolution(Ormel& ormel, const Fingerprint& before) {
   const Named named(ormel, "MatchSolution");
+  DecideSolution(ormel);
   SolutionState& solution = ormel.solution;
   const bool has_run = solution.solved && FilesStand(ormel);
   if (!has_run && !solution.ValidSolution) return;
@@ -103,6 +114,27 @@ void MatchSolution(Ormel& ormel, const Fingerprint& before) {
   if (was.ContoursValid != solution.ContoursValid) ShowLayer(ormel, Layer::kContours, solution.ContoursValid);
   if (was.PathlinesValid != solution.PathlinesValid)
     ShowLayer(ormel, Layer::kPathlines, solution.PathlinesValid);
+}
+
+void SolutionFollower::CommandEnded(Ormel& ormel, const ChangeRecord& record) {
+  const SolutionState& solution = ormel.solution;
+  Document* document = ormel.ports.document;
+  if (document == nullptr) return;  // no rows are told
+  const bool drawing = ormel.mouse.MouseMode == MouseMode::kDigitize;
+  if (IsStep(record)) {
+    if (drawing) act_.push_back(record.rows);
+    return;
+  }
+  const bool decided = std::exchange(document->solution_decided, false);
+  if (!solution.ValidSolution || record.project_replaced) return act_.clear();
+  if (drawing || !act_.empty()) act_.push_back(record.rows);
+  if (drawing) return;
+  const std::vector<std::vector<RowChange>> act = std::exchange(act_, {});
+  const std::vector<RowChange> rows = act.empty() ? record.rows : Joined(act);
+  if (decided || !AnySpoils(ormel, rows, Spoils::kSolution)) return;
+  if (solution.solved && FingerprintOf(ormel).solution == solution.solved->model.solution) return;
+  InvalidateSolution(ormel, true, true);
+  document->solution_decided = false;
 }
 
 void InvalidateContours(Ormel& ormel) {

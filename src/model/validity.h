@@ -1,6 +1,10 @@
 // When results no longer match the model.
 #pragma once
 
+#include <vector>
+
+#include "core/changes.h"
+
 namespace ormel {
 
 struct Ormel;
@@ -10,6 +14,20 @@ struct Fingerprint;
 /// then nothing changes at all.  Otherwise contours and pathlines leave the view, items that need results are
 /// disabled, and with `redraw` the map is drawn anew.  No file of the old run is deleted.
 void InvalidateSolution(Ormel& ormel, bool ask, bool redraw);
+
+/// The running command has asked or decided by itself whether the solution stays.
+void DecideSolution(Ormel& ormel);
+
+/// Asks at the end of a command about what its rows spoil, by the roles of their fields (document/fields.h).
+/// Not where the command has asked or decided by itself, as a dialog does that knows what was touched; a
+/// string is asked about once, when it has been drawn.  One for each map.
+class SolutionFollower {
+ public:
+  void CommandEnded(Ormel& ormel, const ChangeRecord& record);
+
+ private:
+  std::vector<std::vector<RowChange>> act_;  ///< commands of a string being drawn
+};
 
 /// The reverse: contours and pathlines that are valid come into view, and items that need results are
 /// offered.

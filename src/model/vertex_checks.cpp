@@ -5,10 +5,10 @@
 #include <fstream>
 
 #include "core/command.h"
-#include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "model/selection.h"
 #include "model/validity.h"
 #include "model/vertices.h"
 #include "store/bulk.h"
@@ -141,8 +141,7 @@ bool ElemCheckPhantomLinesinkVertices(Ormel& ormel, Pid pid) {
   RemovePhantom(ormel, pid,
                 "The currently selected linesink string has only one point.  The string will be deleted.");
   ormel.db().Execute("delete from LinesinkStrings where PID=?", {pid});
-  ormel.selection.SelectedType = Element::kNone;
-  ormel.view().ZoomActions(Zoom::kRedrawInPlace);
+  ClearSelection(ormel);
   return true;
 }
 
@@ -152,9 +151,8 @@ bool ElemCheckPhantomNoFlowVertices(Ormel& ormel, Pid pid) {
   if (VerticesOf(ormel, pid).size() != 1) return false;
   RemovePhantom(ormel, pid,
                 "The currently selected no-flow boundary has only one point.  The string will be deleted.");
-  ormel.selection.SelectedType = Element::kNone;
+  ClearSelection(ormel);
   InvalidateSolution(ormel, false, false);
-  ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   return true;
 }
 

@@ -74,9 +74,10 @@ class FreePlaces {
  public:
   explicit FreePlaces(Ormel& ormel);
   MapPoint Find(MapPoint at, const std::string& report = {});
+  /// A vertex lies less than the tolerance away in both directions.
+  bool Taken(MapPoint at) const;
 
  private:
-  bool Taken(MapPoint at) const;
   void Add(MapPoint at);
   double tolerance_;
   std::unordered_map<std::int64_t, std::vector<MapPoint>> cells_;  ///< by a hash of the cell

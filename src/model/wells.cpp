@@ -9,7 +9,6 @@
 #include "model/digitize.h"
 #include "model/geometry.h"
 #include "model/image_wells.h"
-#include "model/validity.h"
 #include "model/vertices.h"
 #include "model/well_form.h"
 #include "store/database.h"
@@ -115,22 +114,16 @@ void ElemAddWell(Ormel& ormel) {
     const MapPoint click = LastClick(ormel);
     WellProperties form(ormel);
     form.Fill({}, click);
-    ormel.view().DrawWell(click, 0.0, form.Row().Radius, DrawMode::kNormal);
-    ormel.view().Refresh();
+    ormel.view().ShowPlace(Element::kWell, click);
     ormel.ui().ShowForm(form);
-    ormel.view().DrawWell(click, 0.0, 1.0, DrawMode::kErase);
     if (form.Result == OkCancelForm::kOk) {
       WellRow row = form.Row();
       row.PathlineColor = kDefaultPathlineColor;  // a colour is stored by an edit only
       const MapPoint at = ElemCheckVertices(ormel, form.At());
-      const Vid vid = StoreWell(ormel, row, at);
-      ormel.view().DrawElement(Element::kWell, vid, kSinglePoint, DrawMode::kNormal);
+      StoreWell(ormel, row, at);
       TurnOnLayer(ormel, Layer::kElements);
     }
-    ormel.view().Refresh();
-    LeaveMouseMode(ormel);  // before a redraw, which may have something to say in the panels
-    if (form.Result == OkCancelForm::kOk) InvalidateSolution(ormel, true, true);
-    ormel.view().TurnOnMenus();
+    EndPlacing(ormel);
   });
 }
 
@@ -152,8 +145,6 @@ bool MirrorWell(Ormel& ormel, const std::string& label, MapPoint point1, MapPoin
   image.PathlineColor = kDefaultPathlineColor;
 
   const MapPoint at = ReflectInLine(well, point1, point2);
-  ormel.view().DrawWell(at, image.Setback, image.Radius, DrawMode::kImageWell);
-  ormel.view().Refresh();
   if (present.IsNull())
     StoreWell(ormel, image, at);
   else

@@ -22,6 +22,7 @@
 #include "model/move.h"
 #include "model/observations.h"
 #include "model/refine.h"
+#include "model/several.h"
 #include "model/undo.h"
 #include "model/uniform_flow.h"
 #include "shell/about.h"
@@ -125,6 +126,18 @@ void DeleteAll(Ormel& ormel, int index) {
 
 void DeleteWhpas(Ormel& ormel, int index) {
   DeleteWHPA(ormel, index);
+}
+
+void Copy(Ormel& ormel, int /*index*/) {
+  EditCopy(ormel);
+}
+
+void Paste(Ormel& ormel, int /*index*/) {
+  EditPaste(ormel);
+}
+
+void SelectAll(Ormel& ormel, int /*index*/) {
+  EditSelectAll(ormel);
 }
 
 void CopyImage(Ormel& ormel, int /*index*/) {

@@ -21,6 +21,9 @@ void DeleteAll(Ormel& ormel, int index);
 void DeleteWhpas(Ormel& ormel, int index);
 void AddText(Ormel& ormel, int index);
 void DrawCapzone(Ormel& ormel, int index);
+void Copy(Ormel& ormel, int index);
+void Paste(Ormel& ormel, int index);
+void SelectAll(Ormel& ormel, int index);
 void CopyImage(Ormel& ormel, int index);
 
 // &View

@@ -59,7 +59,10 @@ constexpr std::array kItems = std::to_array<MenuItem>({
     {"DeleteWHPA", 3, "Multiple Well WHPAs", "DELETEALL", 7, kProject, "", c::DeleteWhpas},
     {"ADDTEXT", 0, "Add &Text...", "EDITMENU", 0, kProject | kLine, "Ctrl+T", c::AddText},
     {"DrawCZ", 0, "Draw Wellhead &Protection Area...", "EDITMENU", 0, kProject, "", c::DrawCapzone},
-    {"COPYIMAGE", 0, "&Copy to Clipboard", "EDITMENU", 0, kProject | kLine | kNeedsWindow, "Ctrl+C",
+    {"COPY", 0, "Cop&y", "EDITMENU", 0, kProject | kLine, "Ctrl+C", c::Copy},
+    {"PASTE", 0, "Pa&ste", "EDITMENU", 0, kProject | kNeedsWindow, "Ctrl+V", c::Paste},
+    {"SELECTALL", 0, "Select A&ll", "EDITMENU", 0, kProject, "Ctrl+A", c::SelectAll},
+    {"COPYIMAGE", 0, "&Copy to Clipboard", "EDITMENU", 0, kProject | kLine | kNeedsWindow, "Ctrl+Shift+C",
      c::CopyImage},
 
     {"VIEWMENU", 0, "&View"},

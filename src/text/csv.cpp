@@ -1,6 +1,5 @@
 #include "text/csv.h"
 
-#include "text/numbers.h"
 #include "text/strings.h"
 
 namespace ormel {
@@ -9,7 +8,8 @@ std::string CsvField(std::string_view text) {
   constexpr std::string_view kFormula = "=+-@";
   std::string out(text);
   const std::string_view bare = Trim(text);
-  const bool number = IsNumeric(bare) || bare == "-inf";
+  // Numbers, and lists of coordinates, hold nothing that could be called.
+  const bool number = bare.find_first_not_of("0123456789+-., eE") == std::string_view::npos || bare == "-inf";
   if (!bare.empty() && kFormula.find(bare.front()) != std::string_view::npos && !number)
     out.insert(out.begin(), '\'');
   if (out.find_first_of(",\"\n\r") == std::string::npos) return out;

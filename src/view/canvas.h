@@ -1,7 +1,11 @@
 // What every drawing routine gets.
 #pragma once
 
+#include <algorithm>
+#include <vector>
+
 #include "core/types.h"
+#include "document/elements.h"
 
 namespace ormel {
 
@@ -13,6 +17,12 @@ struct MapCanvas {
   Ormel& ormel;
   VgGdi& vg;
   LabelPlacer* labels = nullptr;  ///< keeps labels apart; null where one element is drawn by itself
+  /// Elements that are being dragged, in the order of ElementId: the picture is without them.
+  const std::vector<ElementId>* lifted = nullptr;
+
+  bool IsLifted(Element element, std::int64_t key) const {
+    return lifted != nullptr && std::binary_search(lifted->begin(), lifted->end(), ElementId{element, key});
+  }
 };
 
 /// The paper of the map; erasing paints in it.

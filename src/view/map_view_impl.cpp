@@ -10,6 +10,7 @@
 #include "core/ormel.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "document/document.h"
 #include "model/selection.h"
 #include "model/validity.h"
 #include "store/database.h"
@@ -90,21 +91,18 @@ EditorGrid GridOf(Ormel& ormel) {
   return grid;
 }
 
-Overlay::Key KeyOf(Overlay::Group group, Element element, Vid vid, Pid pid) {
-  // A string is known by its polygon: the vertex in question changes while it is drawn.
-  const bool by_polygon = pid > 0;
-  return {group, element, by_polygon ? pid : vid, {}};
-}
-
 }  // namespace
 
 MapViewImpl::MapViewImpl(Ormel& ormel, MapSurface* surface) : ormel_(ormel), surface_(surface), vg_(ormel) {
   vg_.SetRefreshTarget([this] {
     if (surface_ != nullptr) surface_->Update();
   });
+  ormel.changes.Subscribe(*this);
 }
 
-MapViewImpl::~MapViewImpl() = default;
+MapViewImpl::~MapViewImpl() {
+  ormel_.changes.Unsubscribe(*this);
+}
 
 MapViewImpl::OverlayShape::OverlayShape(MapViewImpl& view, const Overlay::Key& key)
     : view_(view), redirect_(view.vg_, view.overlay_.Start(key)) {}
@@ -134,14 +132,15 @@ void MapViewImpl::DrawPicture(DrawingDevice& device) {
   ormel_.window.SolveWindow = window;
   drawn_window_ = window;
   ormel_.solution.default_step = ComputeDefaultStep(ormel_);
-  picture_.Draw(canvas(), state_, device, ground, [this](std::string_view text) { Feedback(ormel_, text); });
+  MapCanvas map = canvas();
+  if (!lifted_.ids.empty()) map.lifted = &lifted_.ids;
+  picture_.Draw(map, state_, device, ground, [this](std::string_view text) { Feedback(ormel_, text); });
 }
 
 void MapViewImpl::Redraw() {
   if (drawing_) return;
   const FlagDuring drawing(drawing_);
   const Named named(ormel_, "Redraw");
-  dirty_ = false;
   if (ormel_.project.ProjectOpen) OfferLayers(false);
   overlay_.RemoveGroup(Overlay::Group::kDrawn);
   overlay_.RemoveGroup(Overlay::Group::kSelected);
@@ -168,67 +167,13 @@ void MapViewImpl::Redraw() {
     } const after{*this, *picture.device(), disabled, slow};
     DrawPicture(*picture.device());
   }
+  NoteDrawn();
   last_seconds_ = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   if (Feedback(std::as_const(ormel_)) != feedback) Feedback(ormel_, feedback);
-  if (ormel_.selection.SelectedType != Element::kNone)
-    DrawElement(ormel_.selection.SelectedType, ormel_.selection.vid, ormel_.selection.pid,
-                DrawMode::kSelected);
-}
-
-/// A shape of the overlay just goes.  One that belongs to the picture asks for a new picture; while the user
-/// redraws by hand it is covered in the paper's colour instead, until the next redraw.
-void MapViewImpl::Erase(const Overlay::Key& key, const std::function<void()>& draw_erased) {
-  Overlay::Key selected = key;
-  selected.group = Overlay::Group::kSelected;
-  overlay_.Remove(selected);
-  if (overlay_.Remove(key)) {
-    vg_.vgGDIRefresh();
-    return;
-  }
-  if (ormel_.layers.On(Layer::kManualRedraw)) {
-    const OverlayShape shape(*this, key);
-    draw_erased();
-  } else {
-    dirty_ = true;
-  }
-}
-
-void MapViewImpl::DrawElement(Element element, Vid vid, Pid pid, DrawMode mode) {
-  if (!ormel_.project.ProjectOpen || !vg_.Ready()) return;
-  const Overlay::Key drawn = KeyOf(Overlay::Group::kDrawn, element, vid, pid);
-  const auto draw = [&] { DrawOneElement(canvas(), element, vid, pid, mode); };
-  if (mode == DrawMode::kErase) return Erase(drawn, draw);
-  if (mode == DrawMode::kSelected) {
-    const OverlayShape shape(*this, KeyOf(Overlay::Group::kSelected, element, vid, pid));
-    return draw();
-  }
-  overlay_.Remove(KeyOf(Overlay::Group::kSelected, element, vid, pid));
-  if (element == Element::kCapzone) TurnOnLayer(ormel_, Layer::kCapzones);  // what is being drawn is shown
-  const OverlayShape shape(*this, drawn);
-  draw();
-}
-
-void MapViewImpl::DrawWell(MapPoint at, double setback, double radius, DrawMode mode) {
-  if (!ormel_.project.ProjectOpen || !vg_.Ready()) return;
-  const Overlay::Key key{Overlay::Group::kDrawn, Element::kWell, -1, at};
-  const auto draw = [&] { ElemDrawWell(canvas(), at, setback, radius, mode); };
-  if (mode == DrawMode::kErase) return Erase(key, draw);
-  const OverlayShape shape(*this, key);
-  draw();
-}
-
-void MapViewImpl::DrawPoint(Element element, MapPoint at, DrawMode mode) {
-  if (!ormel_.project.ProjectOpen || !vg_.Ready()) return;
-  const Overlay::Key key{Overlay::Group::kDrawn, element, -1, at};
-  const auto draw = [&] {
-    if (element == Element::kTestPoint)
-      ModelDrawTestPoint(canvas(), at, {}, 0.0, 0.0, mode);
-    else
-      ModelDrawParticle(canvas(), at, mode);
-  };
-  if (mode == DrawMode::kErase) return Erase(key, draw);
-  const OverlayShape shape(*this, key);
-  draw();
+  shown_.clear();
+  ShowSelection();
+  corners_of_ = kNoPolygon;
+  ShowDigitized();
 }
 
 void MapViewImpl::DrawTracedLines() {
@@ -237,26 +182,11 @@ void MapViewImpl::DrawTracedLines() {
   ModelDrawTracedLines(canvas());
 }
 
-void MapViewImpl::Refresh() {
-  if (ormel_.project.ProjectOpen) OfferLayers(false);
-  if (dirty_) {
-    const bool by_hand = ormel_.layers.On(Layer::kManualRedraw);
-    dirty_ = false;
-    if (!by_hand && ormel_.project.ProjectOpen) Redraw();
-  }
-  vg_.vgGDIRefresh();
-}
-
-void MapViewImpl::BeforePaint() {
-  if (dirty_ && !drawing_) RunCommand(ormel_, "Redraw", [&] { Refresh(); });
-}
-
 void MapViewImpl::ElemTurnOffSelection() {
   const Named named(ormel_, "ElemTurnOffSelection");
   overlay_.RemoveGroup(Overlay::Group::kSelected);
-  for (int index = 1; index <= 4; ++index) ormel_.menus.Enable("EDIT_CMDS", index, false);
-  if (ormel_.selection.SelectedType == Element::kNone) return;
-  ormel_.selection.SelectedType = Element::kNone;
+  shown_.clear();
+  ClearSelection(ormel_);
   SetUpToolbar();
   vg_.vgGDIRefresh();
 }
@@ -270,6 +200,7 @@ void MapViewImpl::ClearMouseMode() {
   mouse.MovePending = false;
   mouse.MoveActive = false;
   ormel_.selection.SelectedType = Element::kNone;
+  if (ormel_.ports.document != nullptr) ormel_.ports.document->selected.clear();
   overlay_.RemoveGroup(Overlay::Group::kRubber);
   SelectStatus(ormel_);
 }

@@ -1,10 +1,15 @@
 // The map of a running program: window, picture, temporary shapes, state of menus and toolbar.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
+#include "core/changes.h"
 #include "core/map_view.h"
+#include "document/elements.h"
+#include "model/validity.h"
 #include "view/display_list.h"
 #include "view/overlay.h"
 #include "view/picture_cache.h"
@@ -30,17 +35,28 @@ struct MapHooks {
   std::function<void()> basemap_select;  ///< base maps at the last click
 };
 
-class MapViewImpl final : public MapView {
+/// What is being dragged: it is not in the picture until it is let go.
+struct Lifted {
+  struct Shape {
+    std::vector<MapPoint> points;
+    bool closed = false;
+    int vertex = -1;  ///< the one that moves alone; -1 when all move
+  };
+  MapPoint from;  ///< the press
+  std::vector<ElementId> ids;
+  std::vector<Shape> shapes;
+};
+
+class MapViewImpl final : public MapView, public ChangeListener {
  public:
-  /// `surface` may be null.  The view registers itself nowhere: the program puts it into the ports.
+  /// `surface` may be null.  The program puts the view into the ports; it listens to the change records by
+  /// itself.
   MapViewImpl(Ormel& ormel, MapSurface* surface);
   ~MapViewImpl() override;
 
   // What procedures ask of the map.
   void ZoomActions(Zoom code, const MapRect& rect = {}) override;
-  void DrawElement(Element element, Vid vid, Pid pid, DrawMode mode) override;
-  void DrawWell(MapPoint at, double setback, double radius, DrawMode mode) override;
-  void DrawPoint(Element element, MapPoint at, DrawMode mode) override;
+  void ShowPlace(Element element, MapPoint at) override;
   void DrawTracedLines() override;
   void ElemTurnOffSelection() override;
   void ClearMouseMode() override;
@@ -48,8 +64,10 @@ class MapViewImpl final : public MapView {
   void TurnOnMenus() override;
   void SetUpToolbar() override;
   void SetUpLayers() override;
-  /// Repaints the picture if a shape that belonged to it was erased, then lets the surface show it.
   void Refresh() override;
+  /// What a command has changed comes into the picture, the selection, the menus and the toolbar, and what it
+  /// spoils of the solution is asked about.
+  void CommandEnded(const ChangeRecord& record) override;
   void DisableMouse();
   void EnableMouse();
 
@@ -63,8 +81,13 @@ class MapViewImpl final : public MapView {
   void Pan(DevicePoint from, DevicePoint to);
   /// Paints the temporary shapes on top of the picture.
   void PaintOverlay(DrawingDevice& device) const { overlay_.Paint(device); }
-  /// Call when painting is due, before the picture is shown.
-  void BeforePaint();
+
+  /// Takes the selected elements out of the picture for a drag that begins at a place; the end of the move
+  /// brings them back.
+  void LiftSelection(MapPoint from);
+  const Lifted& lifted() const { return lifted_; }
+  /// Keys that were down at the press of a click that selects, or drags a box; -1 while there is none.
+  int& press_shift() { return press_shift_; }
 
   Ormel& ormel() { return ormel_; }
   ViewState& state() { return state_; }
@@ -88,12 +111,26 @@ class MapViewImpl final : public MapView {
   void Recentre();
   void SetWindow(const MapRect& window);
   void Tail();
+  void KeepRubberStart(const std::function<void()>& change);
   void StoreWindow();
   void CheckZoomLimit();
   void OfferLayers(bool fresh);
   void DrawPicture(DrawingDevice& device);
-  void Erase(const Overlay::Key& key, const std::function<void()>& draw_erased);
+  /// The project is as it was when the picture was drawn.
+  bool Current() const;
+  void NoteDrawn();
+  /// The picture follows the rows of a command.
+  void FollowRows(const ChangeRecord& record);
+  /// The user redraws by hand: only what is new is laid over the picture.
+  void FollowByHand(const ChangeRecord& record);
+  /// The string in digitizing, as far as it goes, over the picture.
+  void ShowDigitized();
+  void ShowSelection();
+  void ForgetGone();
+  void RemovePlaces();
+  void DrawOver(Element element, Vid vid, Pid pid);
   MapCanvas canvas() { return {ormel_, vg_}; }
+  void LetGo();
 
   Ormel& ormel_;
   MapSurface* surface_;
@@ -103,9 +140,19 @@ class MapViewImpl final : public MapView {
   PictureCache picture_;
   MapHooks hooks_;
   Overlay overlay_;
-  MapRect drawn_window_;   ///< of the last picture that could be drawn
-  std::string layers_of_;  ///< project that the layer switches were set up for
-  bool dirty_ = false;     ///< a shape of the picture was erased
+  MapRect drawn_window_;             ///< of the last picture that could be drawn
+  std::string layers_of_;            ///< project that the layer switches were set up for
+  bool outdated_ = false;            ///< rows that the picture may show have changed
+  std::uint64_t drawn_changes_ = 0;  ///< of the project, in the last picture
+  int drawn_connection_ = -1;        ///< of which project
+  std::vector<ElementId> shown_;     ///< as highlighted
+  Vid shown_vertex_ = -1;
+  std::vector<Overlay::Key> places_;
+  Pid corners_of_ = kNoPolygon;  ///< the domain in digitizing beside which the others' corners show
+  long shown_menus_ = -1;
+  Lifted lifted_;
+  int press_shift_ = -1;
+  SolutionFollower validity_;
   bool drawing_ = false;
   double last_seconds_ = 0.0;  ///< how long the last picture took
   int redraw_count_ = 0;

@@ -194,18 +194,37 @@ void MapViewImpl::ZoomActions(Zoom code, const MapRect& rect) {
       Inform(ormel_, "Ormel", "Internal error in Zoom commands");
       return;
     }
-    Redraw();
+    KeepRubberStart([this] { Redraw(); });
     Tail();
   });
 }
 
-/// What follows each redraw of a command.
+/// What follows each redraw of a command.  An element that is being drawn or placed while the menus rest
+/// stays in hand: its mode is the only way back to them.
 void MapViewImpl::Tail() {
+  const MouseState& mouse = ormel_.mouse;
+  const bool of_the_map =
+      mouse.MouseMode == MouseMode::kRectangle || mouse.MouseElement == Element::kRecentre;
+  const bool in_hand = mouse.MenusOff && mouse.MouseMode != MouseMode::kSelect && !of_the_map;
   StoreWindow();
-  ElemTurnOffSelection();
-  ClearMouseMode();
+  if (!in_hand) {
+    ElemTurnOffSelection();
+    ClearMouseMode();
+  }
   CheckZoomLimit();
   vg_.vgGDIRefresh();
+}
+
+/// A change of the window under a rubber line: the line keeps its start on the map.
+void MapViewImpl::KeepRubberStart(const std::function<void()>& change) {
+  overlay_.RemoveGroup(Overlay::Group::kRubber);  // it comes back with the next move of the pointer
+  auto& rubber = ormel_.mouse.Rubber;
+  const double x = vg_.vgGDIDeviceToWorldX(rubber[0], false), y = vg_.vgGDIDeviceToWorldY(rubber[1], false);
+  change();
+  if (!vg_.Ready() || !ormel_.mouse.LineInProgress) return;
+  const DevicePoint start = vg_.vgGDIWorldToDevice(x, y);
+  rubber[0] = static_cast<float>(start.x);
+  rubber[1] = static_cast<float>(start.y);
 }
 
 void MapViewImpl::StoreWindow() {
@@ -220,12 +239,14 @@ void MapViewImpl::StoreWindow() {
   const MapRect stored{model.Get<double>("WINDOWX1"), model.Get<double>("WINDOWX2"),
                        model.Get<double>("WINDOWY1"), model.Get<double>("WINDOWY2")};
   if (stored == window) return;  // no write for a redraw in place
+  const bool current = Current();
   model.Edit();
   model["WINDOWX1"] = window.x1;
   model["WINDOWX2"] = window.x2;
   model["WINDOWY1"] = window.y1;
   model["WINDOWY2"] = window.y2;
   model.Update();
+  if (current) drawn_changes_ = db.change_count();
 }
 
 void MapViewImpl::CheckZoomLimit() {
@@ -245,16 +266,10 @@ void MapViewImpl::ApplyView(const MapRect& window) {
     return;
   }
   RunCommand(ormel_, "ZoomActions", [&] {
-    overlay_.RemoveGroup(Overlay::Group::kRubber);  // it comes back with the next move of the pointer
-    auto& rubber = ormel_.mouse.Rubber;
-    const double x = vg_.vgGDIDeviceToWorldX(rubber[0], false), y = vg_.vgGDIDeviceToWorldY(rubber[1], false);
-    SetWindow(UsableWindow(ormel_, window));
-    Redraw();
-    if (vg_.Ready() && ormel_.mouse.LineInProgress) {  // the rubber line keeps its start on the map
-      const DevicePoint start = vg_.vgGDIWorldToDevice(x, y);
-      rubber[0] = static_cast<float>(start.x);
-      rubber[1] = static_cast<float>(start.y);
-    }
+    KeepRubberStart([&] {
+      SetWindow(UsableWindow(ormel_, window));
+      Redraw();
+    });
     StoreWindow();
     CheckZoomLimit();
     vg_.vgGDIRefresh();

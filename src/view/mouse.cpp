@@ -10,6 +10,7 @@
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/edit.h"
+#include "model/selection.h"
 #include "solver/inspection.h"
 #include "text/masks.h"
 #include "view/map_view_impl.h"
@@ -52,8 +53,15 @@ bool Listening(const Ormel& ormel) {
   return !ormel.mouse.MouseDisabled && ormel.project.ProjectOpen;
 }
 
-/// Shift inspects the results at the point, Shift and Ctrl trace a path from it.  True when the press was one
-/// of them.
+/// Runs what an event means, and shows afterwards what it changed.
+template <class Body>
+void Handle(MapViewImpl& view, const char* name, Body body) {
+  RunCommand(view.ormel(), name, body);
+  view.vg().vgGDIRefresh();
+}
+
+}  // namespace
+
 bool PressWithKeys(const MouseEvent& event) {
   const bool inspect = event.shift == kShiftKey, trace = event.shift == (kShiftKey | kCtrlKey);
   if (!inspect && !trace) return false;
@@ -69,15 +77,6 @@ bool PressWithKeys(const MouseEvent& event) {
   return true;
 }
 
-/// Runs what an event means, and shows afterwards what it changed.
-template <class Body>
-void Handle(MapViewImpl& view, const char* name, Body body) {
-  RunCommand(view.ormel(), name, body);
-  view.vg().vgGDIRefresh();
-}
-
-}  // namespace
-
 void Map_MouseDown(MapViewImpl& view, MouseButton button, int shift, DevicePoint at) {
   Ormel& ormel = view.ormel();
   if (!Listening(ormel) || button == MouseButton::kNone) return;
@@ -85,7 +84,8 @@ void Map_MouseDown(MapViewImpl& view, MouseButton button, int shift, DevicePoint
     const MouseEvent event = EventAt(view, shift, at);
     const MouseAction& action = CurrentAction(ormel);
     if (button == MouseButton::kRight) return action.RightPress(event);
-    if (PressWithKeys(event)) return;
+    const bool waits = &action == &SelectAction() && shift == kShiftKey;  // it may begin a box
+    if (!waits && PressWithKeys(event)) return;
     ormel.mouse.ButtonDown = true;
     action.Press(event);
   });
@@ -143,7 +143,11 @@ bool Map_KeyDown(MapViewImpl& view, MapKey key) {
   if (!Listening(ormel)) return false;
   if (key == MapKey::kEscape) {
     const bool in_mode = ormel.mouse.MouseMode != MouseMode::kSelect || ormel.mouse.MovePending;
-    if (!in_mode) return false;
+    if (!in_mode && SelectedElements(ormel).empty()) return false;
+    if (!in_mode) {
+      Handle(view, "Form_KeyDown", [&] { view.ElemTurnOffSelection(); });
+      return true;
+    }
     Handle(view, "Form_KeyDown", [&] {
       const MouseEvent event = EventAt(view, 0, {});
       CurrentAction(ormel).Cancel(event);

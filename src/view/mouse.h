@@ -27,8 +27,8 @@ void Map_MouseLeave(MapViewImpl& view);
 enum class MapKey : int { kLeft, kRight, kUp, kDown, kPageUp, kPageDown, kHome, kEnd, kEscape, kBackspace };
 /// The four arrows scroll, Page Up and Page Down zoom in and out, Home shows the extents, End starts a zoom
 /// rectangle; all only while no mode holds the mouse.  Escape leaves a mode as the right click would, and a
-/// string or domain with too few points is taken away.  Backspace, while something is drawn, takes its last
-/// vertex back.  False when the key meant nothing.
+/// string or domain with too few points is taken away; in none it ends the selection.  Backspace, while
+/// something is drawn, takes its last vertex back.  False when the key meant nothing.
 bool Map_KeyDown(MapViewImpl& view, MapKey key);
 
 /// Pointer position as shown in its panel: "#,###,##0.0" and the unit.

@@ -4,16 +4,21 @@
 #include <array>
 #include <cmath>
 #include <span>
+#include <utility>
+#include <vector>
 
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
+#include "document/elements.h"
+#include "document/kinds.h"
 #include "model/barriers.h"
 #include "model/digitize.h"
 #include "model/inhomogeneities.h"
 #include "model/linesinks.h"
 #include "model/observations.h"
 #include "model/selection.h"
+#include "model/several.h"
 #include "model/uniform_flow.h"
 #include "model/vertices.h"
 #include "model/wells.h"
@@ -22,6 +27,7 @@
 #include "text/numbers.h"
 #include "tools/info_panels.h"
 #include "view/map_view_impl.h"
+#include "view/mouse.h"
 #include "whpa/commands.h"
 
 namespace ormel {
@@ -36,6 +42,22 @@ DevicePoint RubberStart(const Ormel& ormel) {
           static_cast<int>(std::lround(ormel.mouse.Rubber[1]))};
 }
 
+/// A hand is never quite still.
+bool Dragged(const MouseEvent& event) {
+  constexpr int kStill = 3;  // pixels
+  const DevicePoint start = RubberStart(event.ormel);
+  return std::abs(event.device.x - start.x) > kStill || std::abs(event.device.y - start.y) > kStill;
+}
+
+/// From the start of the rubber line to the pointer [map units].
+Extents RubberBox(const MouseEvent& event) {
+  const VgGdi& vg = event.view.vg();
+  const DevicePoint start = RubberStart(event.ormel);
+  const double x = vg.vgGDIDeviceToWorldX(start.x, false), y = vg.vgGDIDeviceToWorldY(start.y, false);
+  return {std::min(x, event.world.x), std::max(x, event.world.x), std::min(y, event.world.y),
+          std::max(y, event.world.y)};
+}
+
 /// A right click on a vertex of a string or domain opens its information panel.  True when it did.
 bool OpenPanel(const MouseEvent& event) {
   const Vid vid = ElemFindVertex(event.ormel, event.world);
@@ -46,12 +68,30 @@ bool OpenPanel(const MouseEvent& event) {
   return true;
 }
 
+/// A click selects, a dragged box selects all within it; with Ctrl or Shift they come to the selection or
+/// leave it.  A click with Shift inspects the results, and so does nothing before it is known to be one.
 class Selecting final : public MouseAction {
  public:
   void Press(const MouseEvent& event) const override {
     KeepLast(event);
     StartRubber(event);
-    ElemSelectElement(event.ormel);
+    event.view.press_shift() = event.shift;
+    if (event.shift == kCtrlKey)
+      ToggleSelected(event.ormel, LastClick(event.ormel));
+    else if (event.shift == 0)
+      ElemSelectElement(event.ormel);
+  }
+  void Move(const MouseEvent& event) const override {
+    if (event.view.press_shift() >= 0 && Dragged(event)) DrawRubberRectangle(event);
+  }
+  void Release(const MouseEvent& event) const override {
+    RemoveRubber(event.view);
+    const int shift = std::exchange(event.view.press_shift(), -1);
+    if (shift < 0) return;  // the press placed something, and ended that mode
+    if (Dragged(event))
+      SelectWithin(event.ormel, RubberBox(event), shift != 0);
+    else if (shift == kShiftKey)
+      PressWithKeys({event.view, event.ormel, event.device, event.world, shift});
   }
   void RightPress(const MouseEvent& event) const override { OpenPanel(event); }
 };
@@ -120,7 +160,7 @@ class Digitizing final : public MouseAction {
  public:
   using Vertex = void (*)(Ormel&, bool first);
   using End = void (*)(Ormel&);
-  Digitizing(Vertex vertex, End end, std::size_t fewest) : vertex_(vertex), end_(end), fewest_(fewest) {}
+  Digitizing(Vertex vertex, End end) : vertex_(vertex), end_(end) {}
 
   void Press(const MouseEvent& event) const override {
     const bool first = !event.ormel.mouse.LineInProgress;
@@ -143,14 +183,13 @@ class Digitizing final : public MouseAction {
   void Cancel(const MouseEvent& event) const override {
     Ormel& ormel = event.ormel;
     const Pid pid = ormel.mouse.CurrentPID;
-    const char* table = PolygonTable(ormel.mouse.MouseElement);
-    const bool half_drawn = ormel.mouse.LineInProgress && table != nullptr && pid != kNoPolygon &&
-                            VerticesOf(ormel, pid).size() < fewest_;
+    const ElementKind* kind = FindKind(ormel.mouse.MouseElement);
+    const bool half_drawn = ormel.mouse.LineInProgress && kind != nullptr && pid != kNoPolygon &&
+                            VerticesOf(ormel, pid).size() < kind->fewest;
     if (!half_drawn) return RightPress(event);
     RemoveRubber(event.view);
     EndDigitizing(ormel);
-    DeletePolygonElement(ormel, table, pid);
-    ormel.view().ZoomActions(Zoom::kRedrawInPlace);
+    RemoveElement(ormel, {kind->element, pid});
     ormel.view().TurnOnMenus();
   }
   void Back(const MouseEvent& event) const override {
@@ -163,16 +202,14 @@ class Digitizing final : public MouseAction {
   /// The vertex may have gone to a corner of another domain.
   static void StartAtLastVertex(const MouseEvent& event) {
     if (event.ormel.mouse.CurrentPID == kNoPolygon) return;
-    RowReader rows(event.ormel.db(), "select X,Y from Vertices where PID=? order by Seq desc",
-                   {event.ormel.mouse.CurrentPID});
-    if (!rows.Next()) return;
-    const DevicePoint at = event.view.vg().vgGDIWorldToDevice(rows.Double(0), rows.Double(1));
+    const std::vector<VertexRow> rows = VerticesOf(event.ormel, event.ormel.mouse.CurrentPID);
+    if (rows.empty()) return;
+    const DevicePoint at = event.view.vg().vgGDIWorldToDevice(rows.back().at.x, rows.back().at.y);
     event.ormel.mouse.Rubber[0] = static_cast<float>(at.x);
     event.ormel.mouse.Rubber[1] = static_cast<float>(at.y);
   }
   Vertex vertex_;
   End end_;
-  std::size_t fewest_;  ///< points that the element needs
 };
 
 /// The zoom rectangle: dragged, or set by two clicks.
@@ -188,12 +225,7 @@ class ZoomRectangle final : public MouseAction {
     if (event.ormel.mouse.LineInProgress) DrawRubberRectangle(event);
   }
   void Release(const MouseEvent& event) const override {
-    if (!event.ormel.mouse.LineInProgress) return;
-    constexpr int kStill = 3;  // a hand is never quite still [pixels]
-    const DevicePoint start = RubberStart(event.ormel);
-    const bool moved =
-        std::abs(event.device.x - start.x) > kStill || std::abs(event.device.y - start.y) > kStill;
-    if (moved) Apply(event);
+    if (event.ormel.mouse.LineInProgress && Dragged(event)) Apply(event);
   }
   void RightPress(const MouseEvent& event) const override { Cancel(event); }
   void Cancel(const MouseEvent& event) const override {
@@ -204,14 +236,11 @@ class ZoomRectangle final : public MouseAction {
  private:
   static void Apply(const MouseEvent& event) {
     Ormel& ormel = event.ormel;
-    const VgGdi& vg = event.view.vg();
-    const DevicePoint start = RubberStart(ormel);
-    const double x = vg.vgGDIDeviceToWorldX(start.x, false), y = vg.vgGDIDeviceToWorldY(start.y, false);
+    const Extents box = RubberBox(event);
     KeepLast(event);
     RemoveRubber(event.view);
     ormel.mouse.LineInProgress = false;
-    ormel.view().ZoomActions(Zoom::kApplyRectangle, {std::min(x, event.world.x), std::max(x, event.world.x),
-                                                     std::max(y, event.world.y), std::min(y, event.world.y)});
+    ormel.view().ZoomActions(Zoom::kApplyRectangle, WindowOf(box));
     ormel.view().TurnOnMenus();
   }
 };
@@ -265,10 +294,10 @@ const Placing kWell{ElemAddWell}, kTestPoint{ModelAddTestPoint}, kParticle{Model
 const PlacingFlow kFlow;
 const BasemapSelection kBasemaps;
 const ZoomRectangle kRectangle;
-const Digitizing kLinesink{ElemAddLinesinkVertex, ElemEndLinesinkString, 2},
-    kBarrier{ElemAddNoFlowVertex, ElemEndNoFlowString, 2},
-    kInhomogeneity{ElemAddInhoVertex, ElemEndInhomogeneity, 3},
-    kFluxLine{ModelAddFluxVertex, ModelEndFluxInspect, 2}, kCapzone{ModelAddCZVertex, ModelEndCapzone, 3};
+const Digitizing kLinesink{ElemAddLinesinkVertex, ElemEndLinesinkString},
+    kBarrier{ElemAddNoFlowVertex, ElemEndNoFlowString},
+    kInhomogeneity{ElemAddInhoVertex, ElemEndInhomogeneity},
+    kFluxLine{ModelAddFluxVertex, ModelEndFluxInspect}, kCapzone{ModelAddCZVertex, ModelEndCapzone};
 const StreamBoundary kStream;
 const MouseAction kNothing;
 

@@ -39,6 +39,10 @@ bool HasAction(MouseMode mode, Element element);
 const MouseAction& MoveAction();
 const MouseAction& SelectAction();
 
+/// Shift inspects the results at the point, Shift and Ctrl trace a path from it.  True when the press was one
+/// of them.
+bool PressWithKeys(const MouseEvent& event);
+
 // Shared by the actions.
 /// Keeps the place as the start of the rubber line.
 void StartRubber(const MouseEvent& event);

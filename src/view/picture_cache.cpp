@@ -26,7 +26,7 @@ std::size_t PictureCache::Record(const MapCanvas& canvas, ViewState& state, Draw
                                  const DisplayList& ground,
                                  const std::function<void(std::string_view)>& progress) {
   LabelPlacer labels;
-  const MapCanvas map{canvas.ormel, canvas.vg, &labels};
+  const MapCanvas map{canvas.ormel, canvas.vg, &labels, canvas.lifted};
   Recorder recorder(device);
   const VgGdi::Redirect redirect(canvas.vg, recorder);
   lists_.resize(MapLayers().size() + 1);

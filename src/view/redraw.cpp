@@ -36,6 +36,8 @@ void DrawHaze(const MapCanvas& canvas, ViewState&) {
 }
 
 void DrawFlow(const MapCanvas& canvas, ViewState&) {
+  const auto is_flow = [](const ElementId& id) { return id.element == Element::kUniformFlow; };
+  if (canvas.lifted != nullptr && std::any_of(canvas.lifted->begin(), canvas.lifted->end(), is_flow)) return;
   ElemDrawUniformFlow(canvas, DrawMode::kNormal);
 }
 
@@ -131,7 +133,8 @@ bool IsDrawn(const MapLayer& layer, const Ormel& ormel, const ViewState& state) 
 
 void DrawMap(const MapCanvas& canvas, ViewState& state) {
   LabelPlacer own;
-  const MapCanvas map{canvas.ormel, canvas.vg, canvas.labels != nullptr ? canvas.labels : &own};
+  const MapCanvas map{canvas.ormel, canvas.vg, canvas.labels != nullptr ? canvas.labels : &own,
+                      canvas.lifted};
   for (const MapLayer& layer : kLayers) {
     if (!IsDrawn(layer, canvas.ormel, state)) continue;
     canvas.vg.BeginLayer(layer.name);

@@ -87,9 +87,12 @@ void ModelDrawAllTestPoints(const MapCanvas& canvas) {
   if (!canvas.ormel.layers.On(Layer::kTestPoints)) return;
   if (!canvas.ormel.solution.ValidSolution) {
     RowReader rows(canvas.ormel.db(),
-                   "select Vertices.X,Vertices.Y from TestPoints,Vertices where TestPoints.VID=Vertices.VID "
+                   "select Vertices.X,Vertices.Y,TestPoints.VID from TestPoints,Vertices where "
+                   "TestPoints.VID=Vertices.VID "
                    "order by TestPoints.VID");
-    while (rows.Next()) DrawPlainTestPoint(canvas, {rows.Double(0), rows.Double(1)}, 0.0, DrawMode::kNormal);
+    while (rows.Next())
+      if (!canvas.IsLifted(Element::kTestPoint, rows.Long(2)))
+        DrawPlainTestPoint(canvas, {rows.Double(0), rows.Double(1)}, 0.0, DrawMode::kNormal);
     return;
   }
   RowReader rows(canvas.ormel.db(), "select X,Y,Label,ObsHead,Difference from TPResults");
@@ -108,18 +111,23 @@ void ModelDrawParticle(const MapCanvas& canvas, MapPoint at, DrawMode mode) {
 void ModelDrawAllParticles(const MapCanvas& canvas) {
   const Named named(canvas.ormel, "ModelDrawAllParticles");
   RowReader rows(canvas.ormel.db(),
-                 "select Vertices.X,Vertices.Y from Particles,Vertices where Particles.VID=Vertices.VID "
+                 "select Vertices.X,Vertices.Y,Particles.VID from Particles,Vertices where "
+                 "Particles.VID=Vertices.VID "
                  "order by Particles.VID");
-  while (rows.Next()) ModelDrawParticle(canvas, {rows.Double(0), rows.Double(1)}, DrawMode::kNormal);
+  while (rows.Next())
+    if (!canvas.IsLifted(Element::kParticle, rows.Long(2)))
+      ModelDrawParticle(canvas, {rows.Double(0), rows.Double(1)}, DrawMode::kNormal);
 }
 
 void ModelDrawAllText(const MapCanvas& canvas, LabelClass wanted) {
   const Named named(canvas.ormel, "ModelDrawAllText");
   const bool users = wanted == LabelClass::kUser;
   const double width = canvas.vg.World().Width();
-  const char* sql = "select X,Y,Text,FontName,FontSize,FontBold,FontItalic,LabelType,ScalerX from TextLabels";
+  const char* sql =
+      "select X,Y,Text,FontName,FontSize,FontBold,FontItalic,LabelType,ScalerX,rowid from TextLabels";
   RowReader rows(canvas.ormel.db(), sql);
   while (rows.Next()) {
+    if (canvas.IsLifted(Element::kTextLabel, rows.Long(9))) continue;
     const std::int64_t type = rows.Long(7);
     const LabelClass is = type == 0   ? LabelClass::kUser
                           : type == 1 ? LabelClass::kHydrography

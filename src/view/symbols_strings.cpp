@@ -101,9 +101,11 @@ void ElemDrawAllLinesinks(const MapCanvas& canvas) {
   const Named named(canvas.ormel, "ElemDrawAllLinesinks");
   const VertexChains chains(canvas.ormel.db(), "LinesinkStrings");
   RowReader rows(canvas.ormel.db(), "select PID,HeadSpecified,Drain,FarField from LinesinkStrings");
-  while (rows.Next())
+  while (rows.Next()) {
+    if (canvas.IsLifted(Element::kLinesink, rows.Long(0))) continue;
     DrawLinesink(canvas, chains.Of(rows.Long(0)), LinesinkStyle(rows.Bool(1), rows.Bool(2), rows.Bool(3)),
                  DrawMode::kNormal);
+  }
 }
 
 void ElemDrawLinesinkString(const MapCanvas& canvas, Pid pid, DrawMode mode) {
@@ -119,9 +121,11 @@ void ElemDrawAllNoFlow(const MapCanvas& canvas) {
   const Named named(canvas.ormel, "ElemDrawAllNoFlow");
   const VertexChains chains(canvas.ormel.db(), "NoFlowStrings");
   RowReader rows(canvas.ormel.db(), "select PID,Closed,Color from NoFlowStrings");
-  while (rows.Next())
+  while (rows.Next()) {
+    if (canvas.IsLifted(Element::kBarrier, rows.Long(0))) continue;
     DrawBarrier(canvas, chains.Of(rows.Long(0)), rows.Bool(1), {static_cast<std::int32_t>(rows.Long(2))},
                 DrawMode::kNormal);
+  }
 }
 
 void ElemDrawNoFlowString(const MapCanvas& canvas, Pid pid, bool closed, Color color, DrawMode mode) {
@@ -134,9 +138,11 @@ void ElemDrawAllInhos(const MapCanvas& canvas) {
   const VertexChains chains(canvas.ormel.db(), "Inhomogeneities");
   const std::unordered_set<Pid> shared = DomainsWithSharedCorner(chains);
   RowReader rows(canvas.ormel.db(), "select PID,Color from Inhomogeneities");
-  while (rows.Next())
+  while (rows.Next()) {
+    if (canvas.IsLifted(Element::kInhomogeneity, rows.Long(0))) continue;
     DrawDomain(canvas, chains.Of(rows.Long(0)), {static_cast<std::int32_t>(rows.Long(1))},
                shared.count(rows.Long(0)) != 0, DrawMode::kNormal);
+  }
 }
 
 void ElemDrawInho(const MapCanvas& canvas, Pid pid, Color color, DrawMode mode) {
@@ -157,7 +163,9 @@ void ModelDrawAllFluxInspect(const MapCanvas& canvas) {
   const Named named(canvas.ormel, "ModelDrawAllFluxInspect");
   const VertexChains chains(canvas.ormel.db(), "FluxInspect");
   RowReader rows(canvas.ormel.db(), "select PID from FluxInspect");
-  while (rows.Next()) DrawFluxLine(canvas, chains.Of(rows.Long(0)), DrawMode::kNormal);
+  while (rows.Next())
+    if (!canvas.IsLifted(Element::kFluxLine, rows.Long(0)))
+      DrawFluxLine(canvas, chains.Of(rows.Long(0)), DrawMode::kNormal);
 }
 
 void ModelDrawFluxInspect(const MapCanvas& canvas, Pid pid, DrawMode mode) {

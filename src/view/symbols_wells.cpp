@@ -100,6 +100,7 @@ void ElemDrawAllWells(const MapCanvas& canvas) {
                  "select Wells.VID,Vertices.X,Vertices.Y,Wells.Setback,Wells.Radius,Wells.Label "
                  "from Wells,Vertices where Wells.VID=Vertices.VID order by Wells.VID");
   while (rows.Next()) {
+    if (canvas.IsLifted(Element::kWell, rows.Long(0))) continue;
     const MapPoint at{rows.Double(1), rows.Double(2)};
     DrawWellSymbol(canvas, at, rows.Double(3), rows.Double(4), ModeOfWell(dry, rows.Long(0), rows.Text(5)));
   }
@@ -108,9 +109,11 @@ void ElemDrawAllWells(const MapCanvas& canvas) {
 void ElemDrawAllWellLabels(const MapCanvas& canvas) {
   const Named named(canvas.ormel, "ElemDrawAllWells");
   RowReader rows(canvas.ormel.db(),
-                 "select Vertices.X,Vertices.Y,Wells.Label from Wells,Vertices "
+                 "select Vertices.X,Vertices.Y,Wells.Label,Wells.VID from Wells,Vertices "
                  "where Wells.VID=Vertices.VID order by Wells.VID");
-  while (rows.Next()) DrawWellLabel(canvas, {rows.Double(0), rows.Double(1)}, rows.Text(2));
+  while (rows.Next())
+    if (!canvas.IsLifted(Element::kWell, rows.Long(3)))
+      DrawWellLabel(canvas, {rows.Double(0), rows.Double(1)}, rows.Text(2));
 }
 
 void ReserveWells(const MapCanvas& canvas) {

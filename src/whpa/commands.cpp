@@ -277,7 +277,7 @@ void ElemAddStreamBoundaryVertex(Ormel& ormel, int pointNumber) {
     }
     const Vid vid = ElemAddVertex(ormel, {ormel.mouse.LastX, ormel.mouse.LastY}, kSinglePoint, 0);
     StorePoint(ormel, pointNumber, vid);
-    ormel.view().DrawElement(Element::kWhpaBoundaryVertex, vid, kNoPolygon, DrawMode::kSelected);
+    ormel.view().ShowPlace(Element::kWhpaBoundaryVertex, {ormel.mouse.LastX, ormel.mouse.LastY});
     if (pointNumber != 2) return;
     MakeStreamImages(ormel);
     ormel.mouse.LineInProgress = false;

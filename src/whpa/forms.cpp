@@ -28,6 +28,9 @@ constexpr ControlSpec kPorosity{.name = "DataPorosity",
                                 .kind = ControlKind::kNumber,
                                 .caption = "Aquifer Porosity",
                                 .range = {0.0, 1.0, true}};
+/// With a check of its own words.
+constexpr ControlSpec kMeanPorosity{
+    .name = "DataPorosity", .kind = ControlKind::kNumber, .caption = "Aquifer Porosity"};
 constexpr ControlSpec kThickness{
     .name = "DataThickness", .kind = ControlKind::kNumber, .caption = "Aquifer Thickness", .range = kSizes};
 
@@ -82,7 +85,7 @@ constexpr ControlSpec kMultipleControls[] = {
          "To ensure proper treatment of well interference, capture zones will be represented by sets of "
          "particle traces from each well selected above."},
     kWellList,
-    kPorosity,
+    kMeanPorosity,
     kThickness,
     {.name = "DataAmbientFlow", .kind = ControlKind::kNumber, .caption = "Ambient Flow", .range = {0.0, 1e7}},
     {.name = "DataDirectionFlow",

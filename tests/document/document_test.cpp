@@ -29,6 +29,19 @@ struct DocumentTest : testing::Test, TestProject {
   }
 };
 
+TEST_F(DocumentTest, the_nearest_vertex_is_none_that_a_command_took_back) {
+  RunCommand(ormel, "test", [&] { AddVertex({0, 0}); });
+  const Vid first = document.NearestVertex({9, 9}).vid;
+  RunCommand(ormel, "test", [&] {
+    Transaction attempt(ormel.db());
+    const Vid second = AddVertex({10, 10});
+    EXPECT_EQ(document.NearestVertex({9, 9}).vid, second);
+    attempt.Rollback();
+    EXPECT_EQ(document.NearestVertex({9, 9}).vid, first) << "within the command";
+  });
+  EXPECT_EQ(document.NearestVertex({9, 9}).vid, first) << "and behind it";
+}
+
 TEST(Fields, every_table_of_a_kind_is_undone_and_no_result_is) {
   for (const ElementKind& kind : ElementKinds()) {
     if (kind.table.empty()) continue;

@@ -76,16 +76,16 @@ TEST_F(CrossingEdits, a_vertex_is_not_moved_where_its_lines_would_cross) {
   const Pid other =
       StoreInhomogeneity(ormel, {.Label = "b"}, Points{{100, 0}, {200, 0}, {200, 100}, {100, 100}});
   SelectAt(0, 0);
-  ElemEndMove(ormel, {50, 150});
+  ElemEndMove(ormel, {0, 0}, {50, 150});
   EXPECT_EQ(test.ui.LastTitle(), "Crossing Lines");
   EXPECT_EQ(test.Number("select count(*) from Vertices where X=50"), 0.0);
   test.ui.boxes.clear();
   SelectAt(100, 0);  // shared: fine for "a", not for "b"
-  ElemEndMove(ormel, {300, 90});
+  ElemEndMove(ormel, {100, 0}, {300, 90});
   EXPECT_EQ(test.ui.boxes.size(), 1U);
   EXPECT_EQ(PointsOf(ormel, other).front().x, 100.0);
   SelectAt(0, 0);
-  ElemEndMove(ormel, {-50, -50});
+  ElemEndMove(ormel, {0, 0}, {-50, -50});
   EXPECT_EQ(test.ui.boxes.size(), 1U);
   EXPECT_EQ(test.Number("select count(*) from Vertices where X=-50"), 1.0);
 }

@@ -165,6 +165,7 @@ TEST_F(Deleting, bulk_deletion_counts_what_it_removes) {
   StoreWell(ormel, {.Label = "q"}, {4, 1});
   StoreWell(ormel, {.Label = "h", .HeadSpecified = true}, {5, 1});
   StoreLinesink(ormel, {.Label = "stays"}, Points{{6, 1}, {7, 1}});
+  together.Settle();
   for (const Row& row : kRows) {
     ormel.solution.ValidSolution = true;
     test.ui.AnswerTo("Delete All", {Answer::kNo, Answer::kYes, Answer::kOk, Answer::kYes, Answer::kOk});

@@ -15,6 +15,7 @@ class EditingProject : public ::testing::Test {
  protected:
   EditingProject() { ormel.selection.radius_squared = 1.0; }
   void SelectAt(double x, double y) {
+    together.Settle();
     ormel.mouse.LastX = x;
     ormel.mouse.LastY = y;
     ElemSelectElement(ormel);

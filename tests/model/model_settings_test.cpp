@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "core/command.h"
 #include "form_rows.h"
 #include "model/geometry.h"
 #include "model/inhomogeneities.h"
@@ -240,10 +241,12 @@ TEST_F(Settings, ok_makes_the_solution_invalid_or_offers_grid_and_paths_or_redra
 }
 
 TEST_F(Settings, a_recharge_of_the_aquifer_is_told_and_becomes_a_domain_on_request) {
-  ormel.db().Execute("update Model set AQRecharge=0.001");
   const std::vector<MapPoint> ring{{100, 100}, {300, 100}, {300, 200}};
-  StoreInhomogeneity(ormel, {.Label = "recharge", .Recharge = 0.001}, ring);
-  StoreInhomogeneity(ormel, {.Label = "own", .Recharge = 0.002, .ChangeR = true}, ring);
+  RunCommand(ormel, "setup", [&] {
+    ormel.db().Execute("update Model set AQRecharge=0.001");
+    StoreInhomogeneity(ormel, {.Label = "recharge", .Recharge = 0.001}, ring);
+    StoreInhomogeneity(ormel, {.Label = "own", .Recharge = 0.002, .ChangeR = true}, ring);
+  });
   ormel.solution.ValidSolution = true;
   test.ui.AnswerTo("Recharge Rate", {Answer::kNo, Answer::kYes});
   Run({});

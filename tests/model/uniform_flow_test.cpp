@@ -42,6 +42,7 @@ TEST_F(Uniform, dialog_checks_in_their_order) {
 }
 
 TEST_F(Uniform, is_placed_edited_replaced_and_removed) {
+  together.Settle();
   ormel.solution.ValidSolution = true;
   test.ui.AnswerTo("Warning - Uniform Flow", {Answer::kYes});
   ElemUniformFlow(ormel);

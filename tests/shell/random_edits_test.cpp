@@ -12,7 +12,9 @@
 #include <thread>
 
 #include "core/command.h"
+#include "core/window_commands.h"
 #include "document/document.h"
+#include "document/fingerprint.h"
 #include "shell/lifecycle.h"
 #include "shell/menus.h"
 #include "shell/random_user.h"
@@ -49,12 +51,29 @@ constexpr std::array kChoices{
     Choice{1, "DeleteWHPA", 3}, Choice{3, "WHPA", 0},       Choice{4, "WHPA", 1},
     Choice{4, "WHPA", 2},       Choice{2, "FILE_CMDS", 4},  Choice{1, "EDITORGRID", 1},
     Choice{1, "ZOOM_CMDS", 1},  Choice{2, "ZOOM_CMDS", 3},  Choice{1, "layermenu", 9},
-    Choice{9, "UNDO", 0},       Choice{7, "REDO", 0}};
+    Choice{9, "UNDO", 0},       Choice{7, "REDO", 0},       Choice{6, "COPY", 0},
+    Choice{6, "PASTE", 0},      Choice{1, "SELECTALL", 0}};
+
+/// A clipboard that holds what was copied.
+class Clipboard final : public WindowCommands {
+ public:
+  explicit Clipboard(const RandomUser& user) : user_(user) {}
+  void Exit() override {}
+  void FilePrintSetup() override {}
+  void FilePrint() override {}
+  void CopyImage() override {}
+  void SaveMapAs() override {}
+  void ShowReleaseNotes() override {}
+  std::string ClipboardText() override { return user_.copied; }
+
+ private:
+  const RandomUser& user_;
+};
 
 /// The program on a copy of an example, with one user.
 struct Program {
   Program(const std::string& path, unsigned seed) : user(seed) {
-    ormel.ports = {&user, &map, &solver, &processes, &settings, &clock, nullptr, &document};
+    ormel.ports = {&user, &map, &solver, &processes, &settings, &clock, &window, &document};
     RunCommand(ormel, "FileOpenProject", [&] { FileOpenProject(ormel, path); });
     ormel.selection.radius_squared *= 20.0;  // a click finds something more often
   }
@@ -75,6 +94,13 @@ struct Program {
     Map_MouseDown(map, button, 0, at);
     Map_MouseUp(map, button, 0, at);
   }
+  void DragABox(int shift) {
+    const DevicePoint corner = Target();
+    const DevicePoint other{corner.x + 4 + user.dice.Below(60), corner.y + 4 + user.dice.Below(60)};
+    Map_MouseDown(map, MouseButton::kLeft, shift, corner);
+    Map_MouseMove(map, MouseButton::kLeft, shift, other);
+    Map_MouseUp(map, MouseButton::kLeft, shift, other);
+  }
   void DoMenu() {
     int total = 0;
     for (const Choice& choice : kChoices) total += choice.weight;
@@ -87,8 +113,27 @@ struct Program {
       }
     }
   }
-  /// One act of the user, which may be part of a longer one.
+  /// One act of the user, which may be part of a longer one.  A solution on view is that of the model, or the
+  /// user was asked and kept it.
   void Do() {
+    if (ormel.mouse.MouseMode != MouseMode::kDigitize && user.dice.Chance(10)) {
+      ormel.solution.ValidSolution = true;
+      ormel.solution.OfOlderModel = false;
+      solved = FingerprintOf(ormel).solution;
+    }
+    DoOne();
+    if (ormel.mouse.MouseMode == MouseMode::kDigitize || ormel.solution.OfOlderModel) return;
+    if (!ormel.solution.ValidSolution || FingerprintOf(ormel).solution == solved) return;
+    // The dialog of a domain decides by what was touched in it, and drops a head that says nothing.
+    if (document.UndoName() == "Change Inhomogeneity") {
+      ormel.solution.ValidSolution = false;
+      return;
+    }
+    user.failures +=
+        "a model that has changed kept its solution unasked, behind " + document.UndoName() + "\n";
+    ormel.solution.ValidSolution = false;
+  }
+  void DoOne() {
     Dice& dice = user.dice;
     const MouseState& mouse = ormel.mouse;
     if (mouse.MovePending) {
@@ -105,6 +150,8 @@ struct Program {
         Map_KeyDown(map, MapKey::kBackspace);
       else
         Map_KeyDown(map, MapKey::kEscape);
+    } else if (dice.Chance(10)) {
+      DragABox(dice.Chance(50) ? kShiftKey : 0);
     } else if (dice.Chance(50)) {
       Click(MouseButton::kLeft, Target());
     } else {
@@ -117,6 +164,7 @@ struct Program {
   std::string Dump() { return DumpModel(ormel.db()); }
 
   RandomUser user;
+  Clipboard window{user};
   FakeSolver solver;
   FakeProcesses processes;
   FakeSettings settings;
@@ -125,6 +173,7 @@ struct Program {
   Document document{ormel};
   RecordingSurface surface;
   MapViewImpl map{ormel, &surface};
+  std::uint64_t solved = 0;  ///< fingerprint of the model when its solution was made valid
 };
 
 std::string CopyOf(const TempDir& dir, const std::string& example, const std::string& name) {

@@ -60,13 +60,13 @@ class RandomUser : public UserInterface {
   void PleaseWaitHide() override {}
   void Progress(double, std::string_view) override {}
   bool CancelRequested() override { return false; }
-  void CopyText(std::string_view) override {}
+  void CopyText(std::string_view text) override { copied = text; }
   void ViewTextFile(const std::string&) override {}
   void ShowHelp(std::string_view) override {}
   void MenusChanged() override {}
 
   Dice dice;
-  std::string failures;
+  std::string failures, copied;
 
  private:
   void Fill(Form& form, const ControlSpec& control) {

@@ -9,7 +9,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -128,23 +127,11 @@ class ScriptedInterface : public UserInterface {
 /// Records what was asked of the map.
 class FakeView : public MapView {
  public:
-  struct Drawn {
-    Element element;
-    Vid vid;
-    Pid pid;
-    DrawMode mode;
-  };
   void ZoomActions(Zoom code, const MapRect& rect) override {
     zooms.push_back(code);
     last_rect = rect;
   }
-  void DrawElement(Element element, Vid vid, Pid pid, DrawMode mode) override {
-    drawn.push_back({element, vid, pid, mode});
-  }
-  void DrawWell(MapPoint at, double, double, DrawMode mode) override { drawn_wells.emplace_back(at, mode); }
-  void DrawPoint(Element element, MapPoint at, DrawMode mode) override {
-    drawn_points.push_back({element, at, mode});
-  }
+  void ShowPlace(Element element, MapPoint at) override { places.emplace_back(element, at); }
   void ElemTurnOffSelection() override {
     ++selections_off;
     if (ormel == nullptr) return;
@@ -161,9 +148,7 @@ class FakeView : public MapView {
   Ormel* ormel = nullptr;  ///< whose selection is turned off
   std::vector<Zoom> zooms;
   MapRect last_rect;
-  std::vector<Drawn> drawn;
-  std::vector<std::pair<MapPoint, DrawMode>> drawn_wells;
-  std::vector<std::tuple<Element, MapPoint, DrawMode>> drawn_points;
+  std::vector<std::pair<Element, MapPoint>> places;
   int selections_off = 0, modes_cleared = 0, refreshes = 0;
   bool menus_on = true;
 };

@@ -21,7 +21,7 @@ struct PanelProject : TestProject {
     return StoreLinesink(ormel, row, points);
   }
   void Result(const std::string& label, double specified, double calculated, double discharge, double error) {
-    ResultRows(ormel.db()).Linesink("River", label, {0, 0}, {0, 0}, specified);
+    ResultRows(ormel.db()).Linesink("River", label, {0, 0}, {1000, 0}, specified);
     ormel.db().Execute("update LSResults set CalculatedHead=?,Discharge=?,Error=? where VadoxLabel=?",
                        {calculated, discharge, error, label});
   }
@@ -91,8 +91,12 @@ TEST(INInfo, ShowsWhatChangesAndTheErrorAlongTheEdge) {
       p.ormel, {.Label = "Gravel", .HydCond = 40, .Recharge = 0.001, .BottomElevation = 3, .ChangeK = true},
       corners);
   const std::string stem = "IN_" + std::string(6 - std::to_string(pid).size(), '0') + std::to_string(pid);
-  for (const char* seq : {"_0001", "_0101", "_0201"})
-    ResultRows(p.ormel.db()).Inhomogeneity("Gravel", stem + seq);
+  for (std::size_t i = 0; i < std::size(corners); ++i) {
+    const std::string label = stem + "_0" + std::to_string(i) + "01";
+    ResultRows(p.ormel.db()).Inhomogeneity("Gravel", label);
+    p.ormel.db().Execute("update INResults set X1=?,Y1=? where VadoxLabel=?",
+                         {corners[i].x, corners[i].y, label});
+  }
   p.ormel.db().Execute(
       "update INResults set AvgPotJump=1234.5,StrPotJumpNode=1000,DeltaPNode=0.001,DeltaPCntr=-0.004");
   p.ormel.solution.ValidSolution = true;

@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/command.h"
 #include "core/layers.h"
+#include "document/document.h"
 #include "view/map_fixture.h"
 
 namespace ormel::test {
@@ -328,7 +330,7 @@ TEST(Selection, LiesAboveThePictureAndLeavesNoTrace) {
   t.Redraw();
   const Strings before = t.surface.picture.Lines();
   t.ormel.selection = {.SelectedType = Element::kLinesink, .vid = 2, .pid = pid};
-  t.map.DrawElement(Element::kLinesink, 2, pid, DrawMode::kSelected);
+  t.map.Refresh();
   EXPECT_EQ(t.surface.picture.Lines(), before);
   RecordingDevice top;
   t.map.PaintOverlay(top);
@@ -341,38 +343,44 @@ TEST(Selection, LiesAboveThePictureAndLeavesNoTrace) {
   EXPECT_FALSE(t.ormel.menus.Enabled("EDIT_CMDS", 3));
 }
 
-TEST(Erasing, GivesANewPictureUnlessTheUserRedrawsByHand) {
+TEST(ThePicture, FollowsWhatACommandHasChanged) {
   MapProject t;
-  const Vid vid = t.AddVertex(0, 0);
-  t.ormel.db().Execute("insert into Particles (VID) values (?)", {vid});
+  const Document document(t.ormel);
   t.Redraw();
-  EXPECT_EQ(t.Drawn("Particles").size(), 2U);
-  t.map.DrawElement(Element::kParticle, vid, -1, DrawMode::kErase);
-  t.ormel.db().Execute("delete from Particles");
-  t.map.Refresh();
+  const auto command = [&](const char* sql, Vid vid) {
+    RunCommand(t.ormel, "Test", [&] { t.ormel.db().Execute(sql, {vid}); });
+  };
+  Vid vid = 0;
+  RunCommand(t.ormel, "Test", [&] { vid = t.AddVertex(0, 0); });
+  command("insert into Particles (VID) values (?)", vid);
+  EXPECT_EQ(t.surface.picture.Layer("Particles").size(), 2U);
+  const int pictures = t.surface.pictures;
+  command("update Model set WINDOWX1=-101+0*?", 1);
+  EXPECT_EQ(t.surface.pictures, pictures) << "what the picture does not show costs none";
+  command("delete from Particles where VID=?", vid);
   EXPECT_THAT(t.surface.picture.Layer("Particles"), IsEmpty());
 
-  t.ormel.db().Execute("insert into Particles (VID) values (?)", {vid});
-  t.Redraw();
   t.ormel.layers.Switch(Layer::kManualRedraw, true);
-  const int pictures = t.surface.pictures;
-  t.map.DrawElement(Element::kParticle, vid, -1, DrawMode::kErase);
-  t.map.Refresh();
-  EXPECT_EQ(t.surface.pictures, pictures);
+  const int before = t.surface.pictures;
+  command("insert into Particles (VID) values (?)", vid);
   RecordingDevice top;
   t.map.PaintOverlay(top);
-  EXPECT_TRUE(top.Drew("line 15 195,195 205,205")) << "covered in the colour of the paper";
+  EXPECT_FALSE(top.empty()) << "what is new lies over the picture";
+  EXPECT_NE(t.ormel.activity, "REDRAW");
+  command("delete from Particles where VID=?", vid);
+  EXPECT_EQ(t.surface.pictures, before);
+  EXPECT_EQ(t.ormel.activity, "REDRAW") << "the user is told that the picture is obsolete";
 }
 
-TEST(ANewElement, IsTakenBackWithoutAMark) {
+TEST(ANewElement, IsMarkedUntilTheCommandEnds) {
   MapProject t;
-  t.map.DrawWell({0, 0}, 0.0, 1.0, DrawMode::kNormal);
-  RecordingDevice top;
-  t.map.PaintOverlay(top);
-  EXPECT_TRUE(top.Drew("circle 5 at 200,200 r3"));
   const int pictures = t.surface.pictures;
-  t.map.DrawWell({0, 0}, 0.0, 1.0, DrawMode::kErase);
-  t.map.Refresh();
+  RecordingDevice top;
+  RunCommand(t.ormel, "Test", [&] {
+    t.map.ShowPlace(Element::kWell, {0, 0});
+    t.map.PaintOverlay(top);
+  });
+  EXPECT_TRUE(top.Drew("circle 5 at 200,200 r3"));
   top.Reset();
   t.map.PaintOverlay(top);
   EXPECT_TRUE(top.empty());

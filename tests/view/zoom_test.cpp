@@ -169,7 +169,7 @@ TEST(MapView, WorksWithoutASurface) {
   t.ormel.ports.view = &map;
   map.SetUpLayers();
   map.ZoomActions(Zoom::kApplyWindow, {0, 10, 10, 0});
-  map.DrawWell({0, 0}, 0, 1, DrawMode::kNormal);
+  map.ShowPlace(Element::kWell, {0, 0});
   map.Refresh();
   EXPECT_EQ(t.Number("select WINDOWX2 from Model"), 10.0);
 }
@@ -228,7 +228,10 @@ TEST(Layers, AreOfferedOnceTheyHaveSomethingToShow) {
   t.ormel.layers.Switch(Layer::kPathlines, false);
   t.Redraw();
   EXPECT_FALSE(t.ormel.layers.On(Layer::kPathlines)) << "the user's choice stays";
-  t.map.DrawElement(Element::kCapzone, -1, t.AddPolygon("0,0 10,0 0,10"), DrawMode::kNormal);
+  t.ormel.mouse.MouseMode = MouseMode::kDigitize;
+  t.ormel.mouse.MouseElement = Element::kCapzone;
+  t.ormel.mouse.CurrentPID = t.AddPolygon("0,0 10,0 0,10");
+  t.Redraw();  // what is being drawn is shown
   EXPECT_TRUE(t.ormel.layers.On(Layer::kCapzones));
 }
 

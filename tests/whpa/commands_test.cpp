@@ -140,7 +140,8 @@ TEST(Whpa, CalculatedChecksInOrderAndGoesBack) {
     EXPECT_EQ(program.ui.LastTitle(), "No Well Selected");
     form.Select("cmbWell", {0});
     for (const Row& row :
-         {Row{"DataPorosity", "0", "Invalid Porosity"}, Row{"DataPorosity", "1.5", "Invalid Thickness"},
+         {Row{"DataPorosity", "0", "Invalid Porosity"}, Row{"DataPorosity", "1.5", "Out of Range"},
+          Row{"DataPorosity", "0.2", "Invalid Thickness"},
           Row{"DataThickness", "20", "Choose Another Well"}}) {
       form.SetText(row.control, row.text);
       form.Click("ContinueCancel(0)");

@@ -129,7 +129,7 @@ TEST_F(OrmelcmdTest, AReadOnlyProjectIsLookedAtAndNotChanged) {
 TEST_F(OrmelcmdTest, TablesHoldNoFormula) {
   MakeTown();
   Do({"add", "well", "town.orm", "--at", "9,9", "--label", "=1+2", "--rate", "-5", "--radius", "0.1"});
-  EXPECT_NE(Do({"sql", "town.orm", "select Label,Pump from Wells", "--csv"}).find("\n'=1+2,"),
+  EXPECT_NE(Do({"sql", "town.orm", "select Label,Head from Wells", "--csv"}).find("\n'=1+2,"),
             std::string::npos);
 }
 
@@ -186,7 +186,7 @@ TEST_F(OtherSolverTest, WhatTheSolverLeavesOutIsTold) {
   const std::string vid = Do({"sql", "town.orm", "select VID from Wells", "--csv"}).substr(4);
   std::string label = "WL_000000";
   label.replace(label.size() - (vid.size() - 1), vid.size() - 1, vid.substr(0, vid.size() - 1));
-  PutSolver("\"$(dirname $0)/REAL.EXE\" \"$@\"; echo '" + label +
+  PutSolver("\"$(dirname \"$0\")/REAL.EXE\" \"$@\"; echo '" + label +
             " (line 7): has no screen: it is left out' >ERROR.LOG");
   const Outcome solved = Run({"solve", "town.orm"});
   EXPECT_EQ(solved.code, 0) << solved.err;

@@ -229,7 +229,7 @@ TEST_F(OrmelcmdTest, LooksIntoASolutionAtAPointAndAlongAPath) {
   EXPECT_EQ(Do({"sql", "town.orm", "select TRACEStep,TRACEMaxTime from Model", "--csv"}),
             "TRACEStep,TRACEMaxTime\n5,900\n");
   const std::string values = Do({"inspect", "town.orm", "-300", "100"});
-  EXPECT_NE(values.find("\nHead: 3"), std::string::npos) << values;
+  EXPECT_NE(values.find("\nHead: 29.8"), std::string::npos) << values;
   const std::string path = Do({"trace", "town.orm", "-300", "100"});
   EXPECT_EQ(path.find("x,y,elevation,days\n-300"), 0U) << path;
   EXPECT_GT(std::count(path.begin(), path.end(), '\n'), 5);

@@ -336,7 +336,7 @@ class Expected:
             "Where the capture zones lie": self.zone_places(),
             "Wells whose water the zones lead to": self.zone_wells(),
             "Areas around their wells": [row[:6] for row in self.areas()],
-            "Inputs of their formulas": [row[:2] + row[6:] for row in self.areas()],
+            "Inputs of their formulas": [row[:2] + row[6:7] + [None] + row[7:] for row in self.areas()],
             "Linesink strings, discharge positive out of the aquifer": self.strings(),
             "Inhomogeneities": self.domains(),
             "At the places of the results": self.conditions(),

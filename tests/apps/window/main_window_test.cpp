@@ -308,8 +308,11 @@ TEST_F(WindowTest, TheWelcomeBoxOpensAnExample) {
       if (button->text().contains("Basin")) return button->click();
     FAIL() << "no button for the example";
   });
+  processes.environment["HOME"] = dir.path().string();
   Start("");
   EXPECT_TRUE(program->window.windowTitle().contains("basin and range"));
+  EXPECT_TRUE(QString::fromStdString(program->ormel.project.folder).contains("Ormel Examples"))
+      << "a copy: " << program->ormel.project.folder;
   EXPECT_EQ(program->ormel.project.unit_suffix, " ft");
   EXPECT_TRUE(HasInk(Map().picture()));
 }
