@@ -28,13 +28,15 @@ bool IsBlank(char c) {
 }  // namespace
 
 std::string ReadWholeFile(const std::string& path) {
-  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  // Without waiting: a pipe in place of the file would keep the program until somebody writes into it.
+  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (file.value < 0) throw FileError(path, "cannot be opened", errno);
   struct stat about {};
   if (::fstat(file.value, &about) != 0) throw FileError(path, "cannot be read", errno);
   if (S_ISDIR(about.st_mode)) throw FileError(path, "is a folder, not a file", 0);
+  if (!S_ISREG(about.st_mode)) throw FileError(path, "is a pipe or a device, not a file", 0);
   std::string text;
-  if (S_ISREG(about.st_mode)) text.reserve(static_cast<std::size_t>(about.st_size));
+  text.reserve(static_cast<std::size_t>(about.st_size));
   char buffer[1 << 16];
   while (true) {
     const ssize_t got = ::read(file.value, buffer, sizeof buffer);

@@ -122,6 +122,7 @@ void AttachProject(Ormel& ormel, const std::string& path, bool view) {
   ReadProjectState(ormel);
   MendNames(ormel);
   CommitSoFar(ormel);
+  if (!view) ClearTemporariesOf(ormel.project.folder, {"Ormel"});  // of Ormel.def
 }
 
 void LoadDataControls(Ormel& ormel) {

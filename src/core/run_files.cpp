@@ -34,6 +34,15 @@ std::string ExistingOf(const std::string& exact, const std::string& lower) {
   return !FileExists(exact) && FileExists(lower) ? lower : exact;
 }
 
+bool IsTemporaryOf(const std::string& name, const std::string& stem) {
+  constexpr std::string_view kEnd = ".tmp";
+  if (!name.starts_with(stem + ".") || !name.ends_with(kEnd)) return false;
+  const std::string inner = name.substr(0, name.size() - kEnd.size());
+  const std::size_t dot = inner.rfind('.');
+  return dot > stem.size() && dot != std::string::npos && dot + 1 < inner.size() &&
+         inner.find_first_not_of("0123456789-", dot + 1) == std::string::npos;
+}
+
 }  // namespace
 
 std::string ModelFile(const Ormel& ormel, std::string_view name) {
@@ -86,6 +95,19 @@ std::string SafeStem(std::string_view stem, const std::string& project) {
 void DeleteTolerantly(const std::string& path) {
   std::error_code ignored;
   if (FileExists(path)) std::filesystem::remove(path, ignored);
+}
+
+void ClearTemporariesOf(const std::string& folder, const std::vector<std::string>& stems) {
+  std::error_code failure;
+  std::vector<std::filesystem::path> found;
+  const std::filesystem::directory_iterator end;
+  for (std::filesystem::directory_iterator entry(folder, failure); !failure && entry != end;
+       entry.increment(failure)) {
+    const std::string name = entry->path().filename().string();
+    for (const std::string& stem : stems)
+      if (IsTemporaryOf(name, stem)) found.push_back(entry->path());
+  }
+  for (const std::filesystem::path& path : found) std::filesystem::remove(path, failure);
 }
 
 std::string FreeStem(const std::string& folder, std::string_view wanted) {

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ormel {
 
@@ -23,6 +24,10 @@ std::string SafeStem(std::string_view stem, const std::string& project);
 
 /// Deletes the file when it is there; a failure is no error.
 void DeleteTolerantly(const std::string& path);
+
+/// Deletes what a program that was killed while it wrote a file of one of these stems has left in the folder:
+/// "town.XTR.123.tmp", "town.DAT.123-1.tmp".
+void ClearTemporariesOf(const std::string& folder, const std::vector<std::string>& stems);
 
 /// `wanted` as a stem of which no run's files lie in the folder, with a number behind it where they do.
 std::string FreeStem(const std::string& folder, std::string_view wanted);

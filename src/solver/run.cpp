@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -53,30 +51,11 @@ std::shared_ptr<void> WaitForFolder(Ormel& ormel) {
   return lock;
 }
 
-/// True for "town.XTR.123.tmp" and "town.DAT.123-1.tmp" with the stem "town".
-bool IsTemporaryOf(const std::string& name, const std::string& stem) {
-  constexpr std::string_view kEnd = ".tmp";
-  if (!name.starts_with(stem + ".") || !name.ends_with(kEnd)) return false;
-  const std::string inner = name.substr(0, name.size() - kEnd.size());
-  const std::size_t dot = inner.rfind('.');
-  return dot > stem.size() && dot != std::string::npos && dot + 1 < inner.size() &&
-         inner.find_first_not_of("0123456789-", dot + 1) == std::string::npos;
-}
-
 /// What a program that was killed while it wrote a file of a run has left.
 void ClearTemporaryFiles(const Ormel& ormel, const std::vector<RunFile>& files) {
   std::vector<std::string> stems{ormel.project.OrmelBaseName, "REGRID", "_INSPECT", "_TRACE"};
   for (const RunFile& file : files) stems.push_back(BaseName(file.path));
-  std::error_code failure;
-  std::vector<std::filesystem::path> found;
-  const std::filesystem::directory_iterator end;
-  for (std::filesystem::directory_iterator entry(ormel.project.OrmelBasePath, failure);
-       !failure && entry != end; entry.increment(failure)) {
-    const std::string name = entry->path().filename().string();
-    for (const std::string& stem : stems)
-      if (IsTemporaryOf(name, stem)) found.push_back(entry->path());
-  }
-  for (const std::filesystem::path& path : found) std::filesystem::remove(path, failure);
+  ClearTemporariesOf(ormel.project.OrmelBasePath, stems);
 }
 
 class Run {
