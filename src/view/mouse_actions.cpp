@@ -13,6 +13,7 @@
 #include "document/elements.h"
 #include "document/kinds.h"
 #include "model/barriers.h"
+#include "model/crossing.h"
 #include "model/digitize.h"
 #include "model/inhomogeneities.h"
 #include "model/linesinks.h"
@@ -184,9 +185,13 @@ class Digitizing final : public MouseAction {
     Ormel& ormel = event.ormel;
     const Pid pid = ormel.mouse.CurrentPID;
     const ElementKind* kind = FindKind(ormel.mouse.MouseElement);
-    const bool half_drawn = ormel.mouse.LineInProgress && kind != nullptr && pid != kNoPolygon &&
-                            VerticesOf(ormel, pid).size() < kind->fewest;
-    if (!half_drawn) return RightPress(event);
+    const bool drawing = ormel.mouse.LineInProgress && kind != nullptr && pid != kNoPolygon;
+    const auto half_drawn = [&] { return VerticesOf(ormel, pid).size() < kind->fewest; };
+    // Its end is refused as long as it would cross itself: the way out gives it up.
+    const auto cannot_close = [&] {
+      return IsRing(ormel, kind->element, pid) && CrossesItself(PointsOf(ormel, pid), true);
+    };
+    if (!drawing || !(half_drawn() || cannot_close())) return RightPress(event);
     RemoveRubber(event.view);
     EndDigitizing(ormel);
     RemoveElement(ormel, {kind->element, pid});

@@ -206,6 +206,23 @@ TEST(Mouse, EscapeLeavesNoHalfDrawnElement) {
   }
 }
 
+TEST(Mouse, EscapeGivesUpARingThatCannotClose) {
+  MouseProject t;
+  t.ui.OnForm("Inhomogeneity", [](Form& form) {
+    form.SetChecked("chkChangeP", true);
+    form.SetText("tbData(2)", "0.3");
+    Label(form);
+  });
+  ElemAddInhomogeneity(t.ormel);
+  for (const MapPoint at : {MapPoint{0, 0}, MapPoint{80, 0}, MapPoint{0, 80}, MapPoint{80, 80}})
+    t.Click(at.x, at.y);
+  EXPECT_EQ(t.Number("select count(*) from Vertices"), 4.0);
+  EXPECT_TRUE(Map_KeyDown(t.map, MapKey::kEscape));
+  t.ExpectSelectMode();
+  for (const char* table : {"Inhomogeneities", "Polygons", "Vertices"})
+    EXPECT_EQ(t.Number(std::string("select count(*) from ") + table), 0.0) << table;
+}
+
 TEST(Mouse, ZoomsToADraggedRectangleWhateverItsFirstCorner) {
   const std::array<std::array<double, 4>, 2> drags{{{-50, -50, 50, 50}, {50, 50, -50, -50}}};
   for (const auto& d : drags) {
