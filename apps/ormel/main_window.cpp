@@ -107,6 +107,13 @@ void MainWindow::ShowAll() {
 void MainWindow::Place(const Placement& placement) {
   const double pixel = kTwipsPerInch / logicalDpiX();
   const auto pixels = [pixel](double twips) { return static_cast<int>(std::lround(twips / pixel)); };
+  if (placement.First && screen() != nullptr) {
+    constexpr double kShare = 0.85;
+    const QRect whole = screen()->availableGeometry();
+    resize(QSizeF(whole.size() * kShare).toSize());
+    move(whole.center() - rect().center());
+    return;
+  }
   move(pixels(placement.Left), pixels(placement.Top));
   resize(pixels(placement.Width), pixels(placement.Height));
   // A screen of the last run may be gone: the title bar has to be within reach.

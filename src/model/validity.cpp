@@ -108,9 +108,10 @@ void MatchSolution(Ormel& ormel, const Fingerprint& before) {
     solution.PathlinesValid = false;
   }
   solution.OfOlderModel = has_run ? !again : solution.OfOlderModel;
-  NoteSolution(ormel);
   // Where nothing has changed the user's own choice of layers stays.
-  if (!was.ValidSolution) return ShowSolution(ormel);
+  if (!was.ValidSolution) ShowSolution(ormel);
+  NoteSolution(ormel);
+  if (!was.ValidSolution) return;
   if (was.ContoursValid != solution.ContoursValid) ShowLayer(ormel, Layer::kContours, solution.ContoursValid);
   if (was.PathlinesValid != solution.PathlinesValid)
     ShowLayer(ormel, Layer::kPathlines, solution.PathlinesValid);

@@ -61,6 +61,7 @@ Placement ReadPlacement(const Ormel& ormel) {
   const Settings& settings = ormel.settings();
   for (const PlacementKey& entry : kPlacementKeys)
     placement.*entry.value = Val(settings.GetSetting(entry.key, NumberText(placement.*entry.value)));
+  placement.First = settings.GetSetting("Width", "").empty();
   const auto on = [&settings](std::string_view key, std::string_view otherwise) {
     const std::string text = settings.GetSetting(key, otherwise);
     return EqualNoCase(Trim(text), "true") || Val(text) != 0.0;

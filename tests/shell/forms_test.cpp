@@ -35,6 +35,7 @@ TEST_F(StartTest, WithoutSettingsTheWindowHasItsFirstPlaceAndTheWelcomeBoxComes)
   EXPECT_EQ(placed->Left, 0.0);
   EXPECT_EQ(placed->Width, 6400.0);
   EXPECT_EQ(placed->Height, 6400.0);
+  EXPECT_TRUE(placed->First);
   EXPECT_TRUE(placed->Toolbar);
   EXPECT_TRUE(shown);
   EXPECT_TRUE(ormel.layers.On(Layer::kToolbar));

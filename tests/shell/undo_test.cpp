@@ -187,8 +187,10 @@ TEST_F(UndoTest, the_solution_of_a_model_comes_back_with_the_model) {
   Drag(10, 10, 40, 10);
   EXPECT_FALSE(ormel.solution.ValidSolution);
   EXPECT_FALSE(ormel.menus.Enabled("RESULTS_TABLE"));
+  EXPECT_EQ(ui.panels[Panel::kNote], "");
   Undo();
   EXPECT_TRUE(ormel.solution.ValidSolution);
+  EXPECT_EQ(ui.panels[Panel::kNote], "CURRENT");
   EXPECT_TRUE(ormel.menus.Enabled("RESULTS_TABLE"));
   EXPECT_TRUE(ormel.layers.On(Layer::kContours));
   ui.AnswerTo("Model Changed!", {Answer::kYes});
