@@ -107,6 +107,7 @@ void MainWindow::ShowAll() {
 void MainWindow::Place(const Placement& placement) {
   const double pixel = kTwipsPerInch / logicalDpiX();
   const auto pixels = [pixel](double twips) { return static_cast<int>(std::lround(twips / pixel)); };
+  if (placement.Maximized) setWindowState(windowState() | Qt::WindowMaximized);
   if (placement.First && screen() != nullptr) {
     constexpr double kShare = 0.85;
     const QRect whole = screen()->availableGeometry();
@@ -124,7 +125,6 @@ void MainWindow::Place(const Placement& placement) {
     return seen.width() >= kTitleBar && seen.height() >= kTitleBar / 2;
   });
   if (!reachable && screen() != nullptr) move(screen()->availableGeometry().topLeft());
-  if (placement.Maximized) setWindowState(windowState() | Qt::WindowMaximized);
 }
 
 std::optional<Placement> MainWindow::PresentPlacement() const {
