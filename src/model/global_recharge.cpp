@@ -67,12 +67,14 @@ bool OfferRechargeDomain(Ormel& ormel) {
     const std::string rate = NumberText(model.AQRecharge) + " " + UnitOf(ormel, Quantity::kRate);
     if (!AskYesNo(
             ormel, "Recharge Rate",
-            Lines({"The recharge rate of the aquifer is " + rate + ", but by itself it acts nowhere:",
-                   "an inhomogeneity that does not change recharge takes it as its own, and the ground",
-                   "outside of inhomogeneities gets none.", "",
-                   "Ormel can make one recharge domain around the whole model that carries this rate, and",
-                   "set the rate of the aquifer to zero.  Where domains overlap their rates add up.", "",
-                   "Make the recharge domain?"}),
+            Lines(
+                {"The recharge rate of the aquifer is " + rate +
+                     ", but by itself it acts nowhere: an inhomogeneity that does not change recharge takes "
+                     "it as its own, and the ground outside of inhomogeneities gets none.",
+                 "",
+                 "Ormel can make one recharge domain around the whole model that carries this rate, and set "
+                 "the rate of the aquifer to zero.  Where domains overlap their rates add up.",
+                 "", "Make the recharge domain?"}),
             Icon::kWarning))
       return;
     MakeDomain(ormel, model);
