@@ -63,10 +63,10 @@ class Session {
   PosixProcesses processes_;
   FileSettings settings_;
   SystemClock clock_;
+  Ormel ormel_;  // before those that listen to its changes
   std::unique_ptr<MapViewImpl> view_;
   std::unique_ptr<ormel::Solver> solver_;
   std::unique_ptr<Publisher> publisher_;
-  Ormel ormel_;
 };
 
 }  // namespace ormel
