@@ -89,7 +89,7 @@ int main(int argc, char** argv) {
   QTimer end_requests;
   QObject::connect(&end_requests, &QTimer::timeout, [&program] {
     if (!ormel::EndRequested()) return;
-    ormel::ViewEdited(program.ormel) = false;  // nobody may be there to answer
+    program.ormel.project.view_edited = false;  // nobody may be there to answer
     program.window.EndByRequest();
   });
   end_requests.start(kEndRequestPause);

@@ -1,5 +1,6 @@
 #include "ormel/main_window.h"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
@@ -159,10 +160,13 @@ void MainWindow::AskWhileBusy() {
 }
 
 void MainWindow::EndByRequest() {
-  if (!ui_.Waiting())
+  if (ui_.Waiting()) {
+    if (!close_after_wait_) StopAndClose();
+  } else if (QWidget* asking = QApplication::activeModalWidget()) {
+    asking->close();  // as by Escape; whoever asks comes again for the box or the window behind it
+  } else {
     close();
-  else if (!close_after_wait_)
-    StopAndClose();
+  }
 }
 
 void MainWindow::StopAndClose() {

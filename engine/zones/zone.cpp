@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <mutex>
-#include <thread>
 #include <utility>
 
+#include "aem/parallel.h"
 #include "zones/rings.h"
 
 namespace zones {
@@ -104,8 +104,7 @@ std::vector<WellZones> OutlineZones(const PlanField& field, std::span<const Sour
                                     std::span<const double> times, const ZoneOptions& options,
                                     const std::function<bool(double)>& progress) {
   std::vector<WellZones> results(wells.size());
-  const std::size_t machine = options.threads > 0 ? static_cast<std::size_t>(options.threads)
-                                                  : std::max(1u, std::thread::hardware_concurrency());
+  const auto machine = static_cast<std::size_t>(aem::detail::ThreadCount(options.threads));
   const std::size_t team_size = std::clamp<std::size_t>(wells.size(), 1, machine);
   std::atomic<bool> stop{false};
   FanOptions fan;
@@ -125,10 +124,7 @@ std::vector<WellZones> OutlineZones(const PlanField& field, std::span<const Sour
       shares.Put(index, 1.0);
     }
   };
-  std::vector<std::jthread> team;
-  for (std::size_t i = 1; i < team_size; ++i) team.emplace_back(work);
-  work();
-  team.clear();
+  aem::detail::RunOnThreads(static_cast<int>(team_size), &stop, work);
   if (stop.load() || fan.stop->load()) results.clear();
   return results;
 }

@@ -16,6 +16,7 @@
 #include "core/table.h"
 #include "solver/deck_labels.h"
 #include "solver/result_rows.h"
+#include "solver/user_labels.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/numbers.h"
@@ -33,25 +34,6 @@ std::shared_ptr<Table> Made(std::initializer_list<const char*> names) {
 /// The deck label of a string's segment or a domain's vertex without its own number.
 std::string StemOfLabel(std::string_view label) {
   return std::string(label.substr(0, std::min(label.rfind('_'), label.size())));
-}
-
-/// "LS_000012_0101" as the user calls it.
-std::string UserLabel(Ormel& ormel, const std::string& deck_label) {
-  struct Kind {
-    std::string_view prefix;
-    const char* sql;
-  };
-  constexpr std::array kKinds{Kind{"LS_", "select Label from LinesinkStrings where PID=?"},
-                              Kind{"IN_", "select Label from Inhomogeneities where PID=?"},
-                              Kind{"HB_", "select Label from NoFlowStrings where PID=?"},
-                              Kind{"WL_", "select Label from Wells where VID=?"}};
-  for (const Kind& kind : kKinds) {
-    if (!deck_label.starts_with(kind.prefix)) continue;
-    const auto number = static_cast<std::int64_t>(Val(std::string_view(deck_label).substr(3)));
-    const Value label = ormel.db().Scalar(kind.sql, {number});
-    return label.IsNull() ? deck_label : label.AsText();
-  }
-  return deck_label;
 }
 
 /// Worst of a condition.

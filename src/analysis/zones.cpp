@@ -77,7 +77,7 @@ std::shared_ptr<Table> ZonesTable(Ormel& ormel) {
   RowReader vertices(ormel.db(), "select X,Y from Vertices where PID=? order by Seq", {kNoPolygon});
   RowReader rows(ormel.db(), ormel.db().HasTable(kChecks)
                                  ? "select c.Label,c.PID,z.Well,z.Years from Capzones c left join Zones z on "
-                                   "z.PID=c.PID order by c.Label"
+                                   "z.PID=c.PID order by z.Well is null,z.Well,z.Years,c.Label"
                                  : "select Label,PID,null,null from Capzones order by Label");
   while (rows.Next()) {
     const std::string label(rows.Text(0));
@@ -112,7 +112,8 @@ std::shared_ptr<Table> ZoneChecksTable(Ormel& ormel) {
   RowReader rows(ormel.db(),
                  "select c.Label,z.Well,z.Years,z.Part,100*z.Tolerance,100*z.Balance,100*z.Pores/z.Pumped,"
                  "100*z.Recharge/z.Pumped,100*z.Surface/z.Pumped,100*z.Edge/z.Pumped,100*z.LeftOut/z.Pumped,"
-                 "z.Shared,z.Ends,z.Made from Zones z inner join Capzones c on c.PID=z.PID order by c.Label");
+                 "z.Shared,z.Ends,z.Made from Zones z inner join Capzones c on c.PID=z.PID order by "
+                 "z.Well,z.Years,c.Label");
   while (rows.Next()) {
     std::vector<Value> values;
     for (int i = 0; i < rows.ColumnCount(); ++i) values.push_back(rows.Get(i));

@@ -1,5 +1,6 @@
 #include "core/command.h"
 
+#include <array>
 #include <exception>
 #include <memory>
 #include <string>
@@ -47,7 +48,7 @@ void TellChanges(Ormel& ormel, std::string_view command, int connections) {
   Database* db = ormel.project.db.get();
   if (db != nullptr && db->IsOpen()) record.rows = db->TakeChanges();
   if (record.project_replaced) record.rows.clear();
-  if (!record.rows.empty() && IsView(*db) && !std::exchange(ViewEdited(ormel), true))
+  if (!record.rows.empty() && IsView(*db) && !std::exchange(ormel.project.view_edited, true))
     Inform(ormel, "View Only",
            "The project is open for viewing: what you change is kept only by Make Duplicate Database.",
            Icon::kWarning);
@@ -58,14 +59,26 @@ void ShowFailure(Ormel& ormel, std::string_view procedure, const Description& de
   ShowFailureBox(ormel, "Unhandled error in " + std::string(procedure), description);
 }
 
+constexpr const char *kFull = "Disk Full", *kFile = "Project File";
+
+/// Failures that come from outside and say themselves what to do: they are foreseen, whoever meets them.
+struct Foreseen {
+  StoreErrorCode code;
+  const char* title;
+};
+constexpr std::array kForeseen{
+    Foreseen{StoreErrorCode::kDiskFull, kFull}, Foreseen{StoreErrorCode::kWrongType, "Value Refused"},
+    Foreseen{StoreErrorCode::kReadOnly, kFile}, Foreseen{StoreErrorCode::kInUse, kFile},
+    Foreseen{StoreErrorCode::kDamaged, kFile},  Foreseen{StoreErrorCode::kBadPath, kFile},
+    Foreseen{StoreErrorCode::kNotFound, kFile}};
+
 /// What failed, in the words of the exception in flight.
 Description Describe(const std::exception_ptr& failure) {
-  constexpr const char* kFull = "Disk Full";
   try {
     std::rethrow_exception(failure);
   } catch (const StoreError& e) {
-    if (e.code() == StoreErrorCode::kDiskFull) return {e.what(), kFull};
-    if (e.code() == StoreErrorCode::kWrongType) return {e.what(), "Value Refused"};
+    for (const Foreseen& one : kForeseen)
+      if (one.code == e.code()) return {e.what(), one.title};
     return {e.what()};
   } catch (const DiskFullError& e) {
     return {e.what(), kFull};

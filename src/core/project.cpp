@@ -1,6 +1,5 @@
 #include "core/project.h"
 
-#include <any>
 #include <array>
 #include <filesystem>
 #include <memory>
@@ -105,18 +104,12 @@ bool Viewing(const Ormel& ormel) {
   return ormel.project.db != nullptr && IsView(*ormel.project.db);
 }
 
-bool& ViewEdited(Ormel& ormel) {
-  std::any& memory = ormel.form_memory["ViewEdited"];
-  if (!memory.has_value()) memory = false;
-  return std::any_cast<bool&>(memory);
-}
-
 void AttachProject(Ormel& ormel, const std::string& path, bool view) {
   auto db = std::make_unique<Database>(Database::Open(path, view ? OpenMode::kView : OpenMode::kReadWrite));
   if (!ormel.changes.tables.empty()) db->WatchChanges(ormel.changes.tables);
   ormel.project.db = std::move(db);
   ++ormel.project.connections;
-  ViewEdited(ormel) = false;
+  ormel.project.view_edited = false;
   ormel.project.DBName = path;
   ormel.project.folder = GetPathFromFile(path);
   ReadProjectState(ormel);

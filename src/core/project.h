@@ -13,8 +13,6 @@ struct Ormel;
 void AttachProject(Ormel& ormel, const std::string& path, bool view = false);
 /// The open project is a copy for viewing.
 bool Viewing(const Ormel& ormel);
-/// It has changes, which are only in memory.
-bool& ViewEdited(Ormel& ormel);
 /// Reads `OrmelBaseName`, `OrmelBasePath` and the units again, after a dialog has changed them.  A relative
 /// path is seen from the project's folder.
 void ReadProjectState(Ormel& ormel);

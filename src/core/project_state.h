@@ -23,6 +23,7 @@ struct ProjectState {
 
   bool ProjectOpen = false;
   bool no_heads_told = false;  ///< the box about missing head-specified conditions comes once a project
+  bool view_edited = false;    ///< open for viewing, with changes that are only in memory
   int connections = 0;         ///< grows whenever a file is opened or closed: which one is it?
   std::string DBName;          ///< full path of the open project; empty before the first
   std::string folder;         ///< the project folder with its final separator; empty before the first project

@@ -38,6 +38,12 @@ std::string CellHtml(std::string_view kind, bool number, std::string_view text) 
   return "<" + tag + " align=\"" + (number ? "right" : "left") + "\">" + html + "</" + tag + ">";
 }
 
+/// Remembers the folder for the next time.
+void TellDone(Ormel& ormel, const Table& table, const char* what, const std::string& path) {
+  WriteDefaultDirectory(ormel, kDirectoryKey, GetPathFromFile(path));
+  Feedback(ormel, std::to_string(table.Rows()) + " rows " + what + " to " + path);
+}
+
 }  // namespace
 
 void WriteCsv(const Table& table, const std::string& path) {
@@ -56,8 +62,7 @@ void SaveTable(Ormel& ormel, const Table& table, std::string_view name) {
   if (!path) return;
   try {
     WriteCsv(table, *path);
-    WriteDefaultDirectory(ormel, kDirectoryKey, GetPathFromFile(*path));
-    Feedback(ormel, std::to_string(table.Rows()) + " rows saved to " + *path);
+    TellDone(ormel, table, "saved", *path);
   } catch (const FileError& failure) {
     Inform(ormel, dialog.title, Lines({"The table could not be saved.", failure.what()}), Icon::kStop);
   }
@@ -94,8 +99,7 @@ void PrintTable(Ormel& ormel, const Table& table, std::string_view name) {
   const std::string failure =
       ormel.ports.publisher->SavePdf(TableHtml(table, name), page, *path, [](double) { return true; });
   if (!failure.empty()) return Inform(ormel, dialog.title, failure, Icon::kWarning);
-  WriteDefaultDirectory(ormel, kDirectoryKey, GetPathFromFile(*path));
-  Feedback(ormel, std::to_string(table.Rows()) + " rows printed to " + *path);
+  TellDone(ormel, table, "printed", *path);
 }
 
 }  // namespace ormel

@@ -80,8 +80,8 @@ void AddText(Ormel& ormel, const ElementId& id, std::string& text) {
     const Value closed = ormel.db().Scalar("select Closed from Polygons where PID=?", {id.key});
     text += std::string("closed\t") + (closed.AsBool() ? "1" : "0") + "\n";
   }
-  const std::string key = kind.key.empty() ? "rowid" : std::string(kind.key);
-  RowReader row(ormel.db(), "select * from " + std::string(kind.table) + " where " + key + "=?", {id.key});
+  RowReader row(ormel.db(), "select * from " + std::string(kind.table) + " where " + kind.KeyField() + "=?",
+                {id.key});
   if (row.Next()) {
     for (const schema::Field& field : table.fields) {
       const int column = row.Column(field.name);

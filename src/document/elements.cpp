@@ -12,10 +12,6 @@
 namespace ormel {
 namespace {
 
-std::string KeyField(const ElementKind& kind) {
-  return kind.key.empty() ? "rowid" : std::string(kind.key);
-}
-
 std::string Table(const ElementKind& kind) {
   return std::string(kind.table);
 }
@@ -24,7 +20,7 @@ std::string Table(const ElementKind& kind) {
 std::string WithinSql(const ElementKind& kind) {
   const std::string inside = "X>=? and X<=? and Y>=? and Y<=?";
   if (kind.shape == Shape::kFree) return "select rowid from " + Table(kind) + " where " + inside;
-  const std::string key = KeyField(kind), own = "(select " + key + " from " + Table(kind) + ")";
+  const std::string key = kind.KeyField(), own = "(select " + key + " from " + Table(kind) + ")";
   if (!kind.Polygon()) return "select VID from Vertices where " + inside + " and VID in " + own;
   return "select PID from Vertices where PID in " + own +
          " group by PID having min(X)>=? and max(X)<=? and "
@@ -53,7 +49,7 @@ bool Exists(Ormel& ormel, const ElementId& id) {
   if (kind == nullptr) return false;
   if (!MayBeOneOfSeveral(id.element)) return OwnerOf(ormel, id.key).element == id.element;
   return ormel.db()
-             .Scalar("select count(*) from " + Table(*kind) + " where " + KeyField(*kind) + "=?", {id.key})
+             .Scalar("select count(*) from " + Table(*kind) + " where " + kind->KeyField() + "=?", {id.key})
              .AsLong() > 0;
 }
 
@@ -61,7 +57,7 @@ std::vector<ElementId> ElementsOf(Ormel& ormel, Element element) {
   const ElementKind* kind = FindKind(element);
   if (!MayBeOneOfSeveral(element)) return {};
   std::vector<ElementId> ids;
-  const std::string key = KeyField(*kind);
+  const std::string key = kind->KeyField();
   RowReader rows(ormel.db(), "select " + key + " from " + Table(*kind) + " order by " + key);
   while (rows.Next()) ids.push_back({element, rows.Long(0)});
   return ids;
@@ -116,7 +112,7 @@ void RemoveElement(Ormel& ormel, const ElementId& id) {
   const ElementKind* kind = FindKind(id.element);
   if (kind == nullptr || !MayBeOneOfSeveral(id.element)) return;
   Database& db = ormel.db();
-  db.Execute("delete from " + Table(*kind) + " where " + KeyField(*kind) + "=?", {id.key});
+  db.Execute("delete from " + Table(*kind) + " where " + kind->KeyField() + "=?", {id.key});
   if (kind->shape == Shape::kFree) return;
   db.Execute(std::string("delete from Vertices where ") + (kind->Polygon() ? "PID=?" : "VID=?"), {id.key});
   if (kind->Polygon()) db.Execute("delete from Polygons where PID=?", {id.key});

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "core/types.h"
@@ -36,6 +37,8 @@ struct ElementKind {
   std::string_view moving;    ///< activity while one is moved
   bool unique_label = false;  ///< no two elements of the kind have the same label
 
+  /// The field that tells its elements apart.
+  std::string KeyField() const { return std::string(key.empty() ? "rowid" : key); }
   bool Polygon() const { return shape == Shape::kString || shape == Shape::kRing; }
 };
 

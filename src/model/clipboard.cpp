@@ -19,7 +19,6 @@
 #include "model/vertices.h"
 #include "model/wells.h"
 #include "store/database.h"
-#include "store/schema.h"
 #include "text/strings.h"
 
 namespace ormel {
@@ -101,24 +100,11 @@ bool FindPlace(Ormel& ormel, const CopiedElements& copied, MapPoint& by) {
   return false;
 }
 
-/// A label that no element of the kind has: the copied one, or that with a number behind it.
-std::string FreeLabel(Ormel& ormel, const CopiedElement& element) {
-  const std::string table(element.kind->table), label = element.Label();
-  if (!IsDuplicateLabel(ormel, table, label, {})) return label;
-  const schema::Field* field = schema::FindField(*schema::FindTable(table), "Label");
-  const std::size_t size = static_cast<std::size_t>(field->size > 0 ? field->size : schema::kDefaultTextSize);
-  for (int number = 2;; ++number) {
-    const std::string behind = " (" + std::to_string(number) + ")";
-    std::string next = std::string(TextLeft(label, size - behind.size())) + behind;
-    if (!IsDuplicateLabel(ormel, table, next, {})) return next;
-  }
-}
-
 std::vector<ElementId> Add(Ormel& ormel, CopiedElements& copied, MapPoint by) {
   std::vector<ElementId> ids;
   for (CopiedElement& element : copied.elements) {
     for (MapPoint& at : element.points) at = Moved(at, by);
-    if (element.kind->unique_label) element.SetLabel(FreeLabel(ormel, element));
+    if (element.kind->unique_label) element.SetLabel(FreeLabel(ormel, element.kind->table, element.Label()));
     ids.push_back(AddElement(ormel, element));
   }
   return ids;

@@ -101,6 +101,27 @@ bool RefuseCrossingMove(Ormel& ormel, Element element, Pid pid, Vid vid, MapPoin
                          "The vertex stays where it was.");
 }
 
+bool RefuseCrossingMoves(Ormel& ormel, const std::set<Vid>& vids, MapPoint by) {
+  std::set<Pid> pulled;
+  VertexRow row;
+  for (const Vid vid : vids)
+    if (FindVertex(ormel, vid, row) && row.pid > 0) pulled.insert(row.pid);
+  for (const Pid pid : pulled) {
+    std::vector<MapPoint> points;
+    bool whole = true;
+    for (const VertexRow& vertex : VerticesOf(ormel, pid)) {
+      const bool moves = vids.contains(vertex.vid);
+      whole = whole && moves;
+      points.push_back(moves ? MapPoint{vertex.at.x + by.x, vertex.at.y + by.y} : vertex.at);
+    }
+    if (!whole && CrossesItself(points, true))
+      return Tell(ormel,
+                  "A domain that shares a corner with what is moved would cross itself, and the solver could "
+                  "not use it.\nNothing has been moved.");
+  }
+  return false;
+}
+
 bool RefuseCrossingVertex(Ormel& ormel, MapPoint at) {
   std::vector<MapPoint> points = PointsOf(ormel, ormel.mouse.CurrentPID);
   points.push_back(at);

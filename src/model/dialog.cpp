@@ -7,6 +7,8 @@
 #include "core/ormel.h"
 #include "core/status.h"
 #include "store/database.h"
+#include "store/schema.h"
+#include "text/strings.h"
 
 namespace ormel {
 
@@ -59,6 +61,17 @@ bool IsDuplicateLabel(Ormel& ormel, std::string_view table, const std::string& l
   if (label == opened_with) return false;
   const std::string sql = "select count(*) from " + std::string(table) + " where Label=?";
   return ormel.db().Scalar(sql, {label}).AsLong() > 0;
+}
+
+std::string FreeLabel(Ormel& ormel, std::string_view table, const std::string& label) {
+  if (!IsDuplicateLabel(ormel, table, label, {})) return label;
+  const schema::Field* field = schema::FindField(*schema::FindTable(table), "Label");
+  const auto size = static_cast<std::size_t>(field->size > 0 ? field->size : schema::kDefaultTextSize);
+  for (int number = 2;; ++number) {
+    const std::string behind = " (" + std::to_string(number) + ")";
+    std::string next = std::string(TextLeft(label, size - behind.size())) + behind;
+    if (!IsDuplicateLabel(ormel, table, next, {})) return next;
+  }
 }
 
 std::string DuplicateLabelText(std::string_view noun, std::string_view label) {

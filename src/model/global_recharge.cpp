@@ -31,17 +31,10 @@ MapRect AroundTheModel(Ormel& ormel) {
   return {box.x1 - rim, box.x2 + rim, box.y1 + rim, box.y2 - rim};
 }
 
-std::string FreeLabel(Ormel& ormel) {
-  std::string label = "Recharge";
-  for (int number = 2; IsDuplicateLabel(ormel, "Inhomogeneities", label, {}); ++number)
-    label = "Recharge " + std::to_string(number);
-  return label;
-}
-
 void MakeDomain(Ormel& ormel, ModelValues model) {
   const MapRect box = AroundTheModel(ormel);
   InhomogeneityRow row;
-  row.Label = FreeLabel(ormel);
+  row.Label = FreeLabel(ormel, "Inhomogeneities", "Recharge");
   row.HydCond = model.AQHydCond;
   row.Recharge = model.AQRecharge;
   row.Porosity = model.AQPorosity;

@@ -59,13 +59,7 @@ void RemoveAreasOf(Ormel& ormel, const std::string& well) {
   if (ormel.project.bound.Wells) ormel.project.bound.Wells->Requery();
 }
 
-bool RemoveAreasOfWells(Ormel& ormel, const std::string& condition) {
-  std::vector<std::string> wells;
-  {
-    RowReader rows(ormel.db(),
-                   "select Label from Wells where (" + condition + ") and Label in (select Well from WHPAs)");
-    while (rows.Next()) wells.emplace_back(rows.Text(0));
-  }
+bool AskToRemoveAreas(Ormel& ormel, const std::vector<std::string>& wells) {
   if (wells.empty()) return true;
   if (!AskOkCancel(ormel, "Confirm",
                    "Protection areas are drawn for " + std::to_string(wells.size()) +
@@ -75,6 +69,16 @@ bool RemoveAreasOfWells(Ormel& ormel, const std::string& condition) {
     return false;
   for (const std::string& well : wells) RemoveAreasOf(ormel, well);
   return true;
+}
+
+bool RemoveAreasOfWells(Ormel& ormel, const std::string& condition) {
+  std::vector<std::string> wells;
+  {
+    RowReader rows(ormel.db(),
+                   "select Label from Wells where (" + condition + ") and Label in (select Well from WHPAs)");
+    while (rows.Next()) wells.emplace_back(rows.Text(0));
+  }
+  return AskToRemoveAreas(ormel, wells);
 }
 
 }  // namespace ormel

@@ -12,6 +12,7 @@
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "document/elements.h"
+#include "model/crossing.h"
 #include "model/digitize.h"
 #include "model/image_wells.h"
 #include "model/move.h"
@@ -95,8 +96,10 @@ void ToggleSelected(Ormel& ormel, MapPoint at) {
 void MoveSelected(Ormel& ormel, MapPoint by) {
   const Named named(ormel, "MoveSelected");
   const std::vector<ElementId> ids = SelectedElements(ormel);
+  const std::set<Vid> vids = VerticesToMove(ormel, ids);
+  if (RefuseCrossingMoves(ormel, vids, by)) return;
   VertexRow vertex;
-  for (const Vid vid : VerticesToMove(ormel, ids))
+  for (const Vid vid : vids)
     if (FindVertex(ormel, vid, vertex)) PutVertex(ormel, vid, {vertex.at.x + by.x, vertex.at.y + by.y});
   for (const ElementId& id : ids) {
     if (id.element != Element::kTextLabel) continue;
@@ -110,15 +113,7 @@ void DeleteSelected(Ormel& ormel) {
   const std::vector<ElementId> ids = SelectedElements(ormel);
   const std::string question = "Delete the " + std::to_string(ids.size()) + " selected elements?";
   if (!AskOkCancel(ormel, "Confirm", question, Icon::kQuestion)) return;
-  const std::vector<std::string> wells = WellsWithAreas(ormel, ids);
-  if (!wells.empty() &&
-      !AskOkCancel(ormel, "Confirm",
-                   "Protection areas are drawn for " + std::to_string(wells.size()) +
-                       " of these wells.  The areas, their stream boundaries and the images of the wells go "
-                       "with them.  Delete them all?",
-                   Icon::kQuestion))
-    return;
-  for (const std::string& well : wells) RemoveAreasOf(ormel, well);
+  if (!AskToRemoveAreas(ormel, WellsWithAreas(ormel, ids))) return;
   for (const ElementId& id : ids) RemoveElement(ormel, id);
   ClearSelection(ormel);
   SelectStatus(ormel);

@@ -118,7 +118,7 @@ void MatchSolution(Ormel& ormel, const Fingerprint& before) {
 }
 
 void SolutionFollower::CommandEnded(Ormel& ormel, const ChangeRecord& record) {
-  const SolutionState& solution = ormel.solution;
+  SolutionState& solution = ormel.solution;
   Document* document = ormel.ports.document;
   if (document == nullptr) return;  // no rows are told
   const bool drawing = ormel.mouse.MouseMode == MouseMode::kDigitize;
@@ -132,8 +132,14 @@ void SolutionFollower::CommandEnded(Ormel& ormel, const ChangeRecord& record) {
   if (drawing) return;
   const std::vector<std::vector<RowChange>> act = std::exchange(act_, {});
   const std::vector<RowChange> rows = act.empty() ? record.rows : Joined(act);
-  if (decided || !AnySpoils(ormel, rows, Spoils::kSolution)) return;
+  if (!AnySpoils(ormel, rows, Spoils::kSolution)) return;
   if (solution.solved && FingerprintOf(ormel).solution == solution.solved->model.solution) return;
+  if (decided) {
+    // Whoever decided that it stays: results of another model do not pass as those of this one.
+    if (!solution.solved) return;
+    solution.OfOlderModel = true;
+    return NoteSolution(ormel);
+  }
   InvalidateSolution(ormel, true, true);
   document->solution_decided = false;
 }

@@ -256,7 +256,7 @@ void FileSaveAs(Ormel& ormel) {
   if (Viewing(ormel)) {
     CommitSoFar(ormel);
     image = ImageOf(ormel.db());
-    ViewEdited(ormel) = false;
+    ormel.project.view_edited = false;
   }
   FileCloseProject(ormel);
   std::string failure;
@@ -283,7 +283,7 @@ void EnableProjectCommands(Ormel& ormel, bool on) {
 }
 
 void OfferToKeepView(Ormel& ormel) {
-  if (!std::exchange(ViewEdited(ormel), false)) return;
+  if (!std::exchange(ormel.project.view_edited, false)) return;
   if (AskYesNo(
           ormel, "View Only",
           "The project was open for viewing, and its changes are only in memory.\nKeep them in a duplicate?",

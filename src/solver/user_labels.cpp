@@ -57,6 +57,12 @@ std::size_t LabelLength(std::string_view text, std::size_t at, const Prefix& pre
   return length;
 }
 
+const Prefix* PrefixAt(std::string_view text, std::size_t at, std::size_t* length) {
+  for (const Prefix& prefix : kPrefixes)
+    if ((*length = LabelLength(text, at, prefix)) > 0) return &prefix;
+  return nullptr;
+}
+
 std::optional<NamedElement> Find(Ormel& ormel, const Prefix& prefix, std::string_view label) {
   const auto id = static_cast<std::int64_t>(Val(label.substr(prefix.prefix.size(), label.find('_', 3) - 3)));
   const std::string key = prefix.by_vertex ? "VID" : "PID";
@@ -80,18 +86,13 @@ std::string WithUserLabels(Ormel& ormel, std::string_view text, std::optional<Na
   std::string out;
   for (std::size_t at = 0; at < text.size();) {
     std::size_t length = 0;
-    std::optional<NamedElement> element;
-    for (const Prefix& prefix : kPrefixes) {
-      length = LabelLength(text, at, prefix);
-      if (length == 0) continue;
-      element = Find(ormel, prefix, text.substr(at, length));
-      break;
-    }
-    if (length == 0) {
+    const Prefix* prefix = PrefixAt(text, at, &length);
+    if (prefix == nullptr) {
       out += text[at++];
       continue;
     }
     const std::string_view label = text.substr(at, length);
+    const std::optional<NamedElement> element = Find(ormel, *prefix, label);
     const bool named = at > 0 && text[at - 1] == '(' && text.substr(at + length, 1) == ")";
     if (element && first != nullptr && !*first) *first = element;
     if (element && !named && !element->label.empty())
@@ -101,6 +102,15 @@ std::string WithUserLabels(Ormel& ormel, std::string_view text, std::optional<Na
     at += length;
   }
   return out;
+}
+
+std::string UserLabel(Ormel& ormel, const std::string& deck_label) {
+  std::size_t length = 0;
+  const Prefix* prefix = PrefixAt(deck_label, 0, &length);
+  if (prefix == nullptr) return deck_label;
+  const std::optional<NamedElement> element =
+      Find(ormel, *prefix, std::string_view(deck_label).substr(0, length));
+  return element && !element->label.empty() ? element->label : deck_label;
 }
 
 void NameElementsInLog(Ormel& ormel, const std::string& path) {

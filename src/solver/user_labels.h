@@ -21,6 +21,9 @@ struct NamedElement {
 /// already, or belongs to no element, stays.  `first` takes the first element that is named.
 std::string WithUserLabels(Ormel& ormel, std::string_view text, std::optional<NamedElement>* first = nullptr);
 
+/// What the user calls the element of a deck's label; the label itself when there is none, or it has no name.
+std::string UserLabel(Ormel& ormel, const std::string& deck_label);
+
 /// The same for a log of the solver, which is written anew where it names elements.  A file that cannot be
 /// read or written stays as it is.
 void NameElementsInLog(Ormel& ormel, const std::string& path);

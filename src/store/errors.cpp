@@ -32,8 +32,7 @@ constexpr std::array kCases{
     Case{SQLITE_NOTADB, StoreErrorCode::kNotAProject, "is not a project database."},
     Case{SQLITE_CANTOPEN, StoreErrorCode::kBadPath,
          "could not be opened, or its journal not be made. Check the path, the rights to its folder, and "
-         "that the "
-         "disk has room."},
+         "that the disk has room."},
     Case{SQLITE_NOMEM, StoreErrorCode::kOther, "could not be read because memory ran out."},
 };
 

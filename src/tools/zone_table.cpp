@@ -68,12 +68,12 @@ std::shared_ptr<Table> ReadZoneTable(Database& db, bool metres) {
   auto table = std::make_shared<Table>(Columns(metres));
   const std::map<std::int64_t, double> areas = Areas(db);
   const bool known = db.HasTable("Zones");
-  RowReader rows(db,
-                 known ? "select Capzones.Label,Capzones.PID,Zones.Well,Years,Area,Pumped,Pores,Recharge,"
-                         "Surface,Edge,Balance,Tolerance,Ends,Made,Shared from Capzones left join Zones on "
-                         "Zones.PID=Capzones.PID order by Capzones.Label"
-                       : "select Label,PID,null,null,null,null,null,null,null,null,null,null,null,null,null "
-                         "from Capzones order by Label");
+  RowReader rows(
+      db, known ? "select Capzones.Label,Capzones.PID,Zones.Well,Years,Area,Pumped,Pores,Recharge,"
+                  "Surface,Edge,Balance,Tolerance,Ends,Made,Shared from Capzones left join Zones on "
+                  "Zones.PID=Capzones.PID order by Zones.Well is null,Zones.Well,Zones.Years,Capzones.Label"
+                : "select Label,PID,null,null,null,null,null,null,null,null,null,null,null,null,null "
+                  "from Capzones order by Label");
   while (rows.Next()) {
     const auto found = areas.find(rows.Long(1));
     const double area = found == areas.end() ? 0.0 : found->second;

@@ -149,7 +149,7 @@ TEST_F(ReportTest, ChecksOfZonesAreSharesOfWhatIsPumped) {
       "Ends,Made) select PID,'Mill',10.0,60000.0,2000.0,1500.0,400.0,80.0,0.0,20.0,7.0,0.0005,0.002,"
       "'32 at the time','2026' from Capzones where Label like 'Mill*'");
   const auto zones = ZonesTable(ormel);
-  EXPECT_EQ(zones->At(1, 1).AsText(), "Mill") << "the table's well stands before the label's";
+  EXPECT_EQ(zones->At(0, 1).AsText(), "Mill") << "the table's well stands before the label's";
   const auto checks = ZoneChecksTable(ormel);
   ASSERT_EQ(checks->Rows(), 1U);
   EXPECT_EQ(checks->At(0, 0).AsText(), "Mill <1> & Co 10 years");

@@ -10,6 +10,7 @@
 #include "model/inhomogeneities.h"
 #include "model/move.h"
 #include "model/vertices.h"
+#include "model/wells.h"
 
 namespace ormel::test {
 namespace {
@@ -88,6 +89,22 @@ TEST_F(CrossingEdits, a_vertex_is_not_moved_where_its_lines_would_cross) {
   ElemEndMove(ormel, {0, 0}, {-50, -50});
   EXPECT_EQ(test.ui.boxes.size(), 1U);
   EXPECT_EQ(test.Number("select count(*) from Vertices where X=-50"), 1.0);
+}
+
+TEST_F(CrossingEdits, several_are_not_moved_where_a_domain_that_shares_their_corner_would_cross_itself) {
+  const Pid moved = StoreInhomogeneity(ormel, {.Label = "a"}, Points{{0, 0}, {100, 0}, {100, 100}, {0, 100}});
+  const Pid pulled =
+      StoreInhomogeneity(ormel, {.Label = "b"}, Points{{100, 100}, {200, 100}, {200, 200}, {100, 200}});
+  const Vid well = StoreWell(ormel, {.Label = "w", .Radius = 0.3}, {20, 20});
+  SelectItems(ormel, {{Element::kInhomogeneity, moved}, {Element::kWell, well}});
+  ElemEndMove(ormel, {0, 0}, {300, 60});
+  EXPECT_EQ(test.ui.LastTitle(), "Crossing Lines");
+  EXPECT_EQ(PointsOf(ormel, moved).front().x, 0.0);
+  EXPECT_EQ(PointsOf(ormel, pulled).front().x, 100.0);
+  test.ui.boxes.clear();
+  ElemEndMove(ormel, {0, 0}, {-30, 0});
+  EXPECT_TRUE(test.ui.boxes.empty()) << test.ui.LastText();
+  EXPECT_EQ(PointsOf(ormel, pulled).front().x, 70.0);
 }
 
 }  // namespace

@@ -258,7 +258,7 @@ TEST_F(Settings, a_recharge_of_the_aquifer_is_told_and_becomes_a_domain_on_reque
   EXPECT_EQ(ReadModel(ormel).AQRecharge, 0.0);
   EXPECT_FALSE(ormel.solution.ValidSolution);
   EXPECT_EQ(test.Text("select group_concat(Label||'='||Recharge) from Inhomogeneities"),
-            "recharge=0.0,own=0.002,Recharge 2=0.001");
+            "recharge=0.0,own=0.002,Recharge (2)=0.001");
   const Pid made = test.ormel.db().Scalar("select max(PID) from Inhomogeneities").AsLong();
   for (const MapPoint corner : ring) EXPECT_TRUE(IsInDomain(ormel, made, corner));
   EXPECT_EQ(PointsOf(ormel, made).size(), 4U);

@@ -62,16 +62,6 @@ TEST(Menus, MissingCommandsAreDisabledAndSaySo) {
   EXPECT_EQ(ItemTip(p.ormel, *FindMenuItem("FILE_CMDS", 0)), "");
 }
 
-struct FakeWindow : WindowCommands {
-  int exits = 0;
-  void Exit() override { ++exits; }
-  void FilePrintSetup() override {}
-  void FilePrint() override {}
-  void CopyImage() override {}
-  void SaveMapAs() override {}
-  void ShowReleaseNotes() override {}
-};
-
 TEST(Menus, WindowCommandsNeedAWindow) {
   TestController c;
   EXPECT_FALSE(Dispatch(c.ormel, "FILE_CMDS", 7));

@@ -54,22 +54,6 @@ constexpr std::array kChoices{
     Choice{9, "UNDO", 0},       Choice{7, "REDO", 0},       Choice{6, "COPY", 0},
     Choice{6, "PASTE", 0},      Choice{1, "SELECTALL", 0}};
 
-/// A clipboard that holds what was copied.
-class Clipboard final : public WindowCommands {
- public:
-  explicit Clipboard(const RandomUser& user) : user_(user) {}
-  void Exit() override {}
-  void FilePrintSetup() override {}
-  void FilePrint() override {}
-  void CopyImage() override {}
-  void SaveMapAs() override {}
-  void ShowReleaseNotes() override {}
-  std::string ClipboardText() override { return user_.copied; }
-
- private:
-  const RandomUser& user_;
-};
-
 /// The program on a copy of an example, with one user.
 struct Program {
   Program(const std::string& path, unsigned seed) : user(seed) {
@@ -119,16 +103,13 @@ struct Program {
     if (ormel.mouse.MouseMode != MouseMode::kDigitize && user.dice.Chance(10)) {
       ormel.solution.ValidSolution = true;
       ormel.solution.OfOlderModel = false;
-      solved = FingerprintOf(ormel).solution;
+      ormel.solution.solved = SolvedModel{FingerprintOf(ormel)};
     }
     DoOne();
     if (ormel.mouse.MouseMode == MouseMode::kDigitize || ormel.solution.OfOlderModel) return;
-    if (!ormel.solution.ValidSolution || FingerprintOf(ormel).solution == solved) return;
-    // The dialog of a domain decides by what was touched in it, and drops a head that says nothing.
-    if (document.UndoName() == "Change Inhomogeneity") {
-      ormel.solution.ValidSolution = false;
+    if (!ormel.solution.ValidSolution ||
+        FingerprintOf(ormel).solution == ormel.solution.solved->model.solution)
       return;
-    }
     user.failures +=
         "a model that has changed kept its solution unasked, behind " + document.UndoName() + "\n";
     ormel.solution.ValidSolution = false;
@@ -164,7 +145,7 @@ struct Program {
   std::string Dump() { return DumpModel(ormel.db()); }
 
   RandomUser user;
-  Clipboard window{user};
+  FakeWindow window{user.copied};
   FakeSolver solver;
   FakeProcesses processes;
   FakeSettings settings;
@@ -173,7 +154,6 @@ struct Program {
   Document document{ormel};
   RecordingSurface surface;
   MapViewImpl map{ormel, &surface};
-  std::uint64_t solved = 0;  ///< fingerprint of the model when its solution was made valid
 };
 
 std::string CopyOf(const TempDir& dir, const std::string& example, const std::string& name) {

@@ -19,6 +19,7 @@
 #include "core/settings.h"
 #include "core/solver_port.h"
 #include "core/user_interface.h"
+#include "core/window_commands.h"
 
 namespace ormel::test {
 
@@ -187,6 +188,25 @@ class FakeProcesses : public Processes {
   std::vector<ProcessRequest> requests;
   std::map<std::string, std::string> environment;
   std::string program_folder, current_directory;
+};
+
+/// A window whose clipboard holds what the program has copied.
+class FakeWindow : public WindowCommands {
+ public:
+  FakeWindow() = default;
+  explicit FakeWindow(const std::string& copied) : copied_(&copied) {}
+  void Exit() override { ++exits; }
+  void FilePrintSetup() override {}
+  void FilePrint() override {}
+  void CopyImage() override {}
+  void SaveMapAs() override {}
+  void ShowReleaseNotes() override {}
+  std::string ClipboardText() override { return copied_ == nullptr ? std::string() : *copied_; }
+
+  int exits = 0;
+
+ private:
+  const std::string* copied_ = nullptr;
 };
 
 class FakeSettings : public Settings {

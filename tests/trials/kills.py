@@ -12,7 +12,7 @@ import subprocess
 import time
 
 import trials
-from project import check_after, commands
+from project import Rounds
 
 WINDOW_EVERY = 16
 WINDOW_WAIT = 15  # seconds, on a loaded machine
@@ -51,17 +51,9 @@ def window(trial, faults=None):
 
 def body(trial):
     trial.make_town()
-    known = {"first"}
-    lengths = {}
-    for number in range(trial.rounds):
-        arguments, label = commands(number)
-        kind = arguments[0]
-        if kind not in lengths:
-            lengths[kind] = trial.calls_of(*arguments)
-            if label:
-                known.add(label)
-            continue
-        kill = {"at": trial.random.randint(1, lengths[kind]), "how": trial.random.choice(["kill", "tear"])}
+    rounds = Rounds(trial)
+    for number, arguments, label, at in rounds:
+        kill = {"at": at, "how": trial.random.choice(["kill", "tear"])}
         where = f"round {number}, {arguments[:3]} {kill}"
         acknowledged = False
         if number % WINDOW_EVERY == 5:
@@ -75,12 +67,11 @@ def body(trial):
         if number % WINDOW_EVERY in (1, 5):
             trial.count("windows opened behind a kill")
             trial.expect(window(trial), "locked", f"window, {where}")
-        known = check_after(trial, known, label, acknowledged, where)
+        rounds.check(label, acknowledged, where)
     trial.run("window", "town.orm", "--extents")
     left = sorted(p.name for p in trial.model.iterdir() if p.suffix in (".before", ".tmp"))
     trial.expect(not left, "left behind", str(left))
-    for what in ("lost", "locked", "torn"):
-        trial.count(what, 0)
+    rounds.count_none()
 
 
 trials.main(body, "kills")

@@ -17,6 +17,37 @@ def commands(number):
     return add, label
 
 
+class Rounds:
+    """The rounds of a trial on its town: in each a command and the call on files that the fault is for.
+
+    The first command of a kind goes without one, which tells how many calls it makes.
+    """
+
+    def __init__(self, trial):
+        self.trial = trial
+        self.known = {"first"}  # labels of the wells that must be there
+
+    def __iter__(self):
+        lengths = {}
+        for number in range(self.trial.rounds):
+            arguments, label = commands(number)
+            kind = arguments[0]
+            if kind in lengths:
+                yield number, arguments, label, self.trial.random.randint(1, lengths[kind])
+                continue
+            lengths[kind] = self.trial.calls_of(*arguments)
+            if label:
+                self.known.add(label)
+
+    def check(self, label, acknowledged, where):
+        self.known = check_after(self.trial, self.known, label, acknowledged, where)
+
+    def count_none(self):
+        """What was looked for and not found counts too."""
+        for what in ("lost", "locked", "torn", "crashed"):
+            self.trial.count(what, 0)
+
+
 def wells(trial):
     """Labels of the wells that have a place, as the program tells them; None when it refuses."""
     done = trial.run("sql", "town.orm", "select Label from Wells inner join Vertices on Wells.VID=Vertices.VID", "--csv")

@@ -22,25 +22,9 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-/// A window whose clipboard holds what the program has copied.
-class FakeWindow final : public WindowCommands {
- public:
-  explicit FakeWindow(const ScriptedInterface& ui) : ui_(ui) {}
-  void Exit() override {}
-  void FilePrintSetup() override {}
-  void FilePrint() override {}
-  void CopyImage() override {}
-  void SaveMapAs() override {}
-  void ShowReleaseNotes() override {}
-  std::string ClipboardText() override { return ui_.clipboard; }
-
- private:
-  const ScriptedInterface& ui_;
-};
-
 struct Town : MapProject {
   Document document{ormel};
-  FakeWindow window{ui};
+  FakeWindow window{ui.clipboard};
   Vid well = 0, far = 0;
   Pid brook = 0, marsh = 0, field = 0;
 
@@ -192,7 +176,7 @@ TEST(CopiedElements, GoToAnotherProjectAsTheyAreUnlessItsUnitsDiffer) {
   EditCopy(from.ormel);
   MapProject to;
   Document document{to.ormel};
-  FakeWindow window{from.ui};
+  FakeWindow window{from.ui.clipboard};
   to.ormel.ports.window = &window;
   to.ormel.gui.VertexTolerance = 0.01;
   EditPaste(to.ormel);

@@ -1,4 +1,5 @@
 // Zones of wells in confined flow without recharge: their pore volume is Q t, whatever else pumps.
+#include <new>
 #include <random>
 
 #include "zones/outlined.h"
@@ -156,6 +157,11 @@ TEST(Progress, RisesWithinTheShareOfAWell) {
   alone.threads = 1;
   EXPECT_TRUE(zones::OutlineZones(plan, Sources(plan), times, alone, stop).empty());
   EXPECT_EQ(told, 3) << "and no more after it was told to stop";
+  // Short of memory, say, in whichever thread it is: the caller hears of it.
+  zones::ZoneOptions together;
+  together.threads = 2;
+  const auto fail = [](double) -> bool { throw std::bad_alloc(); };
+  EXPECT_THROW(zones::OutlineZones(plan, Sources(plan), times, together, fail), std::bad_alloc);
 }
 
 }  // namespace

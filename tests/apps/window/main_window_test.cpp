@@ -292,6 +292,20 @@ TEST_F(WindowTest, AWindowOfALostScreenComesBackWithinReach) {
   EXPECT_EQ(settings.values["Maximized"], "1");
 }
 
+TEST_F(WindowTest, ALogoutClosesWhatIsOpenAndLosesNothing) {
+  Start(town);
+  WithNextDialog([this](QDialog& settings_dialog) {
+    program->window.EndByRequest();
+    EXPECT_FALSE(settings_dialog.isVisible()) << "closed as by Escape";
+    EXPECT_TRUE(program->window.isVisible()) << "the command is still on its way";
+  });
+  Item("MODEL_CMDS", 1)->trigger();
+  EXPECT_TRUE(program->ormel.project.ProjectOpen);
+  program->window.EndByRequest();
+  EXPECT_FALSE(program->window.isVisible());
+  EXPECT_FALSE(program->ormel.project.ProjectOpen);
+}
+
 TEST_F(WindowTest, TheWelcomeBoxOpensAnExample) {
   const std::string example = "basin and range.orm";
   std::filesystem::copy_file(std::string(ORMEL_SOURCE_DIR) + "/examples/" + example, dir / example);
