@@ -30,7 +30,7 @@ TABLES = ("vadox1/parser.cpp", "shell/menu_table.cpp")  # one function or consta
 MODEL_TABLES = ("Wells", "LinesinkStrings", "Inhomogeneities", "NoFlowStrings", "FluxInspect", "Capzones", "Zones",
                 "TestPoints", "Particles", "TextLabels", "WHPAs", "Vertices", "Polygons", "Model")
 MODEL_SQL = re.compile(r"\"[^\"]*\b(?:from|into|update|join)\s+(?:" + "|".join(MODEL_TABLES) + r")\b", re.IGNORECASE)
-MODEL_SQL_LINES = 251
+MODEL_SQL_LINES = 222
 
 
 def sources(folder: Path):
