@@ -9,7 +9,7 @@ import sys
 from pathlib import Path
 
 LEVEL = {
-    "text": 1, "store": 2, "core": 3, "document": 4, "model": 5, "solver": 6,
+    "text": 1, "store": 2, "geo": 2, "core": 3, "document": 4, "model": 5, "solver": 6,
     "whpa": 7, "exchange": 7, "analysis": 7, "basemaps": 7, "tools": 7,
     "view": 8, "shell": 9,
 }
