@@ -17,8 +17,8 @@ void PlanStrings(System& system);
 /// corners.
 void BuildStrings(System& system);
 
-/// Whether a piece of a string only carries on the law of the one before it, down to a place where
-/// its density is infinite; heads along it are those of a point.
+/// Whether a piece is a link of a power law that carries a string or an edge down to a place where its
+/// strength is singular; heads along links are met in the mean alone.
 bool FollowsLaw(const System& system, int piece);
 
 /// Whether the string's bed resists the flow: a resistance and a width.
