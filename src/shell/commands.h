@@ -35,6 +35,8 @@ void ElevationMarks(Ormel& ormel, int index);
 void TestDisplay(Ormel& ormel, int index);
 void TestScaling(Ormel& ormel, int index);
 void ShowVertices(Ormel& ormel, int index);
+void Graphics(Ormel& ormel, int index);
+void BbmGroup(Ormel& ormel, int index);
 void Haze(Ormel& ormel, int index);
 void WellLabels(Ormel& ormel, int index);
 void SimpleWhpas(Ormel& ormel, int index);

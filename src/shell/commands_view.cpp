@@ -1,4 +1,6 @@
 // The commands of the menu "View".
+#include "basemaps/base_map_forms.h"
+#include "basemaps/bbm_groups.h"
 #include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
@@ -20,6 +22,7 @@ void RedrawInPlace(Ormel& ormel) {
 void Layer(Ormel& ormel, int index) {
   if (index == kLayerRefresh) return ormel.view().ZoomActions(ormel::Zoom::kRedraw);
   if (index == kLayerResultsOverlay) return ResultsOverlayCommand(ormel);
+  if (index == kLayerBaseMap) return ShowViewGraphics(ormel, false);
   if (const auto layer = layermenu(index)) ormel.layers.Toggle(*layer);
   if (index != kLayerToolbar) RedrawInPlace(ormel);
 }
@@ -54,6 +57,14 @@ void TestScaling(Ormel& ormel, int index) {
 void ShowVertices(Ormel& ormel, int index) {
   if (const auto layer = LayerOf("ShowVertices", index)) ormel.layers.Toggle(*layer);
   RedrawInPlace(ormel);
+}
+
+void Graphics(Ormel& ormel, int index) {
+  ShowViewGraphics(ormel, index == 1);
+}
+
+void BbmGroup(Ormel& ormel, int /*index*/) {
+  SelectBBMGroup(ormel);
 }
 
 void Haze(Ormel& ormel, int /*index*/) {

@@ -3,6 +3,7 @@
 #include <array>
 #include <filesystem>
 
+#include "basemaps/catalogue.h"
 #include "core/ormel.h"
 #include "core/project.h"
 #include "core/project_crs.h"
@@ -54,7 +55,7 @@ constexpr std::array kControls{
     ControlSpec{.name = "AddBBM",
                 .kind = ControlKind::kButton,
                 .caption = "Add Map...",
-                .tip = "Add a base map to the project: not available in this version"},
+                .tip = "Add a base map to the project"},
     ControlSpec{.name = "Clear",
                 .kind = ControlKind::kButton,
                 .caption = "Remove Map",
@@ -76,7 +77,6 @@ ProjectSettings::ProjectSettings(Ormel& controller) : OkCancelForm(controller) {
   TellCrs();
   PutCheck(project.BasemapMeters ? "MapUnits(0)" : "MapUnits(1)", true);
   PutCheck(project.ComputeMeters ? "CompUnits(0)" : "CompUnits(1)", true);
-  Offer("AddBBM", false);
   RefreshMapList();
 }
 
@@ -102,15 +102,17 @@ void ProjectSettings::RemoveMap() {
   const ControlState& list = State("BaseMaps");
   if (list.selected.empty()) return;
   const std::string name = list.items[static_cast<std::size_t>(list.selected.front())];
-  ormel().db().Execute("delete from Basemaps where MapName=?", {name});
-  if (EqualNoCase(std::filesystem::path(name).extension().string(), ".shp"))
-    ormel().db().Execute("delete from MapLabels where MapName=?", {name});
+  RemoveBaseMap(ormel(), name);
   RefreshMapList();
   reload_ = true;
 }
 
 void ProjectSettings::OtherPressed(std::string_view name) {
   if (name == "Clear") RemoveMap();
+  if (name == "AddBBM" && AddBaseMapsByDialog(ormel())) {
+    RefreshMapList();
+    reload_ = true;
+  }
   if (name != "ChooseCRS") return;
   CrsForm form(ormel());
   ormel().ui().ShowForm(form);

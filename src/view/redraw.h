@@ -1,7 +1,6 @@
 // The picture from the ground up: an ordered table of layers.
 #pragma once
 
-#include <functional>
 #include <span>
 #include <string_view>
 
@@ -15,8 +14,6 @@ namespace ormel {
 /// What the view keeps between two drawings.
 struct ViewState {
   OverlaySettings overlay;
-  /// Draws the base maps; empty while there are none.
-  std::function<void(const MapCanvas&)> basemaps;
 };
 
 struct MapLayer {

@@ -288,6 +288,28 @@ void VgGdi::vgGDIArea(std::span<const MapPoint> ring, Color fill, double opacity
   if (spots_.size() >= 3) target_->Area(spots_, fill, opacity);
 }
 
+void VgGdi::vgGDIAreas(std::span<const std::span<const MapPoint>> rings, Color fill, double opacity) {
+  std::vector<std::vector<Spot>> located;
+  for (const std::span<const MapPoint> ring : rings) {
+    if (ring.size() < 3) continue;
+    // A ring out of view may hold the view, or a hole that does: only what is cut to nothing counts for none.
+    LocateAll(ring, 1.0);
+    if (spots_far_) spots_ = clip::Area(Neighbourhood(view_), std::move(spots_));
+    if (spots_.size() >= 3) located.push_back(std::move(spots_));
+    spots_.clear();
+  }
+  if (!located.empty()) target_->Areas(located, fill, opacity);
+}
+
+void VgGdi::vgGDIPicture(const std::shared_ptr<const Pixels>& pixels, MapPoint upper_left,
+                         MapPoint upper_right, MapPoint lower_left) {
+  if (!Ready() || pixels == nullptr) return;
+  const PicturePlace place{Locate(upper_left), Locate(upper_right), Locate(lower_left)};
+  for (const Spot& spot : {place.upper_left, place.upper_right, place.lower_left})
+    if (!std::isfinite(spot.x) || !std::isfinite(spot.y)) return;
+  target_->Picture(pixels, place);
+}
+
 void VgGdi::vgGDIPolygon(std::span<const MapPoint> points, PenStyle style, double width, Color color,
                          Color fill) {
   if (points.size() < 3 || !LocateAll(points, width)) return;
