@@ -12,6 +12,7 @@
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "core/window_commands.h"
+#include "exchange/feature_import.h"
 #include "model/barriers.h"
 #include "model/delete.h"
 #include "model/digitize.h"
@@ -215,6 +216,10 @@ void Whpa(Ormel& ormel, int index) {
 
 void ImportAreas(Ormel& ormel, int /*index*/) {
   ImportWHPA(ormel);
+}
+
+void ImportFeatures(Ormel& ormel, int /*index*/) {
+  ToolsImportFeatures(ormel);
 }
 
 void OutlineZone(Ormel& ormel, int index) {

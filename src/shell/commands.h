@@ -58,6 +58,7 @@ void InterfaceOptions(Ormel& ormel, int index);
 void Whpa(Ormel& ormel, int index);
 void OutlineZone(Ormel& ormel, int index);
 void ImportAreas(Ormel& ormel, int index);
+void ImportFeatures(Ormel& ormel, int index);
 void DatabaseViewer(Ormel& ormel, int index);
 void Repair(Ormel& ormel, int index);
 void InspectorSettings(Ormel& ormel, int index);

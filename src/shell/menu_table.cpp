@@ -162,6 +162,7 @@ constexpr std::array kItems = std::to_array<MenuItem>({
     {"Import", 4, "&Vadox for DOS file...", "TOOLS_CMDS", 2, kProject},
     {"Import", 5, "Previous &Solution File...", "TOOLS_CMDS", 2, kProject},
     {"ImportWHPA", 0, "WHPA Input File...", "TOOLS_CMDS", 2, kProject, "", c::ImportAreas},
+    {"ImportFeatures", 0, "Import &Features...", "TOOLS_CMDS", 2, kProject | kLine, "", c::ImportFeatures},
     {"TOOLS_CMDS", 3, "&Export", "TOOLSMENU", 0, kProject},
     {"EXPORT", 0, "D&XF...", "TOOLS_CMDS", 3, kProject},
     {"EXPORT", 1, "SURFER\u00ae &BLN...", "TOOLS_CMDS", 3, kProject},
