@@ -1,9 +1,11 @@
 // A strength that follows a power of the distance r from a place, on links that shrink towards it: each is a
 // plain piece, and together they carry one law of one or two unknowns (own procedure).  Within a link, whose
-// ends are a factor of five apart, polynomials of degree five follow the law to 1e-5 of its change there.
+// ends are a factor of two and a half apart, polynomials of degree five follow the law to 1e-4 of its change
+// there.
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <vector>
 
 #include "aem/kernel/grading.h"
@@ -28,10 +30,14 @@ Part Placed(const Link& link, const Part& part, bool at_start);
 
 using LinkCoefficients = std::array<double, kMaxBasis>;
 
-/// Legendre coefficients of r^(power - 1) on a link, X towards larger r; its integral is exact.
+/// How many links, from the place on, are no law to whoever looks from within them or beside: from farther
+/// away they are, since they have its moments.  No condition is met there.
+inline constexpr std::size_t kBlindLinks = 3;
+
+/// Legendre coefficients of r^(power - 1) on a link, X towards larger r; its first six moments are exact.
 LinkCoefficients DensityOn(const Link& link, double power);
 
-/// Of r^power, whose values at both ends are kept.
+/// Of r^power, whose values at both ends and first four moments are kept.
 LinkCoefficients JumpOn(const Link& link, double power);
 
 /// The same for X towards the place.

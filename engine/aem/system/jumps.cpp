@@ -201,14 +201,12 @@ std::vector<double> StringEnds(const System& s, Complex from, Complex to) {
   return positions;
 }
 
-/// What to lower a wall's test function by, so that it begins with 0 beyond the two smallest links: these are
-/// no law, and where powers are small what passes there would count as much as all the rest.
-double TestCut(const System& s, const JumpEdge& edge, const std::vector<Link>& links, double power,
-               const Combination& at_node) {
+/// What to lower a wall's test function by, so that it begins with 0 beyond the blind links: where powers are
+/// small what passes there would count as much as all the rest.
+double TestCut(const System& s, const JumpEdge& edge, double seen, double power, const Combination& at_node) {
   const bool alone = std::all_of(at_node.begin(), at_node.end(),
                                  [&](const auto& part) { return s.edge_only[part.first] != 0; });
-  if (edge.wall < 0 || !alone || links.size() < 5) return 0.0;
-  return std::pow(links[links.size() - 2].far, power);
+  return edge.wall >= 0 && alone && seen < 1.0 ? std::pow(seen, power) : 0.0;
 }
 
 /// The last part before a place where heads follow a power of the distance, from its jumps at both ends
@@ -221,8 +219,8 @@ void AddPowerPart(System& s, int e, const Part& part, bool at_start, double powe
   const double length = (part.end - part.start) * std::abs(along);
   const double smallest = SmallestLink(edge.from, edge.to) / length;
   std::vector<Link> links = Links(power, smallest);
-  const double test_cut = TestCut(s, edge, links, power, at_node);
-  const double least = test_cut > 0.0 ? links[links.size() - 3].near : 0.0;
+  const double seen = links.size() > kBlindLinks ? links[links.size() - kBlindLinks].far : 0.0;
+  const double test_cut = TestCut(s, edge, seen, power, at_node);
   if (at_start) std::reverse(links.begin(), links.end());
   for (const Link& link : links) {
     const Part placed = Placed(link, part, at_start);
@@ -231,7 +229,7 @@ void AddPowerPart(System& s, int e, const Part& part, bool at_start, double powe
     piece.size = kMaxBasis;
     piece.from = edge.from + placed.start * along;
     piece.to = edge.from + placed.end * along;
-    const int index = s.AddPiece(piece, {-1, -1, placed.start, placed.end, e, true});
+    const int index = s.AddPiece(piece, {-1, -1, placed.start, placed.end, e, true, link.near < seen});
     LinkCoefficients law = JumpOn(link, power);
     if (!at_start) law = Reversed(law);
     for (int n = 0; n < kMaxBasis; ++n) {
@@ -239,7 +237,7 @@ void AddPowerPart(System& s, int e, const Part& part, bool at_start, double powe
         AddTerm(&s.terms[index], unknown, n, factor * ((n == 0 ? 1.0 : 0.0) - law[n]));
       for (const auto& [unknown, factor] : away) AddTerm(&s.terms[index], unknown, n, factor * law[n]);
     }
-    if (edge.wall >= 0 ? link.near >= least : link.near > 0.0)
+    if (link.near >= seen || (edge.wall >= 0 && test_cut == 0.0))
       AddControls(s, index, false, 1.0 / (link.far - link.near), test_cut);
     if (link.near == 0.0 && mixed) AddEndTerm(s, index, at_start);
     s.edges[e].pieces.push_back(index);

@@ -84,16 +84,16 @@ void AddPowerPart(System& s, const PieceOwner& part, bool at_start, double power
     piece.size = kMaxBasis;
     piece.from = segment.from + placed.start * along;
     piece.to = segment.from + placed.end * along;
-    const int index = s.AddPiece(piece, {part.string, part.segment, placed.start, placed.end, -1, true});
+    const bool blind = j + kBlindLinks >= links.size();
+    const int index =
+        s.AddPiece(piece, {part.string, part.segment, placed.start, placed.end, -1, true, blind});
     s.segment_pieces[part.string][part.segment].push_back(index);
     Term t;
     t.unknown = unknown;
     t.coefficient = DensityOn(links[j], power);
     if (!at_start) t.coefficient = Reversed(t.coefficient);
     s.terms[index].push_back(t);
-    // Next to the last link, which is no more than its discharge, heads are not those of the law.
-    if (j == 0 || j + 2 < links.size())
-      AddControls(s, index, string, stage, kPoints, links[j].far - links[j].near);
+    if (j == 0 || !blind) AddControls(s, index, string, stage, kPoints, links[j].far - links[j].near);
   }
 }
 
@@ -250,10 +250,6 @@ double Stage::At(int segment, double position) const {
   if (a == b || va == vb) return va;
   const double sa = start_[a] + 0.5 * Length(a), sb = start_[b] + 0.5 * Length(b);
   return sb > sa ? va + (vb - va) * (s - sa) / (sb - sa) : va;
-}
-
-bool FollowsLaw(const System& s, int piece) {
-  return s.owners[piece].law;
 }
 
 void PlanStrings(System& s) {

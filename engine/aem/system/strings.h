@@ -17,10 +17,6 @@ void PlanStrings(System& system);
 /// corners.
 void BuildStrings(System& system);
 
-/// Whether a piece is a link of a power law that carries a string or an edge down to a place where its
-/// strength is singular; heads along links are met in the mean alone.
-bool FollowsLaw(const System& system, int piece);
-
 /// Whether the string's bed resists the flow: a resistance and a width.
 inline bool Resists(const LineSinkString& s) {
   return s.resistance > 0.0 && s.width > 0.0;

@@ -36,6 +36,7 @@ struct PieceOwner {
   double start = 0.0, end = 1.0;  ///< position of the piece's `from` and `to` along that segment
   int edge = -1;                  ///< of a doublet: index in System::edges
   bool law = false;               ///< a link that follows a power of the distance to a place, power_law.h
+  bool blind = false;             ///< one of the last of these, see kBlindLinks
 };
 
 /// A straight edge that carries a jump of the potential: between zones, or a wall, or both.
