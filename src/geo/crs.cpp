@@ -134,11 +134,12 @@ const std::vector<CrsEntry>& CrsList() {
   return list;
 }
 
-std::vector<CrsEntry> SearchCrs(const std::string& words, std::size_t most) {
+std::vector<CrsEntry> SearchCrs(const std::string& words, std::size_t most, bool projected) {
   const std::vector<std::string> wanted = ParseString(FoldCase(words), ' ');
   std::vector<CrsEntry> found;
   for (const CrsEntry& entry : CrsList()) {
     if (found.size() >= most) break;
+    if (projected && !entry.projected) continue;
     const std::string text = FoldCase(entry.code + " " + entry.name + " " + entry.area);
     const bool fits = std::all_of(wanted.begin(), wanted.end(), [&](const std::string& word) {
       return text.find(word) != std::string::npos;

@@ -54,8 +54,9 @@ struct CrsEntry {
 
 /// The systems in use, projected ones and those of longitude and latitude, by name.
 const std::vector<CrsEntry>& CrsList();
-/// Those whose code, name or area hold every word of `words`, in any case; at most `most`.
-std::vector<CrsEntry> SearchCrs(const std::string& words, std::size_t most = 500);
+/// Those whose code, name or area hold every word of `words`, in any case; at most `most`.  `projected`: only
+/// those in a plane.
+std::vector<CrsEntry> SearchCrs(const std::string& words, std::size_t most = 500, bool projected = false);
 
 struct Place {
   double x = 0, y = 0;

@@ -142,7 +142,7 @@ void AddZones(Ormel& ormel, Entries& entries) {
                 LineSample(ZoneLineColor(i), kZoneLineWidth));
   for (std::size_t i = 0; i < zones.wells.size() && zones.wells.size() <= kFew; ++i)
     entries.Add("Area of " + zones.wells[i], AreaSample(ZoneAreaColor(i), kZoneOpacity));
-  const auto by_hand = [](const Zone& zone) { return !zone.tag.outlined(); };
+  const auto by_hand = [](const CaptureZone& zone) { return !zone.tag.outlined(); };
   entries.Add(std::any_of(zones.all.begin(), zones.all.end(), by_hand), StyleId::kCapzone);
 }
 

@@ -171,7 +171,7 @@ class Hidden {
         const MapPoint at{
             vg_.vgGDIDeviceToWorldX(box.left + (box.right - box.left) * (i + 0.5) / kSide, false),
             vg_.vgGDIDeviceToWorldY(box.top + (box.bottom - box.top) * (j + 0.5) / kSide, false)};
-        for (const Zone& zone : zones_.all) hidden += InRing(zone.points, at) ? 1000 : 0;
+        for (const CaptureZone& zone : zones_.all) hidden += InRing(zone.ring, at) ? 1000 : 0;
       }
     for (const DevicePoint& well : wells_)
       hidden +=

@@ -101,6 +101,7 @@ class MapViewImpl final : public MapView, public ChangeListener {
  private:
   /// True when the code is done: it only starts or asks something, without a redraw.
   bool ZoomMode(Zoom code);
+  bool ChangeWindow(Zoom code, const MapRect& rect);
   void ApplyRectangle(const MapRect& rect);
   void RestoreWindow();
   void SaveWindow();

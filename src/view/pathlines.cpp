@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 
+#include "core/ask_number.h"
 #include "core/command.h"
 #include "core/coordinates.h"
 #include "core/layers.h"
@@ -161,10 +162,10 @@ void ZMARKS(Ormel& ormel, bool ask) {
     double& spacing = ormel.solution.ElevationTicSpacing;
     bool show = true;
     if (ask || (!(spacing > 0.0) && !ormel.layers.On(Layer::kElevationTics))) {
-      const auto entered = ormel.ui().Ask(
-          InputBox{"Elevation Tics", "Enter spacing for elevation tic marks: ", NumberText(spacing)});
-      if (!entered || entered->empty()) return;
-      spacing = Val(*entered);
+      const auto entered = AskNumber(
+          ormel, {"Elevation Tics", "Enter spacing for elevation tic marks: ", NumberText(spacing)});
+      if (!entered) return;
+      spacing = *entered;
       show = spacing > 0.0;
     } else {
       show = !ormel.layers.On(Layer::kElevationTics);

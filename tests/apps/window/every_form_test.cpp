@@ -24,6 +24,7 @@
 #include "ormel/form_dialog.h"
 #include "ormel/output_forms.h"
 #include "shell/about.h"
+#include "shell/crs_form.h"
 #include "shell/gui_options_form.h"
 #include "shell/new_database_wizard.h"
 #include "shell/project_settings.h"
@@ -69,6 +70,7 @@ Forms AllForms(Ormel& ormel) {
   Add<GUIOptions>(forms, ormel);
   Add<NewDatabaseWizard>(forms, ormel);
   Add<ProjectSettings>(forms, ormel);
+  Add<CrsForm>(forms, ormel);
   Add<RestoreWindowForm>(forms, ormel);
   Add<ResultOverlay>(forms, ormel, OverlaySettings{});
   Add<WHPAArbitrary>(forms, ormel, std::vector<WhpaWell>(2));
