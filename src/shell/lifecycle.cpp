@@ -265,7 +265,7 @@ void FileSaveAs(Ormel& ormel) {
     if (image.empty())
       DuplicateProject(source, target);
     else
-      DuplicateImage(image, target);
+      DuplicateImage(image, source, target);
   } catch (const std::exception& e) {
     failure = e.what();
   }

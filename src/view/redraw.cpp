@@ -21,11 +21,12 @@
 namespace ormel {
 namespace {
 
-bool HasBasemaps(const Ormel& ormel, const ViewState&) {
-  return AnyBaseMaps(ormel);
+bool HasBasemaps(const Ormel& ormel, const ViewState& state) {
+  return state.basemaps || AnyBaseMaps(ormel);
 }
-void DrawBasemaps(const MapCanvas& canvas, ViewState&) {
+void DrawBasemaps(const MapCanvas& canvas, ViewState& state) {
   const Named named(canvas.ormel, "Redraw_Basemap");
+  if (state.basemaps) return state.basemaps(canvas);
   DrawBaseMaps(canvas);
 }
 

@@ -1,6 +1,7 @@
 // The picture from the ground up: an ordered table of layers.
 #pragma once
 
+#include <functional>
 #include <span>
 #include <string_view>
 
@@ -14,6 +15,8 @@ namespace ormel {
 /// What the view keeps between two drawings.
 struct ViewState {
   OverlaySettings overlay;
+  /// Draws in the place of the project's base maps, where a drawing is to be measured; empty otherwise.
+  std::function<void(const MapCanvas&)> basemaps;
 };
 
 struct MapLayer {
