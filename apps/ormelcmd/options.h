@@ -27,7 +27,7 @@ void AddSolveCommands(CLI::App& app, Program& program);    ///< solve, deck
 void AddRenderCommand(CLI::App& app, Program& program);
 void AddWhpaCommands(CLI::App& app, Program& program);      ///< whpa ...
 void AddQueryCommands(CLI::App& app, Program& program);     ///< sql, results
-void AddFeatureCommands(CLI::App& app, Program& program);   ///< import-features
+void AddFeatureCommands(CLI::App& app, Program& program);   ///< import-features, export geopackage
 void AddAnalysisCommands(CLI::App& app, Program& program);  ///< calibration, observe, report
 
 /// Switches the layers that a map shows when nobody names any.
