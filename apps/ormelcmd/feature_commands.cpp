@@ -1,14 +1,17 @@
-// import-features
+// import-features, export geopackage
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
 #include <memory>
 
 #include "exchange/feature_import.h"
+#include "exchange/geopackage_export.h"
 #include "exchange/units.h"
 #include "geo/geo_error.h"
 #include "ormelcmd/options.h"
+#include "shell/export_geopackage.h"
 #include "shell/open_steps.h"
+#include "solver/solve_stamp.h"
 #include "text/strings.h"
 
 namespace ormel {
@@ -89,6 +92,47 @@ int Import(const CommonOptions& common, const ImportOptions& given) {
   return session.Finish();
 }
 
+struct ExportOptions {
+  std::string path, file;
+  double time_tics = 0.0, elevation_tics = 0.0;
+};
+
+int Export(const CommonOptions& common, const ExportOptions& given) {
+  Session session(MakeBatchOptions(common));
+  session.OpenForReading(given.path);
+  Ormel& ormel = session.ormel();
+  if (const std::string reason = RestoreSolve(ormel); !reason.empty())
+    session.ui().Say("without results: " + reason);
+  try {
+    const ExportOutcome outcome =
+        WriteGeoPackage(ormel, FullPath(ormel, given.file), given.time_tics, given.elevation_tics);
+    std::cout << outcome.Text() << '\n';
+    if (outcome.cancelled) return kExitRefused;
+  } catch (const GeoError& error) {
+    throw UserError(error.what());
+  }
+  return session.Finish();
+}
+
+void AddExport(CLI::App& app, Program& program) {
+  const auto there = app.get_subcommands([](CLI::App* each) { return each->get_name() == "export"; });
+  CLI::App* parent = there.empty() ? nullptr : there.front();
+  if (parent == nullptr) {
+    parent = app.add_subcommand("export", "Write the model or its results for other programs");
+    parent->require_subcommand(1);
+  }
+  auto given = std::make_shared<ExportOptions>();
+  CLI::App* command = parent->add_subcommand("geopackage", "Elements and results as layers with styles");
+  command->add_option("project", given->path, "The project")->required();
+  command->add_option("file", given->file, "The file, .gpkg")->required();
+  command->add_option("--time-tics", given->time_tics, "Marks along the paths at multiples of this time [d]")
+      ->check(CLI::NonNegativeNumber);
+  command->add_option("--elevation-tics", given->elevation_tics, "Marks at multiples of this elevation")
+      ->check(CLI::NonNegativeNumber);
+  command->callback(
+      [&program, given] { program.run = [&program, given] { return Export(program.common, *given); }; });
+}
+
 std::string TargetsText() {
   std::string text = "Properties, for --field, --default and --unit:\n";
   for (const FeatureTarget& target : FeatureTargets()) {
@@ -102,6 +146,7 @@ std::string TargetsText() {
 }  // namespace
 
 void AddFeatureCommands(CLI::App& app, Program& program) {
+  AddExport(app, program);
   auto given = std::make_shared<ImportOptions>();
   CLI::App* command = app.add_subcommand("import-features", "Features of a GIS layer become elements");
   command->add_option("project", given->path, "The project")->required();

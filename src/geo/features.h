@@ -15,6 +15,7 @@ const char* GeometryKindText(GeometryKind kind);
 struct GeoPoint {
   double x = 0, y = 0;
   double z = 0;  ///< 0 in parts without elevations
+  double m = 0;  ///< a measure along a line; written, not read
 };
 
 /// One point, line or ring.  Rings close by themselves: their last point is not the first again.
@@ -22,7 +23,7 @@ struct GeoPart {
   enum class Role { kPoint, kLine, kOuterRing, kHole };
   Role role = Role::kPoint;
   bool has_z = false;
-  std::vector<GeoPoint> points;
+  std::vector<GeoPoint> points{};
 };
 
 enum class FieldKind { kText, kInteger, kReal };

@@ -32,19 +32,22 @@ OGRwkbGeometryType TypeOf(const NewLayer& layer) {
     case GeometryKind::kMixed:
       break;
   }
-  return layer.has_z ? wkbSetZ(type) : type;
+  if (layer.has_z) type = wkbSetZ(type);
+  return layer.has_m ? wkbSetM(type) : type;
 }
 
 OGRFieldType TypeOf(FieldKind kind) {
   return kind == FieldKind::kInteger ? OFTInteger64 : kind == FieldKind::kReal ? OFTReal : OFTString;
 }
 
-void PutPoints(OGRGeometryH line, const GeoPart& part, bool close, bool has_z) {
+void PutPoints(OGRGeometryH line, const GeoPart& part, bool close, const NewLayer& layer) {
   const std::size_t count = part.points.size() + (close ? 1 : 0);
   OGR_G_SetPointCount(line, static_cast<int>(count));
   for (std::size_t i = 0; i < count; ++i) {
     const GeoPoint& point = part.points[i % part.points.size()];
-    if (has_z) {
+    if (layer.has_m) {
+      OGR_G_SetPointZM(line, static_cast<int>(i), point.x, point.y, point.z, point.m);
+    } else if (layer.has_z) {
       OGR_G_SetPoint(line, static_cast<int>(i), point.x, point.y, point.z);
     } else {
       OGR_G_SetPoint_2D(line, static_cast<int>(i), point.x, point.y);
@@ -52,8 +55,9 @@ void PutPoints(OGRGeometryH line, const GeoPart& part, bool close, bool has_z) {
   }
 }
 
-OGRwkbGeometryType Dimensioned(OGRwkbGeometryType flat, bool has_z) {
-  return has_z ? wkbSetZ(flat) : flat;
+OGRwkbGeometryType Dimensioned(OGRwkbGeometryType flat, const NewLayer& layer) {
+  if (layer.has_z) flat = wkbSetZ(flat);
+  return layer.has_m ? wkbSetM(flat) : flat;
 }
 
 // The geometry of the parts; owned by the caller.  A part of a polygon begins with its outer ring.
@@ -65,17 +69,17 @@ OGRGeometryH Built(const GeoFeature& feature, const NewLayer& layer) {
     const bool hole = part.role == GeoPart::Role::kHole;
     if (hole || part.role == GeoPart::Role::kOuterRing) {
       OGRGeometryH ring = OGR_G_CreateGeometry(wkbLinearRing);
-      PutPoints(ring, part, true, layer.has_z);
+      PutPoints(ring, part, true, layer);
       if (hole && last != nullptr) {
         OGR_G_AddGeometryDirectly(last, ring);
         continue;
       }
-      last = OGR_G_CreateGeometry(Dimensioned(wkbPolygon, layer.has_z));
+      last = OGR_G_CreateGeometry(Dimensioned(wkbPolygon, layer));
       OGR_G_AddGeometryDirectly(last, ring);
     } else {
       const bool point = part.role == GeoPart::Role::kPoint;
-      last = OGR_G_CreateGeometry(Dimensioned(point ? wkbPoint : wkbLineString, layer.has_z));
-      PutPoints(last, part, false, layer.has_z);
+      last = OGR_G_CreateGeometry(Dimensioned(point ? wkbPoint : wkbLineString, layer));
+      PutPoints(last, part, false, layer);
     }
     if (whole == nullptr) {
       whole = last;

@@ -18,8 +18,9 @@ struct NewLayer {
   GeometryKind kind = GeometryKind::kPoint;
   bool multi = false;  ///< features of several lines or polygons
   bool has_z = false;
-  std::vector<GeoField> fields;
-  std::optional<LayerStyle> style;
+  bool has_m = false;  ///< with elevations only
+  std::vector<GeoField> fields{};
+  std::optional<LayerStyle> style{};
 };
 
 /// The file is written beside its name and takes it with Commit(); without that nothing is left and an older

@@ -27,6 +27,7 @@
 #include "model/undo.h"
 #include "model/uniform_flow.h"
 #include "shell/about.h"
+#include "shell/export_geopackage.h"
 #include "shell/gui_options_form.h"
 #include "shell/help.h"
 #include "shell/import_whpa.h"
@@ -220,6 +221,10 @@ void ImportAreas(Ormel& ormel, int /*index*/) {
 
 void ImportFeatures(Ormel& ormel, int /*index*/) {
   ToolsImportFeatures(ormel);
+}
+
+void ExportLayers(Ormel& ormel, int /*index*/) {
+  ToolsExportGeoPackage(ormel);
 }
 
 void OutlineZone(Ormel& ormel, int index) {

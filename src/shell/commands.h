@@ -59,6 +59,7 @@ void Whpa(Ormel& ormel, int index);
 void OutlineZone(Ormel& ormel, int index);
 void ImportAreas(Ormel& ormel, int index);
 void ImportFeatures(Ormel& ormel, int index);
+void ExportLayers(Ormel& ormel, int index);
 void DatabaseViewer(Ormel& ormel, int index);
 void Repair(Ormel& ormel, int index);
 void InspectorSettings(Ormel& ormel, int index);

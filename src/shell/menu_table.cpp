@@ -172,6 +172,7 @@ constexpr std::array kItems = std::to_array<MenuItem>({
     {"EXPORTDB", 1, "Head Specified Wells...", "TOOLS_CMDS", 3, kProject},
     {"EXPORTDB", 2, "Test Points...", "TOOLS_CMDS", 3, kProject},
     {"EXPORTDB", 3, "Text Labels...", "TOOLS_CMDS", 3, kProject},
+    {"ExportGeoPackage", 0, "Export &GeoPackage...", "TOOLS_CMDS", 3, kProject | kLine, "", c::ExportLayers},
     {"SimpleWHPAMenu", 0, "Simple WHPAs", "TOOLSMENU", 0, kProject | kLine},
     {"WHPA", 0, "Arbitrary Radius", "SimpleWHPAMenu", 0, kProject, "", c::Whpa},
     {"WHPA", 1, "Calculated WHPA", "SimpleWHPAMenu", 0, kProject, "", c::Whpa},

@@ -13,6 +13,7 @@
 
 #include "analysis/calibration_form.h"
 #include "analysis/report_form.h"
+#include "exchange/feature_import_form.h"
 #include "model/barriers.h"
 #include "model/delete.h"
 #include "model/inhomogeneities.h"
@@ -71,6 +72,7 @@ Forms AllForms(Ormel& ormel) {
   Add<NewDatabaseWizard>(forms, ormel);
   Add<ProjectSettings>(forms, ormel);
   Add<CrsForm>(forms, ormel);
+  Add<FeatureImportForm>(forms, ormel);
   Add<RestoreWindowForm>(forms, ormel);
   Add<ResultOverlay>(forms, ormel, OverlaySettings{});
   Add<WHPAArbitrary>(forms, ormel, std::vector<WhpaWell>(2));
