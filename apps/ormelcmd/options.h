@@ -28,6 +28,7 @@ void AddRenderCommand(CLI::App& app, Program& program);
 void AddWhpaCommands(CLI::App& app, Program& program);      ///< whpa ...
 void AddQueryCommands(CLI::App& app, Program& program);     ///< sql, results
 void AddAnalysisCommands(CLI::App& app, Program& program);  ///< calibration, observe, report
+void AddExchangeCommands(CLI::App& app, Program& program);  ///< import ..., export ...
 
 /// Switches the layers that a map shows when nobody names any.
 void ShowUsualLayers(Ormel& ormel, bool solved);
