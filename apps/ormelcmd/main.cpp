@@ -44,6 +44,7 @@ int Run(int argc, char** argv) {
   ormel::AddQueryCommands(app, program);
   ormel::AddWhpaCommands(app, program);
   ormel::AddAnalysisCommands(app, program);
+  ormel::AddExchangeCommands(app, program);
   ormel::AddBaseMapCommands(app, program);
   ormel::AddFeatureCommands(app, program);
   try {

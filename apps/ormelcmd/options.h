@@ -30,6 +30,7 @@ void AddQueryCommands(CLI::App& app, Program& program);     ///< sql, results
 void AddBaseMapCommands(CLI::App& app, Program& program);   ///< basemap ...
 void AddFeatureCommands(CLI::App& app, Program& program);   ///< import-features, export geopackage
 void AddAnalysisCommands(CLI::App& app, Program& program);  ///< calibration, observe, report
+void AddExchangeCommands(CLI::App& app, Program& program);  ///< import ..., export ...
 
 /// Switches the layers that a map shows when nobody names any.
 void ShowUsualLayers(Ormel& ormel, bool solved);

@@ -12,7 +12,11 @@
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "core/window_commands.h"
+#include "exchange/dxf_export.h"
 #include "exchange/feature_import.h"
+#include "exchange/shape_export.h"
+#include "exchange/surfer_export.h"
+#include "exchange/table_exchange.h"
 #include "model/barriers.h"
 #include "model/delete.h"
 #include "model/digitize.h"
@@ -225,6 +229,36 @@ void ImportFeatures(Ormel& ormel, int /*index*/) {
 
 void ExportLayers(Ormel& ormel, int /*index*/) {
   ToolsExportGeoPackage(ormel);
+}
+
+void ImportTable(Ormel& ormel, int index) {
+  switch (index) {
+    case 0:
+      return ToolsImportTX(ormel);
+    case 1:
+      return ToolsImportWL(ormel, false);
+    case 2:
+      return ToolsImportWL(ormel, true);
+    default:
+      return ToolsImportTP(ormel);
+  }
+}
+
+void ExportFile(Ormel& ormel, int index) {
+  switch (index) {
+    case 0:
+      return ToolsExportDXF(ormel);
+    case 1:
+      return ToolsExportBLN(ormel);
+    case 2:
+      return ToolsExportGrid(ormel);
+    default:
+      return ExportShapefiles(ormel);
+  }
+}
+
+void ExportTable(Ormel& ormel, int index) {
+  EXPORTDB(ormel, index);
 }
 
 void OutlineZone(Ormel& ormel, int index) {

@@ -25,6 +25,7 @@ struct PathSet {
   std::vector<MapPoint> points;
   std::vector<double> elevations;  ///< [computation length]
   std::vector<double> times;       ///< since the start [d]
+  std::vector<std::string> starts{};  ///< the START line of each path
 };
 
 struct ContourSet {
