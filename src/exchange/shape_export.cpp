@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <vector>
 
 #include "core/command.h"
 #include "core/ormel.h"
+#include "core/project_crs.h"
 #include "core/settings.h"
 #include "core/status.h"
 #include "core/user_interface.h"
@@ -143,6 +145,13 @@ void WriteAttributes(Ormel& ormel, const DbfColumn& column, const std::string& p
   if (result.starts_with(kFailed)) throw FileError(path, result.substr(kFailed.size()));
 }
 
+/// The one that is given stands before the project's.
+std::string PrjOf(const Ormel& ormel, const ShapeOptions& options) {
+  if (!options.prj.empty()) return options.prj;
+  const std::optional<Crs> crs = ProjectCrs(ormel);
+  return crs ? crs->PrjWkt() : std::string();
+}
+
 }  // namespace
 
 std::span<const ShapeKind> ShapeKinds() {
@@ -173,7 +182,8 @@ ShapeReport WriteShapes(Ormel& ormel, const ShapeKind& kind, const ShapeOptions&
     WriteAttributes(ormel, members.column, set.Member("dbf"));
   }
   WriteTextFile(set.Member("cpg"), "UTF-8");
-  if (!options.prj.empty()) WriteTextFile(set.Member("prj"), options.prj);
+  const std::string prj = PrjOf(ormel, options);
+  if (!prj.empty()) WriteTextFile(set.Member("prj"), prj);
   set.Commit({"sbn", "sbx", "qix"});  // indices of the older shapes
   return report;
 }

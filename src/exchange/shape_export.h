@@ -33,7 +33,7 @@ const ShapeKind* FindShapeKind(std::string_view word);
 struct ShapeOptions {
   TicSpacings spacings;
   bool test_points = false, particles = false;  ///< with the wells
-  std::string prj{};  ///< coordinate reference system as WKT, in the form that .prj files have; or empty
+  std::string prj{};  ///< WKT in the form that .prj files have; empty: the project's, where it is known
 };
 
 struct ShapeReport {
