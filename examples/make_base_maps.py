@@ -3,7 +3,7 @@
 
     examples/make_base_maps.py [folder]        default: the folder of this script
 
-town.bbm: streets, a railway, the river and field boundaries of the town [m, tenths].
+town_water.bbm, town_streets.bbm, town_fields.bbm: river, streets with a railway, and field boundaries [m, tenths].
 basin.tif, basin.tfw: shaded relief of the basin and its ranges [ft], grey, 8 bits, lit from the north-west.
 """
 import math
@@ -62,12 +62,17 @@ class Map:
         path.write_bytes(header + body)
 
 
-def town(path):
-    streets = Map("A small town in a river valley", "HYDROGRAPHY, STREETS AND FIELDS")
-    north, south = streets.line(offset(RIVER, 14), (50, 412)), streets.line(offset(RIVER, -14), (50, 412))
+def river(path):
+    water = Map("River of a small town", "HYDROGRAPHY")
+    north, south = water.line(offset(RIVER, 14), (50, 412)), water.line(offset(RIVER, -14), (50, 412))
     ends = [(offset(RIVER, side)[at]) for at in (-1, 0) for side in (14, -14)]
-    east, west = streets.line(ends[:2], (50, 605)), streets.line(ends[2:], (50, 605))
-    streets.area([north, east, -south, -west], (50, 101))
+    east, west = water.line(ends[:2], (50, 605)), water.line(ends[2:], (50, 605))
+    water.area([north, east, -south, -west], (50, 101))
+    water.write(path)
+
+
+def town(path):
+    streets = Map("Streets of a small town", "ROADS AND RAILWAY")
     main = [(-900, 1900), (300, 1650), (1200, 1480), (2300, 1380), (3300, 1330), (4300, 1250), (5200, 1180), (6900, 1000)]
     streets.line(main, (170, 203), (173, 6))
     streets.line([(2300, 4700), (2350, 3200), (2280, 2300), (2300, 1380), (2380, 790), (2500, -100), (2450, -900)],
@@ -80,14 +85,19 @@ def town(path):
         streets.line([(x, 1375 - 14 * k), (x + 40, 1880), (x + 20, 2280)], (170, 210))
     for y in (1560, 1740, 1920, 2100):
         streets.line([(2300, y), (3100, y - 25), (4020, y - 60)], (170, 211))
+    streets.write(path)
+
+
+def fields(path):
+    boundaries = Map("Fields around a small town", "MISC")
     draw = random.Random(4)
     for row in range(6):  # fields north of the town
         y = 2750 + 310 * row
-        streets.line([(x, y + 40 * math.sin(x / 900.0)) for x in range(-900, 6901, 300)], (190, 201))
+        boundaries.line([(x, y + 40 * math.sin(x / 900.0)) for x in range(-900, 6901, 300)], (190, 201))
         for x in range(-900, 6901, 520):
             shift = draw.uniform(-120, 120)
-            streets.line([(x + shift, y + 40 * math.sin(x / 900.0)), (x + shift + 60, y + 310)], (190, 201))
-    streets.write(path)
+            boundaries.line([(x + shift, y + 40 * math.sin(x / 900.0)), (x + shift + 60, y + 310)], (190, 201))
+    boundaries.write(path)
 
 
 def height(x, y):
@@ -125,7 +135,9 @@ def basin(path, cell=150.0):
 
 def main():
     folder = Path(sys.argv[1]) if len(sys.argv) > 1 else Path(__file__).parent
-    town(folder / "town.bbm")
+    river(folder / "town_water.bbm")
+    town(folder / "town_streets.bbm")
+    fields(folder / "town_fields.bbm")
     basin(folder / "basin.tif")
 
 
