@@ -2,6 +2,7 @@
 #include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
+#include "core/window_commands.h"
 #include "shell/commands.h"
 #include "solver/inspection.h"
 #include "view/display_commands.h"
@@ -68,6 +69,10 @@ void WellLabels(Ormel& ormel, int /*index*/) {
 
 void SimpleWhpas(Ormel& ormel, int /*index*/) {
   ShowWHPAs(ormel);
+}
+
+void Panel(Ormel& ormel, int index) {
+  ormel.ports.window->TogglePanel(index);
 }
 
 }  // namespace ormel::command
