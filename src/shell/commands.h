@@ -40,6 +40,7 @@ void BbmGroup(Ormel& ormel, int index);
 void Haze(Ormel& ormel, int index);
 void WellLabels(Ormel& ormel, int index);
 void SimpleWhpas(Ormel& ormel, int index);
+void Panel(Ormel& ormel, int index);
 
 // E&lement
 void NewElement(Ormel& ormel, int index);

@@ -4,6 +4,7 @@
 #include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
+#include "core/window_commands.h"
 #include "shell/commands.h"
 #include "solver/inspection.h"
 #include "view/display_commands.h"
@@ -79,6 +80,10 @@ void WellLabels(Ormel& ormel, int /*index*/) {
 
 void SimpleWhpas(Ormel& ormel, int /*index*/) {
   ShowWHPAs(ormel);
+}
+
+void Panel(Ormel& ormel, int index) {
+  ormel.ports.window->TogglePanel(index);
 }
 
 }  // namespace ormel::command

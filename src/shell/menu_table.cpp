@@ -4,6 +4,7 @@
 
 #include "core/layers.h"
 #include "core/menu_state.h"
+#include "core/window_commands.h"
 #include "shell/commands.h"
 #include "shell/menus.h"
 #include "view/display_commands.h"
@@ -100,6 +101,11 @@ constexpr std::array kItems = std::to_array<MenuItem>({
     {"ShowWHPAs", 0, kOfLayer, "VIEWMENU", 0, kCheck, "", c::SimpleWhpas},
     {"ShowWellLabels", 0, kOfLayer, "VIEWMENU", 0, kCheck, "", c::WellLabels},
     {"layermenu", kLayerToolbar, kOfLayer, "VIEWMENU", 0, kCheckable | kLine, "", c::Layer},
+    {"PANELS", 0, "Panels", "VIEWMENU", 0},
+    {"PANEL", kPanelElements, "&Elements", "PANELS", 0, kCheckable | kNeedsWindow, "F6", c::Panel},
+    {"PANEL", kPanelLayers, "&Layers", "PANELS", 0, kCheckable | kNeedsWindow, "F7", c::Panel},
+    {"PANEL", kPanelProperties, "&Properties", "PANELS", 0, kCheckable | kNeedsWindow, "F8", c::Panel},
+    {"PANEL", kPanelResults, "&Results and Log", "PANELS", 0, kCheckable | kNeedsWindow, "F9", c::Panel},
     {"layermenu", kLayerRefresh, "Refresh", "VIEWMENU", 0, kProject, "Ctrl+L", c::Layer},
     {"layermenu", kLayerManualRedraw, kOfLayer, "VIEWMENU", 0, kCheck, "", c::Layer},
     {"layermenu", kLayerBaseMap, "Base Map...", "VIEWMENU", 0, kProject | kLine, "", c::Layer},

@@ -202,4 +202,17 @@ std::vector<LegendEntry> LegendOf(Ormel& ormel, const ViewState& state) {
   return list;
 }
 
+void DrawSample(Ormel& ormel, DrawingDevice& device, StyleId id) {
+  VgGdi vg(ormel);
+  MapRect window{0.0, static_cast<double>(device.Width()), static_cast<double>(device.Height()), 0.0};
+  if (vg.vgGDIInitObject(device, window) != VgInit::kDone) return;
+  const double middle = 0.5 * device.Height(), rim = 0.1 * device.Width();
+  const Style& style = StyleOf(id);
+  if (style.sample == SampleKind::kLetters)
+    vg.vgGDItext("ab", {0.5 * device.Width(), middle - 0.4 * vg.PointUnit()},
+                 {.size = 9, .color = style.color, .alignment = 1});
+  else
+    SampleOf(style, style.color)(vg, {rim, middle}, {device.Width() - rim, middle});
+}
+
 }  // namespace ormel

@@ -13,6 +13,7 @@
 #include "view/capture_zones.h"
 #include "view/label_placer.h"
 #include "view/map_legend.h"
+#include "view/outdated.h"
 #include "view/redraw.h"
 
 namespace ormel {
@@ -265,6 +266,7 @@ bool DrawMapOutput(Ormel& ormel, ViewState& state, DrawingDevice& device, const 
 
   device.SetClip(area);
   DrawMap({ormel, vg, &labels}, state);
+  DrawOutdatedBand(ormel, device, area);
   device.ClearClip();
   (beside ? margin : furniture).Legend(entries, legend);
   if (output.scale_bar) furniture.ScaleBar();

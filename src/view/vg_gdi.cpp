@@ -17,8 +17,8 @@ constexpr double kNeighbourhood = 16384.0;
 /// A device gets at most this many points in one line.
 constexpr std::size_t kLinePoints = 5000;
 /// Lines of the editor grid closer than this would only paint the map grey: then every tenth is drawn, every
-/// hundredth and so on, at least so far apart [pixels].
-constexpr double kClosestGrid = 2.0, kCoarseGrid = 8.0;
+/// hundredth and so on [pixels, and parts of a 10-point size where that has more of them].
+constexpr double kClosestGrid = 10.0, kClosestGridLetters = 0.75;
 /// Points of a line closer than this in both directions are one [pixels].
 constexpr int kShortestStep = 2;
 constexpr double kShortestFineStep = 0.7;  ///< the same for lines between pixels
@@ -124,8 +124,8 @@ void VgGdi::DrawGrid(const MapRect& window) {
     return;
   }
   double spacing = grid_spacing_;
-  if (spacing / vgGDIPixelSize() < kClosestGrid)
-    while (spacing / vgGDIPixelSize() < kCoarseGrid) spacing *= 10.0;
+  const double closest = std::max(kClosestGrid, kClosestGridLetters * point_unit_) * vgGDIPixelSize();
+  while (spacing < closest) spacing *= 10.0;
   BeginLayer("Editor Grid");
   DrawGridLines(window.x1, window.x2, true, window, spacing);
   DrawGridLines(window.y2, window.y1, false, window, spacing);
