@@ -341,6 +341,16 @@ std::vector<Feature> PlacesOf(const System& s, const Arrangement& arrangement) {
 
 namespace {
 
+/// Whether a wall passes little as near to its end as a law holds, the last part of the string and the edges:
+/// one that leaks more is to the heads there as good as none.
+bool TightAtItsEnd(const System& s, const JumpEdge& edge, const Zone& zone) {
+  if (edge.wall < 0) return false;
+  constexpr double kPart = 2.4e-3, kLittle = 0.1;
+  const Wall& wall = s.model.walls[edge.wall];
+  return wall.conductivity * kPart * std::abs(edge.to - edge.from) <
+         kLittle * wall.thickness * zone.conductivity;
+}
+
 /// Powers where a string ends on edges, see wedge.h.
 void FindPowers(System& s, Arrangement* arrangement) {
   arrangement->power.assign(arrangement->nodes.size(), 0.0);
@@ -355,7 +365,7 @@ void FindPowers(System& s, Arrangement* arrangement) {
     for (const auto& leaving : around) {
       const JumpEdge& edge = s.edges[EdgeOf(leaving)];
       const Zone& zone = leaving.second < 0 ? edge.right : edge.left;
-      rays.push_back({leaving.first, zone.Slope(zone.Potential(g.value)), edge.wall >= 0});
+      rays.push_back({leaving.first, zone.Slope(zone.Potential(g.value)), TightAtItsEnd(s, edge, zone)});
     }
     const double direction = std::arg(end == 0 ? g.to - g.from : g.from - g.to);
     const bool along_edge = std::any_of(around.begin(), around.end(), [&](const auto& a) {
