@@ -14,11 +14,13 @@
 #include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "shell/update.h"
 #include "solver/extents.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "store/schema.h"
 #include "store/store_error.h"
+#include "store/update.h"
 #include "store/view.h"
 #include "text/files.h"
 
@@ -28,9 +30,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kCannotOpen = "Can't open database";
-/// The version of a project from before versions were stored.
-constexpr std::int64_t kFirstVersion = 100;
-
 constexpr const char* kOffer = "Open it for viewing only?";
 
 bool TestReadOnly(Ormel& ormel, const std::string& path, bool* view) {
@@ -87,15 +86,14 @@ std::optional<std::int64_t> ReadVersion(Ormel& ormel, const std::string& path, b
   const bool viewing = view != nullptr && *view;
   try {
     Database db = Database::Open(path, viewing ? OpenMode::kView : OpenMode::kReadOnly);
-    if (!db.HasField("Project", "ProjectVersion")) return kFirstVersion;
-    return db.Scalar("select ProjectVersion from Project;").AsLong();
+    return VersionOf(db);
   } catch (const StoreError& e) {
     if (!OfferView(ormel, e, view)) return std::nullopt;
   }
   return ReadVersion(ormel, path, view);
 }
 
-bool TestVersion(Ormel& ormel, std::int64_t version) {
+bool TestVersion(Ormel& ormel, const std::string& path, std::int64_t version, bool view) {
   if (version > schema::kProjectVersion) {
     Inform(ormel, kCannotOpen,
            Lines({"The project database was written by a newer version of Ormel.",
@@ -104,6 +102,13 @@ bool TestVersion(Ormel& ormel, std::int64_t version) {
     return false;
   }
   if (version == schema::kProjectVersion) return true;
+  if (view && IsReadOnly(path)) {
+    Inform(ormel, "Must update",
+           Lines({"Can't open this project database unless it is updated.",
+                  "It is read-only: copy it to a folder of your own and open the copy."}),
+           Icon::kStop);
+    return false;
+  }
   if (!AskYesNo(ormel, "Version Update",
                 Lines({"The project database needs to be updated for use with this version of Ormel.",
                        "If you press Yes, the project will be updated.  This will make the project",
@@ -113,12 +118,7 @@ bool TestVersion(Ormel& ormel, std::int64_t version) {
     Inform(ormel, "Must update", "Can't open this project database unless it is updated.");
     return false;
   }
-  Inform(ormel, "Must update",
-         "This project has version " + std::to_string(version) + "; this version of Ormel opens version " +
-             std::to_string(schema::kProjectVersion) +
-             " and cannot update older projects yet.\nThe file has not been changed.",
-         Icon::kStop);
-  return false;
+  return DBUpdate(ormel, path, version);
 }
 
 bool SameFolder(const std::string& a, const std::string& b) {
@@ -191,7 +191,7 @@ bool TestProjectFile(Ormel& ormel, const std::string& path, bool* view) {
 
 bool TestProjectVersion(Ormel& ormel, const std::string& path, bool* view) {
   const std::optional<std::int64_t> version = ReadVersion(ormel, path, view);
-  return version && TestVersion(ormel, *version);
+  return version && TestVersion(ormel, path, *version, view != nullptr && *view);
 }
 
 bool OpenConnection(Ormel& ormel, const std::string& path, bool* view) {
