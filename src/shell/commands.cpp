@@ -26,6 +26,7 @@
 #include "model/undo.h"
 #include "model/uniform_flow.h"
 #include "shell/about.h"
+#include "shell/check_project.h"
 #include "shell/gui_options_form.h"
 #include "shell/help.h"
 #include "shell/import_whpa.h"
@@ -228,6 +229,10 @@ void DatabaseViewer(Ormel& ormel, int /*index*/) {
 
 void Repair(Ormel& ormel, int /*index*/) {
   DBRepair(ormel);
+}
+
+void Check(Ormel& ormel, int /*index*/) {
+  CheckProject(ormel);
 }
 
 void InspectorSettings(Ormel& ormel, int /*index*/) {

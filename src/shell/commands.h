@@ -58,6 +58,7 @@ void OutlineZone(Ormel& ormel, int index);
 void ImportAreas(Ormel& ormel, int index);
 void DatabaseViewer(Ormel& ormel, int index);
 void Repair(Ormel& ormel, int index);
+void Check(Ormel& ormel, int index);
 void InspectorSettings(Ormel& ormel, int index);
 void IntegrityCheck(Ormel& ormel, int index);
 

@@ -14,9 +14,11 @@
 #include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "shell/check_project.h"
 #include "shell/update.h"
 #include "solver/extents.h"
 #include "store/bulk.h"
+#include "store/checksums.h"
 #include "store/database.h"
 #include "store/schema.h"
 #include "store/store_error.h"
@@ -58,6 +60,12 @@ bool OfferView(Ormel& ormel, const StoreError& refusal, bool* view) {
   return *view;
 }
 
+/// A project that has none yet, or whose changes the user has just taken as they are, gets them.
+void KeepChecksums(Ormel& ormel) {
+  Database& db = ormel.db();
+  if (!db.HasTable("Checksums") || !ForeignChanges(db).empty()) AcceptContents(db);
+}
+
 bool OfferNewDatabase(Ormel& ormel, const std::string& path) {
   if (const std::string fault = FaultOfProjectName(path); !fault.empty()) {
     Inform(ormel, "No Such File", path + "\nThe specified project database does not exist.  " + fault,
@@ -81,14 +89,39 @@ bool OfferNewDatabase(Ormel& ormel, const std::string& path) {
   return true;
 }
 
+/// What something else than Ormel has changed, as a question; true when the user goes on with it.
+bool AcceptForeign(Ormel& ormel, const std::vector<ChangedTable>& changed) {
+  if (changed.empty()) return true;
+  std::string text = "This project was changed by something else than Ormel since it was last saved:\n";
+  for (const ChangedTable& one : changed) {
+    text += one.table + ": ";
+    text += one.rows_then == one.rows_now
+                ? "contents of its " + std::to_string(one.rows_now) + " rows"
+                : std::to_string(one.rows_then) + " rows then, " + std::to_string(one.rows_now) + " now";
+    text += "\n";
+  }
+  text +=
+      "If you changed it yourself by another program, answer Yes, and look at the model before you trust "
+      "it.\n"
+      "If not, a disk may have changed a number: answer No, and go on with a copy from before.\n"
+      "Open it as it is?";
+  return AskYesNo(ormel, "Changed Outside Ormel", text, Icon::kWarning);
+}
+
 /// Nothing when the file cannot be read as a project; the user has been told.
 std::optional<std::int64_t> ReadVersion(Ormel& ormel, const std::string& path, bool* view) {
   const bool viewing = view != nullptr && *view;
   try {
     Database db = Database::Open(path, viewing ? OpenMode::kView : OpenMode::kReadOnly);
-    return VersionOf(db);
+    const std::int64_t version = VersionOf(db);
+    if (version == schema::kProjectVersion && !AcceptForeign(ormel, ForeignChanges(db))) return std::nullopt;
+    return version;
   } catch (const StoreError& e) {
-    if (!OfferView(ormel, e, view)) return std::nullopt;
+    if (e.code() == StoreErrorCode::kDamaged && !viewing && !IsReadOnly(path)) {
+      if (!OfferSalvage(ormel, path, e.what())) return std::nullopt;
+    } else if (!OfferView(ormel, e, view)) {
+      return std::nullopt;
+    }
   }
   return ReadVersion(ormel, path, view);
 }
@@ -196,7 +229,9 @@ bool TestProjectVersion(Ormel& ormel, const std::string& path, bool* view) {
 
 bool OpenConnection(Ormel& ormel, const std::string& path, bool* view) {
   try {
-    AttachProject(ormel, path, view != nullptr && *view);
+    const bool viewing = view != nullptr && *view;
+    AttachProject(ormel, path, viewing);
+    if (!viewing) KeepChecksums(ormel);
     return true;
   } catch (const StoreError& e) {
     if (!OfferView(ormel, e, view)) return false;

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "store/bulk.h"
+#include "store/checksums.h"
 #include "store/connection.h"
 #include "store/schema.h"
 #include "store/unfinished_file.h"
@@ -33,6 +34,7 @@ void Fill(const std::string& path, const NewDatabaseOptions& options, const std:
     try {
       MakeTables(database, options);
       AddRows(database, options, base_name);
+      AcceptContents(database);
     } catch (...) {
       transaction.Rollback();
       throw;

@@ -161,7 +161,7 @@ std::vector<SalvagedTable> Fill(Database& db, PageReader& pages, const std::stri
     reports.push_back(table->report);
     rows += table->report.rows;
   }
-  if (list.empty() && rows == 0) {
+  if (rows == 0) {
     all.Rollback();
     throw StoreError(StoreErrorCode::kNotAProject,
                      "The file \"" + path + "\" holds nothing of a project that could be read.");
@@ -169,6 +169,16 @@ std::vector<SalvagedTable> Fill(Database& db, PageReader& pages, const std::stri
   EnsureSingleRows(db, path);
   all.Commit();
   return reports;
+}
+
+/// A file that a newer program wrote is not damaged.
+void RefuseNewer(const std::string& bytes, const std::string& path) {
+  constexpr std::string_view kMark = "ORML";
+  if (bytes.size() < 100 || !bytes.starts_with("SQLite format 3") || bytes.compare(68, 4, kMark) != 0) return;
+  if (bytes.compare(60, 3, std::string(3, '\0')) == 0 && bytes[63] <= 1) return;
+  throw StoreError(
+      StoreErrorCode::kNotAProject,
+      "The file \"" + path + "\" was written by a newer version of Ormel. Update Ormel to open it.");
 }
 
 }  // namespace
@@ -188,6 +198,7 @@ std::string SalvageReport::Losses() const {
 SalvageReport SalvageProject(const std::string& path) {
   SalvageReport report;
   const std::string bytes = FileBytes(path);
+  RefuseNewer(bytes, path);
   PageReader pages(bytes);
   const std::string fresh = TemporaryBeside(path, ".new");
   try {

@@ -4,6 +4,7 @@
 
 #include "store/connection.h"
 #include "store/database.h"
+#include "store/field_rules.h"
 #include "store/schema.h"
 #include "text/files.h"
 #include "text/strings.h"
@@ -105,7 +106,24 @@ Field Adapted(const Field& field, const NewDatabaseOptions& options, const std::
   return out;
 }
 
+std::string TooLong(const Field& field) {
+  return "the text is too long, at most " + std::to_string(field.size) + " characters fit; shorten it";
+}
+
 }  // namespace
+
+std::string Condition(const Field& field) {
+  const std::string name = "[" + std::string(field.name) + "]";
+  const std::string condition = field.type == FieldType::kText
+                                    ? "length(" + name + ")<=" + std::to_string(field.size)
+                                    : Replace(EntryOf(field.type).condition, name);
+  return field.required ? name + " is not null and " + condition : name + " is null or (" + condition + ")";
+}
+
+std::string Rule(const Field& field) {
+  if (field.type == FieldType::kText) return TooLong(field);
+  return std::string(EntryOf(field.type).rule) + (field.required ? "" : ", or nothing");
+}
 
 std::string_view Declaration(FieldType type) {
   return EntryOf(type).declaration;

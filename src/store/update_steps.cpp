@@ -26,9 +26,10 @@ constexpr std::array kFrom100{
         "update Wells set HeadSpecified=0, Head=PumpingRate, StartElev=(select AQBase from Model), Pond=0,"
         " PPWell=0, Transient=0"),
     Drop("Wells", "PumpingRate"),
-    Drop("LSResults", "PID,SpecHead,ModelHead,DPStrength,SinkDensity,Vertex,X,Y,Length"),
     Add("LSResults",
         "Label,VadoxLabel,X1,Y1,X2,Y2,SpecifiedHead,Discharge,CalculatedHead,Width,Resistance,Depth,Error"),
+    // Behind the new ones: a table is never without a field.
+    Drop("LSResults", "PID,SpecHead,ModelHead,DPStrength,SinkDensity,Vertex,X,Y,Length"),
     Run("LSResults", "Label",
         "update LSResults set Label='__NONE__', VadoxLabel='__NONE__', X1=0, Y1=0, X2=0, Y2=0,"
         " SpecifiedHead=0, Discharge=0, CalculatedHead=0, Width=0, Resistance=0, Depth=0, Error=0"),

@@ -28,7 +28,7 @@ const Refusal kRefusals[] = {
     {"no project", [](const std::string& path) { WriteAll(path, "Hello"); }, "Can't open database",
      "town.orm"},
     {"empty", [](const std::string& path) { WriteAll(path, ""); }, "Can't open database", "town.orm"},
-    {"cut", Cut, "Can't open database", "town.orm"},
+    {"cut", Cut, "Damaged Project", "town.orm"},
     {"newer",
      [](const std::string& path) { LifecycleTest::Run(path, "update Project set ProjectVersion=209"); },
      "Can't open database", "newer version of Ormel"},
@@ -41,6 +41,7 @@ TEST_P(OpenRefusal, SaysWhyAndLeavesTheFileAsItWas) {
   FileOpenProject(ormel, Make("present.orm"));
   GetParam().spoil(path);
   ui.AnswerTo("File is Read-only!", {Answer::kNo});
+  ui.AnswerTo("Damaged Project", {Answer::kNo});
   const std::string bytes = ReadAll(path);
   FileOpenProject(ormel, path);
   EXPECT_EQ(ui.LastTitle(), GetParam().title);

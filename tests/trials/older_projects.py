@@ -22,7 +22,7 @@ def make_model(trial):
     add("linesink", "--points", "400,-300 350,0 410,310", "--label", "Bach", "--heads", "28", "27", "--resistance", "1.5",
         "--width", "6", "--depth", "0.5")
     add("testpoint", "--at", "50,60", "--label", "tp", "--head", "29.9")
-    add("particles", "--at", "20,300")
+    add("particles", "--points", "20,300")
     add("fluxline", "--points", "-100,200 100,200", "--label", "flux")
     add("text", "--at", "10,400", "--text", "Zeile 1 'x'")
     trial.do("set", "town.orm", "Model.CONTOURLevel=80")
@@ -36,9 +36,11 @@ def add_domains(trial):
 
 
 def deck(trial, name="town.orm"):
-    """The elements' part of the deck."""
+    """The deck, without the stem that it names: version 100 had none."""
+    (trial.model / "x.dat").unlink(missing_ok=True)
     trial.do("deck", name, "x.dat")
-    return (trial.model / "x.dat").read_text()
+    lines = (trial.model / "x.dat").read_text().splitlines()
+    return [line for line in lines if not line.strip().startswith("title")]
 
 
 def town_of(trial, version):
@@ -66,7 +68,7 @@ def as_new(trial, version):
     trial.do("new", new)
     wanted, got = shape(new), shape(trial.project)
     strip = lambda sql: sql.replace("new", "").replace("town", "").replace("DEFAULT", "").replace(" ", "")
-    for key in wanted.keys() | got.keys():
+    for key in (wanted.keys() | got.keys()) - {("table", "Checksums")}:  # which the first opening makes
         one, other = strip(wanted.get(key, "")), strip(got.get(key, ""))
         if key[1] == "Project":  # folder and stem are the project's own
             one, other = len(one.split(",")), len(other.split(","))
@@ -80,7 +82,7 @@ def each_version(trial):
         before = rows(trial.project)
         make_older(trial.project, version)
         older = trial.project.read_bytes()
-        done = trial.run("deck", "town.orm", "x.dat")
+        done = trial.run("deck", "town.orm", "y.dat")
         trial.expect(done.returncode == 1 and trial.project.read_bytes() == older, "updated unasked", str(version))
         trial.do("update", "town.orm")
         trial.expect((trial.model / f"town.v{version}.orm").read_bytes() == older, "no copy", str(version))
