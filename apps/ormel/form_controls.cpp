@@ -242,7 +242,8 @@ const KindRow& RowOf(ControlKind kind) {
 }
 
 bool IsChoice(const ControlSpec& spec, bool at_foot) {
-  return !at_foot && spec.kind == ControlKind::kButton && spec.role == ButtonRole::kNone && !spec.tip.empty();
+  return !at_foot && spec.kind == ControlKind::kButton && spec.role != ButtonRole::kReject &&
+         !spec.tip.empty();
 }
 
 void UpdateCaption(QLabel* label, const std::string& text, const ControlState& state) {

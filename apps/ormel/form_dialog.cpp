@@ -29,9 +29,20 @@ std::size_t FootOf(std::span<const ControlSpec> specs) {
 
 }  // namespace
 
+namespace {
+
+/// Without the hint at F1, which pads the title until the window cuts it: every dialog has that key.
+QString TitleOf(const Form& form) {
+  QString title = ToQString(form.Title());
+  title.remove(QStringLiteral("(F1 for Help)"));
+  return title.trimmed();
+}
+
+}  // namespace
+
 FormDialog::FormDialog(Form& form, QWidget* parent)
     : QDialog(parent), form_(form), picture_(new QLabel(this)), column_(new QVBoxLayout) {
-  setWindowTitle(ToQString(form.Title()));
+  setWindowTitle(TitleOf(form));
   setWindowModality(Qt::ApplicationModal);
   auto* help = new QShortcut(QKeySequence(Qt::Key_F1), this);
   connect(help, &QShortcut::activated, this, [this] { emit HelpAsked(ToQString(form_.HelpTopic())); });

@@ -24,6 +24,7 @@
 #include "ormel/icons.h"
 #include "ormel/map_export.h"
 #include "ormel/menu_actions.h"
+#include "ormel/panels.h"
 #include "ormel/qt_interface.h"
 #include "ormel/qt_text.h"
 #include "ormel/status_panels.h"
@@ -68,6 +69,12 @@ MainWindow::MainWindow(Ormel& ormel, QtInterface& ui)
     ShowAll();
   });
   addToolBar(toolbar_);
+  const auto idle = [this] {
+    const MouseState& mouse = ormel_.mouse;
+    return !Busy() && mouse.MouseMode == MouseMode::kSelect && !mouse.MovePending && !mouse.MenusOff;
+  };
+  beside_ = new Panels({ormel, idle, [this] { ShowAll(); }}, *this);
+  connect(beside_, &Panels::Changed, this, &MainWindow::Refresh);
   map_->SetBusyTest([this] { return Busy(); });
   connect(map_, &MapWidget::Touched, this, &MainWindow::Refresh);
   connect(&ui, &QtInterface::PanelChanged, panels_, &StatusPanels::SetPanel);
@@ -96,13 +103,15 @@ MainWindow::Shown MainWindow::Present() const {
 }
 
 void MainWindow::Refresh() {
-  if (shown_ != Present()) ShowAll();
+  if (shown_ != Present()) return ShowAll();
+  beside_->Refresh();
 }
 
 void MainWindow::ShowAll() {
   shown_ = Present();
   menu_actions_->Refresh();
   toolbar_->Refresh();
+  beside_->Refresh();
 }
 
 void MainWindow::Place(const Placement& placement) {
@@ -148,8 +157,22 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     AskWhileBusy();
     return;
   }
+  beside_->Save();
   Form_Unload(ormel_, PresentPlacement());
   event->accept();
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  beside_->Fit(width());
+}
+
+void MainWindow::PlacePanels() {
+  beside_->Restore();
+}
+
+void MainWindow::TogglePanel(int index) {
+  beside_->Toggle(index);
 }
 
 void MainWindow::AskWhileBusy() {

@@ -14,6 +14,7 @@ namespace ormel {
 
 class MapExport;
 class MenuActions;
+class Panels;
 class QtInterface;
 class StatusPanels;
 class ToolButtons;
@@ -31,11 +32,14 @@ class MainWindow : public QMainWindow, public WindowCommands {
   MenuActions& menus() { return *menu_actions_; }
   ToolButtons& toolbar() { return *toolbar_; }
   StatusPanels& panels() { return *panels_; }
+  Panels& beside() { return *beside_; }
 
   void Place(const Placement& placement);
   /// Nothing while the window is minimised.
   std::optional<Placement> PresentPlacement() const;
-  /// Shows the state of menus and toolbar if it has changed.
+  /// Places the panels beside the map, once the window has its size.
+  void PlacePanels();
+  /// Shows the state of menus, toolbar and panels if it has changed.
   void Refresh();
 
   // WindowCommands
@@ -46,12 +50,14 @@ class MainWindow : public QMainWindow, public WindowCommands {
   std::string ClipboardText() override;
   void SaveMapAs() override;
   void ShowReleaseNotes() override;
+  void TogglePanel(int index) override;
 
   /// The system asks the program to end: a run is cancelled first, without a question.
   void EndByRequest();
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
 
@@ -70,6 +76,7 @@ class MainWindow : public QMainWindow, public WindowCommands {
   MapViewImpl* view_ = nullptr;
   MapWidget* map_;
   StatusPanels* panels_;
+  Panels* beside_ = nullptr;
   ToolButtons* toolbar_ = nullptr;
   MenuActions* menu_actions_ = nullptr;
   std::unique_ptr<MapExport> output_;

@@ -1,8 +1,11 @@
 #include "ormel/map_widget.h"
 
+#include <QAction>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPaintEvent>
+#include <QShortcut>
 #include <QWheelEvent>
 #include <algorithm>
 #include <array>
@@ -11,7 +14,12 @@
 
 #include "core/command.h"
 #include "core/ormel.h"
+#include "model/select_beneath.h"
+#include "ormel/qt_text.h"
 #include "qtdevice/painter_device.h"
+#include "shell/context_menu.h"
+#include "shell/menus.h"
+#include "view/outdated.h"
 
 namespace ormel {
 namespace {
@@ -38,6 +46,23 @@ constexpr std::array kKeys = {
     KeyRow{Qt::Key_PageUp, MapKey::kPageUp}, KeyRow{Qt::Key_PageDown, MapKey::kPageDown},
     KeyRow{Qt::Key_Home, MapKey::kHome},     KeyRow{Qt::Key_End, MapKey::kEnd},
     KeyRow{Qt::Key_Escape, MapKey::kEscape}, KeyRow{Qt::Key_Backspace, MapKey::kBackspace}};
+
+/// Commands for what lies under the pointer; the menu goes by itself.
+void ShowContextMenu(MapWidget& map, Ormel& ormel, MapPoint at, QPoint global) {
+  auto* menu = new QMenu(&map);
+  menu->setObjectName(QStringLiteral("ContextMenu"));
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  for (const ContextItem& entry : ContextMenu(ormel, at)) {
+    if (entry.line) menu->addSeparator();
+    QObject::connect(menu->addAction(ToQString(entry.caption)), &QAction::triggered, &map,
+                     [&map, &ormel, item = entry.item] {
+                       Dispatch(ormel, item->control, item->index);
+                       emit map.Touched();
+                     });
+  }
+  emit map.Touched();  // the place may have another selection
+  menu->popup(global);
+}
 
 int ShiftOf(Qt::KeyboardModifiers modifiers) {
   return (modifiers.testFlag(Qt::ShiftModifier) ? kShiftKey : 0) +
@@ -70,6 +95,15 @@ MapWidget::MapWidget(Ormel& ormel, QWidget* parent) : QWidget(parent), ormel_(or
   for (QTimer* timer : {&fit_timer_, &wheel_timer_}) timer->setSingleShot(true);
   connect(&fit_timer_, &QTimer::timeout, this, &MapWidget::Fit);
   connect(&wheel_timer_, &QTimer::timeout, this, &MapWidget::ApplyWheel);
+  // As a shortcut, since the key would go to the next widget before it came here; it still does where
+  // nothing lies beneath.
+  auto* beneath = new QShortcut(QKeySequence(Qt::Key_Tab), this);
+  beneath->setContext(Qt::WidgetShortcut);
+  connect(beneath, &QShortcut::activated, this, [this] {
+    const bool done = Ready() && SelectBeneath(ormel_);
+    if (!done) focusNextChild();
+    emit Touched();
+  });
 }
 
 MapWidget::~MapWidget() = default;
@@ -142,6 +176,7 @@ void MapWidget::PaintOverlay(QPainter& painter) {
   const int dpi = static_cast<int>(std::lround(logicalDpiX() * ratio));
   QPainterDevice device(painter, PixelSize(), dpi, dpi);
   view_->PaintOverlay(device);
+  DrawOutdatedBand(ormel_, device, {0, 0, PixelSize().width(), PixelSize().height()});
 }
 
 void MapWidget::resizeEvent(QResizeEvent* event) {
@@ -192,7 +227,15 @@ void MapWidget::mousePressEvent(QMouseEvent* event) {
     setCursor(Qt::ClosedHandCursor);
     return;
   }
-  if (!dragging_) Forward(Map_MouseDown, *event);
+  if (dragging_) return;
+  const bool right = event->button() == Qt::RightButton;
+  const DevicePoint device = ToDevice(event->position());
+  const MapPoint at{view_->vg().vgGDIDeviceToWorldX(device.x, false),
+                    view_->vg().vgGDIDeviceToWorldY(device.y, false)};
+  // Asked before the press, which may end what was being drawn.
+  const bool menu = right && OffersContextMenu(ormel_, at);
+  Forward(Map_MouseDown, *event);
+  if (menu && Ready()) ShowContextMenu(*this, ormel_, at, event->globalPosition().toPoint());
 }
 
 void MapWidget::mouseMoveEvent(QMouseEvent* event) {

@@ -6,6 +6,7 @@
 #include "core/ormel.h"
 #include "store/database.h"
 #include "store/recordset.h"
+#include "text/numbers.h"
 
 namespace ormel {
 namespace {
@@ -15,6 +16,7 @@ using enum ControlKind;
 constexpr std::string_view kMargins = "Margins", kPaper = "Paper", kBeside = "Beside the Map",
                            kSize = "Size of the Picture";
 constexpr double kLargestMargin = 20.0;  ///< inches
+constexpr double kCentimetres = 2.54;    ///< in an inch
 constexpr double kSmallestWidth = 100.0, kLargestWidth = 16000.0, kSmallestDpi = 50.0, kLargestDpi = 1200.0;
 
 constexpr ControlSpec kTitle{.name = "tbTitle", .kind = kText, .caption = "&Title", .group = kBeside};
@@ -71,6 +73,11 @@ constexpr std::array kRows{MarginRow{"tbLeft", "MARGINLeft", &MapWindow::margin_
                            MarginRow{"tbTop", "MARGINTop", &MapWindow::margin_top},
                            MarginRow{"tbBottom", "MARGINBottom", &MapWindow::margin_bottom}};
 
+/// Margins are kept in inches, and shown in centimetres where the project counts in metres.
+double Shown(const Ormel& ormel, double inches) {
+  return ormel.project.ComputeMeters ? inches * kCentimetres : inches;
+}
+
 }  // namespace
 
 MapExtras ExtrasForm::Extras() const {
@@ -93,7 +100,9 @@ void ExtrasForm::PutExtras(const MapExtras& extras) {
 
 PrintSetup::PrintSetup(Ormel& controller, const MapExtras& extras, bool landscape) : ExtrasForm(controller) {
   InitControls();
-  for (const MarginRow& row : kRows) PutNumber(row.control, controller.window.*row.value);
+  if (controller.project.ComputeMeters)
+    for (const MarginRow& row : kRows) Unit(row.control, "cm");
+  for (const MarginRow& row : kRows) PutNumber(row.control, Shown(controller, controller.window.*row.value));
   PutCheck("chkBox", controller.window.margin_box);
   PutCheck(landscape ? "optLandscape" : "optPortrait", true);
   PutExtras(extras);
@@ -107,8 +116,11 @@ bool PrintSetup::Ok() {
   FillEmptyNumbers();
   for (const MarginRow& row : kRows) {
     const double margin = Number(row.control);
-    if (margin < 0.0 || margin > kLargestMargin)
-      return BadEntry(row.control, "A margin must be between 0 and 20 inches.", "Please enter a new value.");
+    if (margin < 0.0 || margin > Shown(ormel(), kLargestMargin))
+      return BadEntry(row.control,
+                      ormel().project.ComputeMeters ? "A margin must be between 0 and 50.8 cm."
+                                                    : "A margin must be between 0 and 20 inches.",
+                      "Please enter a new value.");
   }
   Store();
   return true;
@@ -116,7 +128,10 @@ bool PrintSetup::Ok() {
 
 void PrintSetup::Store() {
   MapWindow& window = ormel().window;
-  for (const MarginRow& row : kRows) window.*row.value = Number(row.control);
+  // One that was left alone stays to its last digit.
+  for (const MarginRow& row : kRows)
+    if (Text(row.control) != NumberText(Shown(ormel(), window.*row.value)))
+      window.*row.value = Number(row.control) / Shown(ormel(), 1.0);
   window.margin_box = Checked("chkBox");
   Recordset model = ormel().db().OpenRecordset("select * from Model");
   if (!model.HasRow()) return;

@@ -18,9 +18,12 @@
 
 #include "core/command.h"
 #include "core/layers.h"
+#include "document/elements.h"
+#include "model/selection.h"
 #include "ormel/application.h"
 #include "ormel/form_dialog.h"
 #include "ormel/help_viewer.h"
+#include "ormel/panels.h"
 #include "ormel/program.h"
 #include "platform/file_settings.h"
 #include "platform/posix_processes.h"
@@ -65,6 +68,7 @@ constexpr std::array kDialogs = {
     DialogShot{"dialog-results-table", "RESULTS_TABLE", 0, 0},
     DialogShot{"dialog-calibration", "CALIBRATION_STATS", 0, 0},
     DialogShot{"dialog-report", "REPORT", 0, 0},
+    DialogShot{"dialog-solve-prompt", "MODEL_CMDS", 2, 0},
     DialogShot{"dialog-database-viewer", "TOOLS_CMDS", 5, 0},
 };
 
@@ -184,7 +188,7 @@ void TakeCompetingWells(Program& program, Photographer& photographer, const std:
   ormel.layers.Switch(Layer::kContours, false);
   program.view.ZoomActions(Zoom::kRedraw);
   photographer.Window(QStringLiteral("window-whpa-paths"));
-  RemoveWhpaRows(ormel, "Type=3", false);
+  RemoveWhpaRows(ormel, "Type=3");
   ormel.layers.Switch(Layer::kContours, true);
 }
 
@@ -253,9 +257,28 @@ void TakeInspection(Program& program, Photographer& photographer) {
   }
 }
 
+/// The panels beside the map, with an element selected.
+void TakePanels(Program& program, Photographer& photographer) {
+  Ormel& ormel = program.ormel;
+  RunCommand(ormel, "SelectItems", [&] {
+    const std::vector<ElementId> wells = ElementsOf(ormel, Element::kWell);
+    if (!wells.empty()) SelectItems(ormel, {wells.front()});
+  });
+  program.window.Refresh();
+  Panels& panels = program.window.beside();
+  for (const PanelItem item : {kPanelProperties, kPanelResults}) panels.dock(item)->show();
+  photographer.Window(QStringLiteral("window-panels"));
+  panels.dock(kPanelLayers)->raise();
+  photographer.Window(QStringLiteral("window-panels-layers"));
+  for (const PanelItem item : {kPanelElements, kPanelLayers, kPanelProperties, kPanelResults})
+    panels.dock(item)->hide();
+}
+
 void TakeAll(Program& program, const QString& folder) {
   Photographer photographer(program, folder);
   Dispatch(program.ormel, "MODEL_CMDS", 2);
+  Dispatch(program.ormel, "ZOOM_CMDS", 3);
+  TakePanels(program, photographer);
   Dispatch(program.ormel, "ShowWellLabels", 0);
   Dispatch(program.ormel, "TMARKS", kTimeMarks2Years);
   Dispatch(program.ormel, "ZOOM_CMDS", 3);

@@ -23,6 +23,7 @@ void Program::Start(const std::string& project) {
   steps.place = [this](const Placement& placement) { window.Place(placement); };
   steps.show = [this] {
     window.show();
+    window.PlacePanels();
     window.raise();
     window.activateWindow();
     window.map().setFocus();

@@ -12,11 +12,11 @@ struct PanelRow {
   int characters;  ///< width; 0 takes what is left
   const char* tip;
 };
-constexpr std::array kPanels = {PanelRow{"Activity", 22, "What you are doing"},
-                                PanelRow{"Feedback", 0, "What to do next"},
-                                PanelRow{"Note", 26, "State of the solution"},
-                                PanelRow{"XPosition", 20, "East coordinate of the pointer"},
-                                PanelRow{"YPosition", 20, "North coordinate of the pointer"}};
+constexpr std::array kPanels = {
+    PanelRow{"Activity", 22, "What you are doing"}, PanelRow{"Feedback", 0, "What to do next"},
+    PanelRow{"Note", 26, "State of the solution"},
+    PanelRow{"XPosition", 30, "East coordinate of the pointer, and its longitude where known"},
+    PanelRow{"YPosition", 30, "North coordinate of the pointer, and its latitude where known"}};
 
 constexpr int kPadding = 8;  ///< pixels beside the text
 

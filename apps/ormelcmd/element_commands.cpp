@@ -11,10 +11,10 @@
 #include "model/delete.h"
 #include "model/dialog.h"
 #include "model/edit.h"
+#include "model/element_properties.h"
 #include "model/model_values.h"
 #include "model/observation_forms.h"
 #include "model/vertices.h"
-#include "ormelcmd/element_properties.h"
 #include "ormelcmd/options.h"
 #include "ormelcmd/table.h"
 #include "store/bulk.h"
@@ -198,15 +198,17 @@ void Use(BatchInterface& ui, const KindRow& row, const std::string& text) {
     throw UserError(kept ? name + " of a " + std::string(row.name) + " is kept by the program"
                          : "a " + std::string(row.name) + " has no field \"" + name + "\"; it has " + known);
   }
-  for (const BatchSetting& setting : SettingsOf(row, *property, value)) ui.Use(setting);
+  const std::vector<ControlSetting> settings = SettingsOf(*property, value);
+  if (settings.empty()) throw UserError(std::string(property->name) + ": \"" + value + "\" is not a number");
+  for (const ControlSetting& setting : settings)
+    ui.Use({std::string(row.form), setting.control, setting.value});
 }
 
 void EditFluxLine(Ormel& ormel, BatchInterface& ui, Pid pid) {
-  const std::string label = ormel.db().Scalar("select Label from FluxInspect where PID=?", {pid}).AsText();
-  FluxInspectDialog form(ormel, "Flux Inspection Line Properties", label);
-  ui.ShowForm(form);
-  if (form.Result == OkCancelForm::kOk)
-    ormel.db().Execute("update FluxInspect set Label=? where PID=?", {form.Label(), pid});
+  const auto edit = EditOf(ormel, {Element::kFluxLine, pid});
+  if (edit == nullptr) return;
+  ui.ShowForm(edit->form());
+  if (edit->form().Result == OkCancelForm::kOk) edit->Store();
 }
 
 int SetElement(const CommonOptions& common, const KindRow& row, const ElementOptions& given) {

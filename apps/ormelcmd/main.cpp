@@ -45,6 +45,9 @@ int Run(int argc, char** argv) {
   ormel::AddQueryCommands(app, program);
   ormel::AddWhpaCommands(app, program);
   ormel::AddAnalysisCommands(app, program);
+  ormel::AddExchangeCommands(app, program);
+  ormel::AddBaseMapCommands(app, program);
+  ormel::AddFeatureCommands(app, program);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {

@@ -28,7 +28,10 @@ void AddSolveCommands(CLI::App& app, Program& program);    ///< solve, deck
 void AddRenderCommand(CLI::App& app, Program& program);
 void AddWhpaCommands(CLI::App& app, Program& program);      ///< whpa ...
 void AddQueryCommands(CLI::App& app, Program& program);     ///< sql, results
+void AddBaseMapCommands(CLI::App& app, Program& program);   ///< basemap ...
+void AddFeatureCommands(CLI::App& app, Program& program);   ///< import-features, export geopackage
 void AddAnalysisCommands(CLI::App& app, Program& program);  ///< calibration, observe, report
+void AddExchangeCommands(CLI::App& app, Program& program);  ///< import ..., export ...
 
 /// Switches the layers that a map shows when nobody names any.
 void ShowUsualLayers(Ormel& ormel, bool solved);

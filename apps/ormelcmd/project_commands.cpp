@@ -87,11 +87,10 @@ constexpr SettingControl kSettingControls[] = {
 };
 
 /// Those of the project's settings; for the units the option that stands for True.
-constexpr SettingControl kProjectControls[] = {{"Description", "ProjectDesc"},
-                                               {"OrmelBaseName", "BaseName"},
-                                               {"OrmelBasePath", "BasePath"},
-                                               {"ComputeMeters", "CompUnits(0)"},
-                                               {"BasemapMeters", "MapUnits(0)"}};
+constexpr SettingControl kProjectControls[] = {
+    {"Description", "ProjectDesc"},    {"OrmelBaseName", "BaseName"},
+    {"OrmelBasePath", "BasePath"},     {"CRS", "CRS"},
+    {"ComputeMeters", "CompUnits(0)"}, {"BasemapMeters", "MapUnits(0)"}};
 
 /// Fields that are set without a dialog, with what they can mean.  All others are the program's own.
 struct FreeField {

@@ -66,6 +66,8 @@ BatchOptions MakeBatchOptions(const CommonOptions& common) {
   options.answers.push_back({"Zoom to Element", "No", true});
   // The text is told; to change the model is for the caller to choose.
   options.answers.push_back({"Recharge Rate", "No", true});
+  // A map that is missing stays in the project; only whoever looks can say where it is.
+  options.answers.push_back({"Can't Open BBM Basemap File", "Cancel", true});
   // A wider window is for the caller to choose; the text says that there is a reason to.
   options.answers.push_back({"Pathlines Cut", "No", true});
   return options;

@@ -182,6 +182,40 @@ void QPainterDevice::Area(std::span<const FinePoint> points, Color fill, double 
   painter_.drawPolygon(polygon);
 }
 
+void QPainterDevice::Areas(std::span<const std::vector<FinePoint>> rings, Color fill, double opacity) {
+  QPainterPath path;
+  path.setFillRule(Qt::OddEvenFill);
+  for (const std::vector<FinePoint>& ring : rings) {
+    QPolygonF polygon;
+    polygon.reserve(static_cast<qsizetype>(ring.size()));
+    for (const FinePoint& point : ring) polygon.append(QPointF(point.x + 0.5, point.y + 0.5));
+    path.addPolygon(polygon);
+    path.closeSubpath();
+  }
+  QColor paint = ToQColor(fill);
+  paint.setAlphaF(static_cast<float>(std::clamp(opacity, 0.0, 1.0)));
+  painter_.fillPath(path, paint);
+}
+
+void QPainterDevice::Picture(const std::shared_ptr<const Pixels>& pixels, const PicturePlace& place) {
+  if (pixels == nullptr || pixels->width <= 0 || pixels->height <= 0) return;
+  const QImage image(pixels->rgba.data(), pixels->width, pixels->height, 4 * pixels->width,
+                     QImage::Format_RGBA8888);
+  const FinePoint at = place.upper_left;
+  const QPointF across(place.upper_right.x - at.x, place.upper_right.y - at.y);
+  const QPointF down(place.lower_left.x - at.x, place.lower_left.y - at.y);
+  const double width = pixels->width, height = pixels->height;
+  painter_.save();
+  // A pixel that is larger than the device's shows as the square that it is; smaller ones are mixed.
+  const bool shrunk = std::hypot(across.x(), across.y()) < width;
+  painter_.setRenderHint(QPainter::SmoothPixmapTransform, shrunk);
+  painter_.setTransform(QTransform(across.x() / width, across.y() / width, down.x() / height,
+                                   down.y() / height, at.x + 0.5, at.y + 0.5),
+                        true);
+  painter_.drawImage(QPointF(0, 0), image);
+  painter_.restore();
+}
+
 void QPainterDevice::Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) {
   QPolygonF polygon = ClipPolygon(points, bounds_);
   if (polygon.size() < 2) return;

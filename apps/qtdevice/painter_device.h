@@ -35,6 +35,8 @@ class QPainterDevice final : public DrawingDevice {
   void Polyline(std::span<const DevicePoint> points, const Pen& pen) override;
   void FineLine(std::span<const FinePoint> points, const Pen& pen) override;
   void Area(std::span<const FinePoint> points, Color fill, double opacity) override;
+  void Areas(std::span<const std::vector<FinePoint>> rings, Color fill, double opacity) override;
+  void Picture(const std::shared_ptr<const Pixels>& pixels, const PicturePlace& place) override;
   void Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) override;
   void Circle(DevicePoint centre, int radius, const Pen& pen, std::optional<Color> fill) override;
   void Text(DevicePoint at, std::string_view text, const TextStyle& style) override;

@@ -15,6 +15,12 @@ class BenchDevice final : public DrawingDevice {
   void Polyline(std::span<const DevicePoint> p, const Pen&) override { Count(p.size()); }
   void FineLine(std::span<const FinePoint> p, const Pen&) override { Count(p.size()); }
   void Area(std::span<const FinePoint> p, Color, double) override { Count(p.size()); }
+  void Areas(std::span<const std::vector<FinePoint>> rings, Color, double) override {
+    for (const std::vector<FinePoint>& ring : rings) Count(ring.size());
+  }
+  void Picture(const std::shared_ptr<const Pixels>& p, const PicturePlace&) override {
+    Count(p->rgba.size() / 4);
+  }
   void Polygon(std::span<const DevicePoint> p, const Pen&, Color) override { Count(p.size()); }
   void Circle(DevicePoint, int, const Pen&, std::optional<Color>) override { Count(1); }
   void Text(DevicePoint, std::string_view, const TextStyle&) override { Count(1); }

@@ -55,7 +55,7 @@ Defects Largest(const System& s, const std::vector<Linearised>& linear, const st
   d.of_edge.assign(s.edges.size(), 0.0);
   for (std::size_t q = 0; q < s.controls.size(); ++q) {
     const Control& c = s.controls[q];
-    if (c.piece < 0) continue;
+    if (c.piece < 0 || s.owners[c.piece].law) continue;  // a higher order leaves a law as it is
     const PieceOwner& o = s.owners[c.piece];
     double& largest = o.edge >= 0 ? d.of_edge[o.edge] : d.of_segment[o.string][o.segment];
     largest = std::max(largest, HeadDefect(c, linear[q], field[q], strength[q]));

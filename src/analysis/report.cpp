@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "analysis/report_sources.h"
+#include "analysis/zones.h"
 #include "core/layers.h"
 #include "core/ormel.h"
 #include "core/publisher.h"
@@ -14,6 +15,7 @@
 #include "core/status.h"
 #include "core/table.h"
 #include "core/user_interface.h"
+#include "document/capture_zones.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "store/store_error.h"
@@ -67,11 +69,11 @@ Table ReadSelect(Ormel& ormel, const std::string& sql) {
 /// The zones with a margin around them; nothing when there are none.
 std::optional<MapRect> ZonesWindow(Ormel& ormel) {
   constexpr double kMargin = 0.06;
-  RowReader bounds(ormel.db(),
-                   "select min(v.X),max(v.X),min(v.Y),max(v.Y) from Capzones c inner join Vertices v on "
-                   "v.PID=c.PID");
-  if (!bounds.Next() || bounds.IsNull(0)) return {};
-  Extents e{bounds.Double(0), bounds.Double(1), bounds.Double(2), bounds.Double(3)};
+  std::vector<MapPoint> all;
+  for (const CaptureZone& zone : ReadCaptureZones(ormel.db()))
+    all.insert(all.end(), zone.ring.begin(), zone.ring.end());
+  if (all.empty()) return {};
+  Extents e = ShapeOf(all).extents;
   const double margin = kMargin * std::max(e.x_max - e.x_min, e.y_max - e.y_min);
   e = {e.x_min - margin, e.x_max + margin, e.y_min - margin, e.y_max + margin};
   return WindowOf(e);

@@ -7,46 +7,15 @@
 #include "analysis/cells.h"
 #include "core/ormel.h"
 #include "core/table.h"
+#include "document/capture_zones.h"
 #include "model/geometry.h"
 #include "store/bulk.h"
 #include "store/database.h"
-#include "text/numbers.h"
-#include "text/strings.h"
 
 namespace ormel {
 namespace {
 
 constexpr double kCentric = 0.1, kEccentric = 1.0;  ///< bounds of the dimensionless time of travel
-
-/// Where the store keeps how zones were outlined; older projects have no such table.
-constexpr const char* kChecks = "Zones";
-
-struct Named {
-  std::string well;
-  std::optional<double> years;
-};
-
-/// "Mill Lane 1 10 years", where there is a well "Mill Lane 1".
-Named WellAndTime(Ormel& ormel, std::string_view label) {
-  const std::size_t unit = label.rfind(' ');
-  if (unit == std::string_view::npos) return {};
-  const std::string_view word = label.substr(unit + 1);
-  if (word != "years" && word != "year") return {};
-  const std::size_t number = label.substr(0, unit).rfind(' ');
-  if (number == std::string_view::npos || !IsNumeric(label.substr(number + 1, unit - number - 1))) return {};
-  const std::string well(label.substr(0, number));
-  const bool known = ormel.db().Scalar("select count(*) from Wells where Label=?", {well}).AsLong() > 0 ||
-                     well.starts_with("WL_");
-  if (!known) return {};
-  return {well, Val(label.substr(number + 1, unit - number - 1))};
-}
-
-std::vector<MapPoint> RingOf(RowReader& vertices, Pid pid) {
-  std::vector<MapPoint> ring;
-  vertices.Restart({pid});
-  while (vertices.Next()) ring.push_back({vertices.Double(0), vertices.Double(1)});
-  return ring;
-}
 
 }  // namespace
 
@@ -74,20 +43,12 @@ std::shared_ptr<Table> ZonesTable(Ormel& ormel) {
                            "South", "North", "Vertices"})
     columns.push_back({.name = name, .caption = name});
   auto table = std::make_shared<Table>(std::move(columns));
-  RowReader vertices(ormel.db(), "select X,Y from Vertices where PID=? order by Seq", {kNoPolygon});
-  RowReader rows(ormel.db(), ormel.db().HasTable(kChecks)
-                                 ? "select c.Label,c.PID,z.Well,z.Years from Capzones c left join Zones z on "
-                                   "z.PID=c.PID order by z.Well is null,z.Well,z.Years,c.Label"
-                                 : "select Label,PID,null,null from Capzones order by Label");
-  while (rows.Next()) {
-    const std::string label(rows.Text(0));
-    const Named named =
-        rows.IsNull(2) ? WellAndTime(ormel, label) : Named{std::string(rows.Text(2)), rows.Double(3)};
-    const ZoneShape s = ShapeOf(RingOf(vertices, rows.Long(1)));
+  for (const CaptureZone& zone : ReadCaptureZones(ormel.db())) {
+    const ZoneShape s = ShapeOf(zone.ring);
     const Extents& e = s.extents;
-    std::vector<Value> values{label,
-                              When(!named.well.empty(), named.well),
-                              OrEmpty(named.years),
+    std::vector<Value> values{zone.label,
+                              When(zone.tag.outlined(), zone.tag.well),
+                              When(zone.tag.outlined(), zone.tag.years),
                               s.area,
                               s.perimeter,
                               e.x_max - e.x_min,
@@ -108,16 +69,13 @@ std::shared_ptr<Table> ZoneChecksTable(Ormel& ormel) {
                            "Surface", "Edge", "LeftOut", "Shared", "Ends", "Made"})
     columns.push_back({.name = name, .caption = name});
   auto table = std::make_shared<Table>(std::move(columns));
-  if (!ormel.db().HasTable(kChecks)) return table;
-  RowReader rows(ormel.db(),
-                 "select c.Label,z.Well,z.Years,z.Part,100*z.Tolerance,100*z.Balance,100*z.Pores/z.Pumped,"
-                 "100*z.Recharge/z.Pumped,100*z.Surface/z.Pumped,100*z.Edge/z.Pumped,100*z.LeftOut/z.Pumped,"
-                 "z.Shared,z.Ends,z.Made from Zones z inner join Capzones c on c.PID=z.PID order by "
-                 "z.Well,z.Years,c.Label");
-  while (rows.Next()) {
-    std::vector<Value> values;
-    for (int i = 0; i < rows.ColumnCount(); ++i) values.push_back(rows.Get(i));
-    table->AddRow(std::move(values));
+  for (const CaptureZone& zone : ReadCaptureZones(ormel.db())) {
+    if (!zone.making) continue;
+    const ZoneMaking& m = *zone.making;
+    const auto percent = [&m](double volume) { return When(m.pumped != 0.0, 100.0 * volume / m.pumped); };
+    table->AddRow({zone.label, m.well, m.years, m.part, 100.0 * m.tolerance, 100.0 * m.balance,
+                   percent(m.pores), percent(m.recharge), percent(m.surface), percent(m.edge),
+                   percent(m.left_out), m.shared, m.ends, m.made});
   }
   return table;
 }

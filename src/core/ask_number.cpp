@@ -23,11 +23,10 @@ bool AcceptAsNumber(Ormel& ormel, const std::string& field, const std::string& t
 std::optional<double> AskNumber(Ormel& ormel, InputBox box) {
   while (true) {
     const std::optional<std::string> answer = ormel.ui().Ask(box);
-    if (!answer) return std::nullopt;
+    if (!answer || Trim(*answer).empty()) return std::nullopt;
     const double value = Val(*answer);
     if (!std::isfinite(value)) return std::nullopt;
-    if (IsNumeric(*answer) || Trim(*answer).empty() || AcceptAsNumber(ormel, box.title, *answer))
-      return value;
+    if (IsNumeric(*answer) || AcceptAsNumber(ormel, box.title, *answer)) return value;
     if (box.initial == *answer) return std::nullopt;  // a script that has no other answer
     box.initial = *answer;
   }

@@ -8,6 +8,7 @@
 
 #include "core/command.h"
 #include "core/ormel.h"
+#include "core/project_crs.h"
 #include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
@@ -98,6 +99,7 @@ void ReadProjectState(Ormel& ormel) {
     project.BasemapMeters = units.Bool(1);
   }
   project.unit_suffix = project.BasemapMeters ? " m" : " ft";
+  ReadProjectCrs(ormel);
 }
 
 bool Viewing(const Ormel& ormel) {

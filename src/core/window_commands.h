@@ -6,6 +6,9 @@
 
 namespace ormel {
 
+/// `PANEL`, by its index: the panels beside the map.
+enum PanelItem : int { kPanelElements = 0, kPanelLayers = 1, kPanelProperties = 2, kPanelResults = 3 };
+
 class WindowCommands {
  public:
   virtual ~WindowCommands() = default;
@@ -20,6 +23,8 @@ class WindowCommands {
   virtual std::string ClipboardText() { return {}; }
   /// Opens a text file of the program's folder, such as the release notes.
   virtual void ShowReleaseNotes() = 0;
+  /// Shows a panel beside the map, or hides it.
+  virtual void TogglePanel(int /*index*/) {}
 };
 
 }  // namespace ormel

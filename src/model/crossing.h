@@ -23,7 +23,8 @@ bool IsRing(Ormel& ormel, Element element, Pid pid);
 /// True when a vertex of a stream, barrier or domain, put at `to`, would make it cross itself, or a domain
 /// that shares the corner; the user has been told.
 bool RefuseCrossingMove(Ormel& ormel, Element element, Pid pid, Vid vid, MapPoint to);
-/// The same when these vertices go `by` as far: a domain that shares only a corner with what is moved is pulled.
+/// The same when these vertices go `by` as far: a domain that shares only a corner with what is moved is
+/// pulled.
 bool RefuseCrossingMoves(Ormel& ormel, const std::set<Vid>& vids, MapPoint by);
 /// The same for a vertex that would follow the others of the polygon in digitizing.
 bool RefuseCrossingVertex(Ormel& ormel, MapPoint at);

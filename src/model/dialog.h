@@ -44,7 +44,8 @@ void ShowDialogFailure(Ormel& ormel, std::string_view procedure, std::string_vie
 /// one that the dialog opened with.  Labels compare without regard to case in the store.
 bool IsDuplicateLabel(Ormel& ormel, std::string_view table, const std::string& label,
                       const std::string& opened_with);
-/// `label`, or with a number behind it where a row of the table has it: "Town (2)", cut to what the field takes.
+/// `label`, or with a number behind it where a row of the table has it: "Town (2)", cut to what the field
+/// takes.
 std::string FreeLabel(Ormel& ormel, std::string_view table, const std::string& label);
 /// "<noun> Label ('<label>') already exists!" and "Please enter a new label."
 std::string DuplicateLabelText(std::string_view noun, std::string_view label);

@@ -1,6 +1,11 @@
 #include "model/edit.h"
 
+#include <algorithm>
 #include <array>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "core/command.h"
 #include "core/map_view.h"
@@ -24,146 +29,264 @@
 namespace ormel {
 namespace {
 
-bool Accepted(Ormel& ormel, OkCancelForm& form) {
-  ormel.ui().ShowForm(form);
-  return form.Result == OkCancelForm::kOk;
-}
-
 MapPoint PlaceOf(Ormel& ormel, Vid vid) {
   VertexRow vertex;
   FindVertex(ormel, vid, vertex);
   return vertex.at;
 }
 
-/// What follows an edit of a well, by what its dialog says was touched.
-void AfterWell(Ormel& ormel, const WellProperties& form) {
-  if (form.NeedReloadPathlines() && ormel.solution.ValidSolution) {
+/// The form of a kind, and the element that it was filled from.
+template <class F>
+class EditWith : public ElementEdit {
+ public:
+  template <class... More>
+  EditWith(Ormel& ormel, std::int64_t key, More&&... more)
+      : form_(ormel, std::forward<More>(more)...), ormel_(ormel), key_(key) {}
+  OkCancelForm& form() override { return form_; }
+
+ protected:
+  F form_;
+  Ormel& ormel_;
+  std::int64_t key_;
+};
+
+class WellEdit final : public EditWith<WellProperties> {
+ public:
+  using EditWith::EditWith;
+  bool Fill() {
+    WellRow row;
+    if (!FindWell(ormel_, key_, row) || IsMirror(row.Label)) return false;  // a mirror follows its source
+    form_.Fill(row, PlaceOf(ormel_, key_));
+    return true;
+  }
+  Touches Touched() const override {
+    return {.solution = form_.FormChanged(),
+            .look = form_.NeedReloadPathlines(),
+            .grid_or_trace = form_.NeedRetrace()};
+  }
+  void Store() override { ChangeWell(ormel_, key_, form_.Row(), form_.At()); }
+};
+
+class LinesinkEdit final : public EditWith<LinesinkString> {
+ public:
+  using EditWith::EditWith;
+  bool Fill() {
+    LinesinkRow row;
+    if (!FindLinesink(ormel_, key_, row)) return false;
+    form_.Fill(row, row.Label);
+    form_.SetLabelFocus();
+    return true;
+  }
+  Touches Touched() const override { return {.solution = true}; }
+  void Store() override { ChangeLinesink(ormel_, key_, form_.Row()); }
+};
+
+class BarrierEdit final : public EditWith<NoFlowString> {
+ public:
+  using EditWith::EditWith;
+  bool Fill() {
+    BarrierRow row;
+    if (!FindBarrier(ormel_, key_, row)) return false;
+    form_.Fill(row);
+    return true;
+  }
+  Touches Touched() const override { return {.solution = true}; }
+  void Store() override { ChangeBarrier(ormel_, key_, form_.Row()); }
+};
+
+class InhomogeneityEdit final : public EditWith<Inhomogeneity> {
+ public:
+  using EditWith::EditWith;
+  bool Fill() {
+    InhomogeneityRow row;
+    if (!FindInhomogeneity(ormel_, key_, row)) return false;
+    form_.Fill(row);
+    return true;
+  }
+  Touches Touched() const override { return {.solution = form_.Invalidate()}; }
+  void Store() override { ChangeInhomogeneity(ormel_, key_, form_.Row()); }
+};
+
+class TestPointEdit final : public EditWith<TestPointProperties> {
+ public:
+  using EditWith::EditWith;
+  bool Fill() {
+    TestPointRow row;
+    if (!FindTestPoint(ormel_, key_, row)) return false;
+    form_.Fill(row, PlaceOf(ormel_, key_));
+    return true;
+  }
+  Touches Touched() const override { return {.test_point = true}; }
+  void Store() override { ChangeTestPoint(ormel_, key_, form_.Row(), form_.At()); }
+};
+
+class ParticleEdit final : public EditWith<ParticleProperties> {
+ public:
+  using EditWith::EditWith;
+  bool Fill() {
+    ParticleRow row;
+    if (!FindParticle(ormel_, key_, row)) return false;
+    form_.Fill(row);
+    return true;
+  }
+  Touches Touched() const override { return {.paths = true}; }
+  void Store() override { ChangeParticle(ormel_, key_, form_.Row()); }
+};
+
+/// A line that has nothing but its label.
+class LabelEdit final : public EditWith<FluxInspectDialog> {
+ public:
+  LabelEdit(Ormel& ormel, Recordset& rows, Pid pid, std::string title, const std::string& label)
+      : EditWith(ormel, pid, std::move(title), label), rows_(rows) {}
+  Touches Touched() const override { return {}; }
+  void Store() override {
+    if (!rows_.FindKey("PID", key_)) return;
+    rows_.Edit();
+    rows_["Label"] = form_.Label();
+    rows_.Update();
+  }
+
+ private:
+  Recordset& rows_;
+};
+
+class TextLabelEdit final : public EditWith<TextLabelDialog> {
+ public:
+  using EditWith::EditWith;
+  bool Fill() {
+    TextLabelRow row;
+    if (!FindTextLabel(ormel_, key_, row)) return false;
+    form_.Fill(row);
+    return true;
+  }
+  Touches Touched() const override { return {}; }
+  void Store() override { ChangeTextLabel(ormel_, key_, form_.Row()); }
+};
+
+template <class E>
+std::unique_ptr<ElementEdit> Filled(Ormel& ormel, std::int64_t key) {
+  auto edit = std::make_unique<E>(ormel, key);
+  if (!edit->Fill()) return nullptr;
+  return edit;
+}
+
+std::unique_ptr<ElementEdit> LabelOf(Ormel& ormel, Recordset& rows, Pid pid, const char* title) {
+  if (!rows.FindKey("PID", pid)) return nullptr;
+  return std::make_unique<LabelEdit>(ormel, rows, pid, title, rows.Get<std::string>("Label"));
+}
+std::unique_ptr<ElementEdit> CapzoneEdit(Ormel& ormel, Pid pid) {
+  return LabelOf(ormel, *ormel.project.bound.Capzones, pid, "Capzone Properties");
+}
+std::unique_ptr<ElementEdit> FluxLineEdit(Ormel& ormel, Pid pid) {
+  return LabelOf(ormel, *ormel.project.bound.FluxInspectors, pid, "Flux Inspection Line Properties");
+}
+
+struct Editor {
+  Element element;
+  std::unique_ptr<ElementEdit> (*make)(Ormel&, std::int64_t key);
+  bool by_dialog = true;
+};
+constexpr std::array kEditors{
+    Editor{Element::kWell, Filled<WellEdit>},
+    Editor{Element::kLinesink, Filled<LinesinkEdit>},
+    Editor{Element::kBarrier, Filled<BarrierEdit>},
+    Editor{Element::kInhomogeneity, Filled<InhomogeneityEdit>},
+    Editor{Element::kTestPoint, Filled<TestPointEdit>},
+    Editor{Element::kParticle, Filled<ParticleEdit>},
+    Editor{Element::kFluxLine, FluxLineEdit, false},
+    Editor{Element::kCapzone, CapzoneEdit},
+    Editor{Element::kTextLabel, Filled<TextLabelEdit>},
+};
+
+const Editor* FindEditor(Element element) {
+  const auto* found = std::find_if(kEditors.begin(), kEditors.end(),
+                                   [element](const Editor& editor) { return editor.element == element; });
+  return found == kEditors.end() ? nullptr : found;
+}
+
+/// What is told before an edit is stored.
+void Announce(Ormel& ormel, const Touches& touches) {
+  if (touches.test_point && ormel.solution.ValidSolution)
+    Inform(ormel, "Test Point Changed",
+           "New results for this test point will be available only after re-solving the model");
+}
+
+/// What follows an edit, by what its form says was touched.
+void Follow(Ormel& ormel, const Touches& touches) {
+  if (touches.look && ormel.solution.ValidSolution) {
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
     ormel.ui().Ask(Box{kProgramTitle, "redrawing pathlines", Buttons::kOkCancel, Icon::kNone});
   }
-  if (form.FormChanged()) InvalidateSolution(ormel, true, true);
-  if (form.NeedRetrace() && ormel.solution.ValidSolution &&
+  if (touches.solution) InvalidateSolution(ormel, true, true);
+  if (touches.paths) PathlinesOutdated(ormel);
+  if (touches.grid_or_trace && ormel.solution.ValidSolution &&
       AskYesNo(ormel, "Regrid/Retrace?", "Calculate new grid or trace now?", Icon::kQuestion)) {
     CommitSoFar(ormel);
     ormel.solver().ModelRunVadox({});
   }
 }
 
-void EditWell(Ormel& ormel, const Selection& selected) {
-  WellRow row;
-  if (!FindWell(ormel, selected.vid, row)) return;
-  if (IsMirror(row.Label)) return;  // follows its source
-  WellProperties form(ormel);
-  form.Fill(row, PlaceOf(ormel, selected.vid));
-  if (!Accepted(ormel, form)) return;
-  ChangeWell(ormel, selected.vid, form.Row(), form.At());
-  AfterWell(ormel, form);
+void Add(Touches& all, const Touches& one) {
+  for (bool Touches::*what :
+       {&Touches::solution, &Touches::paths, &Touches::test_point, &Touches::look, &Touches::grid_or_trace})
+    all.*what = all.*what || one.*what;
 }
 
-void EditLinesink(Ormel& ormel, const Selection& selected) {
-  LinesinkRow row;
-  if (!FindLinesink(ormel, selected.pid, row)) return;
-  LinesinkString form(ormel);
-  form.Fill(row, row.Label);
-  form.SetLabelFocus();
-  if (!Accepted(ormel, form)) return;
-  ChangeLinesink(ormel, selected.pid, form.Row());
-  InvalidateSolution(ormel, true, true);
+void EditByDialog(Ormel& ormel, const ElementId& id) {
+  if (id.element == Element::kUniformFlow) return ElemAddUniformFlow(ormel, true);
+  const Editor* editor = FindEditor(id.element);
+  if (editor == nullptr || !editor->by_dialog) return;
+  if (id.element == Element::kInhomogeneity) DropTrivialAverageHead(ormel, id.key);
+  const std::unique_ptr<ElementEdit> edit = editor->make(ormel, id.key);
+  if (edit == nullptr) return;
+  ormel.ui().ShowForm(edit->form());
+  if (edit->form().Result != OkCancelForm::kOk) return;
+  const Touches touches = edit->Touched();
+  Announce(ormel, touches);
+  edit->Store();
+  Follow(ormel, touches);
 }
-
-void EditBarrier(Ormel& ormel, const Selection& selected) {
-  BarrierRow row;
-  if (!FindBarrier(ormel, selected.pid, row)) return;
-  NoFlowString form(ormel);
-  form.Fill(row);
-  if (!Accepted(ormel, form)) return;
-  ChangeBarrier(ormel, selected.pid, form.Row());
-  InvalidateSolution(ormel, true, true);
-}
-
-void EditUniformFlow(Ormel& ormel, const Selection& /*selected*/) {
-  ElemAddUniformFlow(ormel, true);
-}
-
-void EditInhomogeneity(Ormel& ormel, const Selection& selected) {
-  DropTrivialAverageHead(ormel, selected.pid);
-  InhomogeneityRow row;
-  if (!FindInhomogeneity(ormel, selected.pid, row)) return;
-  Inhomogeneity form(ormel);
-  form.Fill(row);
-  if (!Accepted(ormel, form)) return;
-  ChangeInhomogeneity(ormel, selected.pid, form.Row());
-  if (form.Invalidate()) InvalidateSolution(ormel, true, true);
-}
-
-void EditTestPoint(Ormel& ormel, const Selection& selected) {
-  TestPointRow row;
-  if (!FindTestPoint(ormel, selected.vid, row)) return;
-  TestPointProperties form(ormel);
-  form.Fill(row, PlaceOf(ormel, selected.vid));
-  if (!Accepted(ormel, form)) return;
-  if (ormel.solution.ValidSolution)
-    Inform(ormel, "Test Point Changed",
-           "New results for this test point will be available only after re-solving the model");
-  ChangeTestPoint(ormel, selected.vid, form.Row(), form.At());
-}
-
-void EditParticle(Ormel& ormel, const Selection& selected) {
-  ParticleRow row;
-  if (!FindParticle(ormel, selected.vid, row)) return;
-  ParticleProperties form(ormel);
-  form.Fill(row);
-  if (!Accepted(ormel, form)) return;
-  ChangeParticle(ormel, selected.vid, form.Row());
-  PathlinesOutdated(ormel);
-}
-
-void EditCapzone(Ormel& ormel, const Selection& selected) {
-  Recordset& zones = *ormel.project.bound.Capzones;
-  if (!zones.FindKey("PID", selected.pid)) return;
-  FluxInspectDialog form(ormel, "Capzone Properties", zones.Get<std::string>("Label"));
-  if (!Accepted(ormel, form) || !zones.FindKey("PID", selected.pid)) return;
-  zones.Edit();
-  zones["Label"] = form.Label();
-  zones.Update();
-}
-
-void EditTextLabel(Ormel& ormel, const Selection& selected) {
-  TextLabelRow row;
-  if (!FindTextLabel(ormel, selected.vid, row)) return;
-  TextLabelDialog form(ormel);
-  form.Fill(row);
-  if (!Accepted(ormel, form)) return;
-  ChangeTextLabel(ormel, selected.vid, form.Row());
-}
-
-struct Editor {
-  Element element;
-  void (*edit)(Ormel&, const Selection&);
-};
-constexpr std::array kEditors{
-    Editor{Element::kWell, EditWell},
-    Editor{Element::kLinesink, EditLinesink},
-    Editor{Element::kBarrier, EditBarrier},
-    Editor{Element::kUniformFlow, EditUniformFlow},
-    Editor{Element::kInhomogeneity, EditInhomogeneity},
-    Editor{Element::kTestPoint, EditTestPoint},
-    Editor{Element::kParticle, EditParticle},
-    Editor{Element::kCapzone, EditCapzone},
-    Editor{Element::kTextLabel, EditTextLabel},
-};
 
 }  // namespace
+
+std::unique_ptr<ElementEdit> EditOf(Ormel& ormel, const ElementId& id) {
+  const Editor* editor = FindEditor(id.element);
+  return editor == nullptr ? nullptr : editor->make(ormel, id.key);
+}
 
 void ElemSetProperties(Ormel& ormel) {
   RunEdit(ormel, "ElemSetProperties", [&] {
     // A redraw on the way turns the selection off: the edit keeps its own.
     const Selection selected = ormel.selection;
     DecideSolution(ormel);  // each dialog knows what was touched
-    for (const Editor& editor : kEditors)
-      if (editor.element == selected.SelectedType) editor.edit(ormel, selected);
+    EditByDialog(ormel, IdOf(selected.SelectedType, selected.vid, selected.pid));
     ClearSelection(ormel);
   });
+}
+
+bool EditElements(Ormel& ormel, std::span<const ElementId> ids, const std::function<void(Form&)>& change) {
+  bool accepted = false;
+  RunEdit(ormel, "EditElements", [&] {
+    DecideSolution(ormel);
+    std::vector<std::unique_ptr<ElementEdit>> edits;
+    Touches touches;
+    for (const ElementId& id : ids) {
+      std::unique_ptr<ElementEdit> edit = EditOf(ormel, id);
+      if (edit == nullptr) continue;
+      OkCancelForm& form = edit->form();
+      form.MarkShown();
+      change(form);
+      form.Click(kOkButton.name);
+      if (form.Result != OkCancelForm::kOk) return;
+      Add(touches, edit->Touched());
+      edits.push_back(std::move(edit));
+    }
+    Announce(ormel, touches);
+    for (const std::unique_ptr<ElementEdit>& edit : edits) edit->Store();
+    accepted = true;
+    Follow(ormel, touches);
+  });
+  return accepted;
 }
 
 }  // namespace ormel

@@ -30,8 +30,8 @@ bool HasProtectionArea(Ormel& ormel, std::string_view well);
 /// Deletes the areas of a well with their image; boundary points go with the last area that has them.
 void RemoveAreasOf(Ormel& ormel, const std::string& well);
 
-/// Before these wells are deleted, each of which has protection areas: asks about the areas that would go with
-/// them, and removes these.  False when the user keeps the wells.
+/// Before these wells are deleted, each of which has protection areas: asks about the areas that would go
+/// with them, and removes these.  False when the user keeps the wells.
 bool AskToRemoveAreas(Ormel& ormel, const std::vector<std::string>& wells);
 /// The same for the wells that fulfil a condition, of which some may have areas.
 bool RemoveAreasOfWells(Ormel& ormel, const std::string& condition);

@@ -70,6 +70,10 @@ constexpr std::array kControls{
     ControlSpec{.name = "comColor", .kind = kButton, .caption = "Color...", .tab = kProperties},
     ControlSpec{.name = "picColor", .kind = kColor, .caption = "Inhomogeneity Color", .tab = kProperties},
     // Names of a scenario page; what stands there goes no further than the dialog.
+    ControlSpec{.name = "lblNoScenarios",
+                .kind = kNote,
+                .caption = "This version computes no scenarios: what is entered here is not kept.",
+                .tab = kScenarios},
     ControlSpec{.name = "lblScenario",
                 .kind = kNote,
                 .caption = "Enter symbolic names for the following properties:",

@@ -371,6 +371,8 @@ constexpr std::array kPromptControls{
 
 SolvePrompt::SolvePrompt(Ormel& ormel) : Form(ormel) {
   InitControls();
+  // Each way shows its tip below its name, which says the same.
+  for (const char* note : {"lblYes", "lblNo"}) Show(note, false);
   Result = static_cast<int>(SolveChoice::kCancel);
 }
 

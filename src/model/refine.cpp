@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/ask_number.h"
 #include "core/command.h"
 #include "core/coordinates.h"
 #include "core/ormel.h"
@@ -80,12 +81,13 @@ void ElemRefine(Ormel& ormel) {
   RunEdit(ormel, "ElemRefine", [&] {
     const Selection selected = ormel.selection;
     if (!IsPolygonElement(selected.SelectedType)) return;
-    const auto answer = ormel.ui().Ask(InputBox{
-        "Refine",
-        std::string("Enter the longest distance between two vertices (") + MapLengthUnit(ormel) + "):", ""});
+    const auto answer = AskNumber(
+        ormel,
+        {"Refine",
+         std::string("Enter the longest distance between two vertices (") + MapLengthUnit(ormel) + "):", ""});
     if (!answer) return;
-    const double longest = Val(*answer);
-    if (!(longest > 0.0) || !std::isfinite(longest)) {
+    const double longest = *answer;
+    if (!(longest > 0.0)) {
       Inform(ormel, "Bad Entry", "The distance must be greater than 0.");
       return;
     }

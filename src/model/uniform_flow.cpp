@@ -41,7 +41,10 @@ void RemoveOnRequest(Ormel& ormel) {
 
 UniformFlow::UniformFlow(Ormel& ormel) : OkCancelForm(ormel), model_(ReadModel(ormel)) {
   InitControls();
+  // Beside its number; the label of older forms keeps its text for scripts.
+  Unit("tbdata(0)", ComputeLengthUnit(ormel));
   Caption("txunits", ComputeLengthUnit(ormel));
+  Show("txunits", false);
   PutNumber("tbdata(0)", model_.UNIFLOWRefHead);
   PutNumber("tbdata(1)", model_.UNIFLOWGradient);
   PutNumber("tbdata(2)", model_.UNIFLOWOrientation);

@@ -23,6 +23,17 @@ void DecideSolution(Ormel& ormel) {
   if (ormel.ports.document != nullptr) ormel.ports.document->solution_decided = true;
 }
 
+namespace {
+
+/// The results stay on view, and look it.
+void KeepAsOlder(Ormel& ormel) {
+  const bool was = std::exchange(ormel.solution.OfOlderModel, true);
+  NoteSolution(ormel);
+  if (!was) ormel.view().ZoomActions(Zoom::kRedrawInPlace);
+}
+
+}  // namespace
+
 void InvalidateSolution(Ormel& ormel, bool ask, bool redraw) {
   const Named named(ormel, "InvalidateSolution");
   DecideSolution(ormel);
@@ -34,9 +45,7 @@ void InvalidateSolution(Ormel& ormel, bool ask, bool redraw) {
                               "current element layout.  Do you want to remove the current solution",
                               "and results from view and invalidate the solution?  "}),
                        Icon::kQuestion)) {
-    ormel.solution.OfOlderModel = true;
-    NoteSolution(ormel);
-    return;
+    return KeepAsOlder(ormel);
   }
 
   TurnOffLayer(ormel, Layer::kContours);
@@ -108,6 +117,7 @@ void MatchSolution(Ormel& ormel, const Fingerprint& before) {
     solution.PathlinesValid = false;
   }
   solution.OfOlderModel = has_run ? !again : solution.OfOlderModel;
+  if (solution.OfOlderModel != was.OfOlderModel) ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   // Where nothing has changed the user's own choice of layers stays.
   if (!was.ValidSolution) ShowSolution(ormel);
   NoteSolution(ormel);
@@ -137,8 +147,7 @@ void SolutionFollower::CommandEnded(Ormel& ormel, const ChangeRecord& record) {
   if (decided) {
     // Whoever decided that it stays: results of another model do not pass as those of this one.
     if (!solution.solved) return;
-    solution.OfOlderModel = true;
-    return NoteSolution(ormel);
+    return KeepAsOlder(ormel);
   }
   InvalidateSolution(ormel, true, true);
   document->solution_decided = false;

@@ -24,8 +24,7 @@ constexpr double kNearFraction = 0.1;  ///< of the mean step between neighbours
 void ReportMove(const std::string& report, MapPoint from, MapPoint to) {
   if (report.empty() || from == to) return;
   std::ofstream file(report, std::ios::app | std::ios::binary);
-  file << "X:\t" << NumberText(from.x) << "\tY:\t" << NumberText(from.y) << "\t | X:\t" << NumberText(to.x)
-       << "\tY:\t" << NumberText(to.y) << "\r\n";
+  file << MovedPointText(from, to) << "\r\n";
   if (!file.flush())
     throw FileError(report, "the moved point could not be noted: the file cannot be written");
 }
@@ -51,6 +50,11 @@ void RemovePhantom(Ormel& ormel, Pid pid, const char* text) {
 }
 
 }  // namespace
+
+std::string MovedPointText(MapPoint from, MapPoint to) {
+  return "X:\t" + NumberText(from.x) + "\tY:\t" + NumberText(from.y) + "\t | X:\t" + NumberText(to.x) +
+         "\tY:\t" + NumberText(to.y);
+}
 
 double DefaultVertexTolerance(const Ormel& ormel) {
   return (ormel.window.full.x_max - ormel.window.full.x_min) * 1e-5;

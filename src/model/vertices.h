@@ -68,6 +68,9 @@ bool IsSegment(const Ormel& ormel, MapPoint from, MapPoint to, MapPoint a, MapPo
 /// named.
 MapPoint ElemCheckVertices(Ormel& ormel, MapPoint at, const std::string& report = {});
 
+/// A line of a report of moved points.
+std::string MovedPointText(MapPoint from, MapPoint to);
+
 /// The same for many new points, without a query for each: made once, it knows the stored vertices and every
 /// place that it gave.
 class FreePlaces {

@@ -12,6 +12,11 @@
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "core/window_commands.h"
+#include "exchange/dxf_export.h"
+#include "exchange/feature_import.h"
+#include "exchange/shape_export.h"
+#include "exchange/surfer_export.h"
+#include "exchange/table_exchange.h"
 #include "model/barriers.h"
 #include "model/delete.h"
 #include "model/digitize.h"
@@ -27,6 +32,7 @@
 #include "model/uniform_flow.h"
 #include "shell/about.h"
 #include "shell/check_project.h"
+#include "shell/export_geopackage.h"
 #include "shell/gui_options_form.h"
 #include "shell/help.h"
 #include "shell/import_whpa.h"
@@ -216,6 +222,44 @@ void Whpa(Ormel& ormel, int index) {
 
 void ImportAreas(Ormel& ormel, int /*index*/) {
   ImportWHPA(ormel);
+}
+
+void ImportFeatures(Ormel& ormel, int /*index*/) {
+  ToolsImportFeatures(ormel);
+}
+
+void ExportLayers(Ormel& ormel, int /*index*/) {
+  ToolsExportGeoPackage(ormel);
+}
+
+void ImportTable(Ormel& ormel, int index) {
+  switch (index) {
+    case 0:
+      return ToolsImportTX(ormel);
+    case 1:
+      return ToolsImportWL(ormel, false);
+    case 2:
+      return ToolsImportWL(ormel, true);
+    default:
+      return ToolsImportTP(ormel);
+  }
+}
+
+void ExportFile(Ormel& ormel, int index) {
+  switch (index) {
+    case 0:
+      return ToolsExportDXF(ormel);
+    case 1:
+      return ToolsExportBLN(ormel);
+    case 2:
+      return ToolsExportGrid(ormel);
+    default:
+      return ExportShapefiles(ormel);
+  }
+}
+
+void ExportTable(Ormel& ormel, int index) {
+  EXPORTDB(ormel, index);
 }
 
 void OutlineZone(Ormel& ormel, int index) {

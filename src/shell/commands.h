@@ -35,9 +35,12 @@ void ElevationMarks(Ormel& ormel, int index);
 void TestDisplay(Ormel& ormel, int index);
 void TestScaling(Ormel& ormel, int index);
 void ShowVertices(Ormel& ormel, int index);
+void Graphics(Ormel& ormel, int index);
+void BbmGroup(Ormel& ormel, int index);
 void Haze(Ormel& ormel, int index);
 void WellLabels(Ormel& ormel, int index);
 void SimpleWhpas(Ormel& ormel, int index);
+void Panel(Ormel& ormel, int index);
 
 // E&lement
 void NewElement(Ormel& ormel, int index);
@@ -56,6 +59,11 @@ void InterfaceOptions(Ormel& ormel, int index);
 void Whpa(Ormel& ormel, int index);
 void OutlineZone(Ormel& ormel, int index);
 void ImportAreas(Ormel& ormel, int index);
+void ImportFeatures(Ormel& ormel, int index);
+void ExportLayers(Ormel& ormel, int index);
+void ImportTable(Ormel& ormel, int index);
+void ExportFile(Ormel& ormel, int index);
+void ExportTable(Ormel& ormel, int index);
 void DatabaseViewer(Ormel& ormel, int index);
 void Repair(Ormel& ormel, int index);
 void Check(Ormel& ormel, int index);

@@ -1,7 +1,10 @@
 // The commands of the menu "View".
+#include "basemaps/base_map_forms.h"
+#include "basemaps/bbm_groups.h"
 #include "core/layers.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
+#include "core/window_commands.h"
 #include "shell/commands.h"
 #include "solver/inspection.h"
 #include "view/display_commands.h"
@@ -20,6 +23,7 @@ void RedrawInPlace(Ormel& ormel) {
 void Layer(Ormel& ormel, int index) {
   if (index == kLayerRefresh) return ormel.view().ZoomActions(ormel::Zoom::kRedraw);
   if (index == kLayerResultsOverlay) return ResultsOverlayCommand(ormel);
+  if (index == kLayerBaseMap) return ShowViewGraphics(ormel, false);
   if (const auto layer = layermenu(index)) ormel.layers.Toggle(*layer);
   if (index != kLayerToolbar) RedrawInPlace(ormel);
 }
@@ -56,6 +60,14 @@ void ShowVertices(Ormel& ormel, int index) {
   RedrawInPlace(ormel);
 }
 
+void Graphics(Ormel& ormel, int index) {
+  ShowViewGraphics(ormel, index == 1);
+}
+
+void BbmGroup(Ormel& ormel, int /*index*/) {
+  SelectBBMGroup(ormel);
+}
+
 void Haze(Ormel& ormel, int /*index*/) {
   ormel.layers.Toggle(Layer::kHaze);
   RedrawInPlace(ormel);
@@ -68,6 +80,10 @@ void WellLabels(Ormel& ormel, int /*index*/) {
 
 void SimpleWhpas(Ormel& ormel, int /*index*/) {
   ShowWHPAs(ormel);
+}
+
+void Panel(Ormel& ormel, int index) {
+  ormel.ports.window->TogglePanel(index);
 }
 
 }  // namespace ormel::command

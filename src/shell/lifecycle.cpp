@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "analysis/calibration_form.h"
+#include "basemaps/catalogue.h"
 #include "core/command.h"
 #include "core/directory_memory.h"
 #include "core/layers.h"
@@ -20,7 +21,6 @@
 #include "model/digitize.h"
 #include "model/global_recharge.h"
 #include "model/vertices.h"
-#include "shell/base_maps.h"
 #include "shell/integrity.h"
 #include "shell/new_database_wizard.h"
 #include "shell/open_steps.h"
@@ -121,6 +121,7 @@ void LoadProject(Ormel& ormel, const std::string& path, bool isNew) {
   if (isNew) ShowNewProjectSettings(ormel);
   RepairBasePath(ormel);
   if (!Viewing(ormel)) TakeBackInterruptedRun(ormel);
+  FindMissingBaseMaps(ormel);
   Extents maps;
   const bool has_maps = LoadBaseMaps(ormel, maps);
   LoadDataControls(ormel);
@@ -264,7 +265,7 @@ void FileSaveAs(Ormel& ormel) {
     if (image.empty())
       DuplicateProject(source, target);
     else
-      DuplicateImage(image, target);
+      DuplicateImage(image, source, target);
   } catch (const std::exception& e) {
     failure = e.what();
   }
@@ -319,6 +320,7 @@ void CloseAll(Ormel& ormel) {
     ormel.view().ZoomActions(Zoom::kRedrawInPlace);
   }
   if (ormel.project.db != nullptr && ormel.project.db->IsOpen() && !Viewing(ormel)) DeleteOutdatedRuns(ormel);
+  CloseBaseMaps(ormel);
   DetachProject(ormel);
   ResetSolution(ormel);
   ormel.view().ClearMouseMode();

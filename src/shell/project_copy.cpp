@@ -88,9 +88,20 @@ void CopyBytes(const std::string& source, const std::string& target) {
   out.Finish();
 }
 
+/// Base maps that were named from the old project's folder are named whole in another one.
+void KeepBaseMaps(Database& db, const std::string& source, const std::string& target) {
+  const std::string folder = GetPathFromFile(source);
+  if (folder == GetPathFromFile(target)) return;
+  for (const char* table : {"Basemaps", "MapLabels"})
+    db.Execute("update " + std::string(table) +
+                   " set MapName=? || MapName where MapName not like '/%' and MapName not like '_:%'",
+               {folder});
+}
+
 /// Gives the finished copy a stem of its own and then its name.
-void FinishCopy(TemporaryName& copy, const std::string& target) {
+void FinishCopy(TemporaryName& copy, const std::string& source, const std::string& target) {
   Database db = Database::Open(copy.path());
+  KeepBaseMaps(db, source, target);
   db.Execute("update Project set OrmelBaseName=?",
              {FreeStem(GetPathFromFile(target), std::filesystem::path(target).stem().string())});
   db.Close();
@@ -102,17 +113,17 @@ void FinishCopy(TemporaryName& copy, const std::string& target) {
 void DuplicateProject(const std::string& source, const std::string& target) {
   TemporaryName copy(TemporaryBeside(target, ".copy"));
   CopyBytes(source, copy.path());
-  FinishCopy(copy, target);
+  FinishCopy(copy, source, target);
 }
 
-void DuplicateImage(const std::string& image, const std::string& target) {
+void DuplicateImage(const std::string& image, const std::string& source, const std::string& target) {
   TemporaryName copy(TemporaryBeside(target, ".copy"));
   {
     File out(copy.path(), O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH);
     out.Write(image.data(), image.size());
     out.Finish();
   }
-  FinishCopy(copy, target);
+  FinishCopy(copy, source, target);
 }
 
 void MakeProjectFile(const std::string& path, const NewDatabaseOptions& options) {

@@ -12,8 +12,8 @@ struct NewDatabaseOptions;
 /// both the source and an older file of the target's name as they were.  Throws FileError or StoreError.
 void DuplicateProject(const std::string& source, const std::string& target);
 
-/// The same from the bytes of a project that is open for viewing.
-void DuplicateImage(const std::string& image, const std::string& target);
+/// The same from the bytes of the project `source`, which is open for viewing.
+void DuplicateImage(const std::string& image, const std::string& source, const std::string& target);
 
 /// Makes a project under a temporary name beside `path`; it takes the place of an older file of that name
 /// when it is complete.  Throws StoreError or FileError.

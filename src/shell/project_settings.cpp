@@ -3,10 +3,14 @@
 #include <array>
 #include <filesystem>
 
+#include "basemaps/catalogue.h"
 #include "core/ormel.h"
 #include "core/project.h"
+#include "core/project_crs.h"
 #include "core/user_interface.h"
+#include "geo/geo_error.h"
 #include "model/validity.h"
+#include "shell/crs_form.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "store/schema.h"
@@ -37,11 +41,21 @@ constexpr std::array kControls{
     ControlSpec{
         .name = "CompUnits(0)", .kind = ControlKind::kOption, .caption = "Meters", .group = kCompFrame},
     ControlSpec{.name = "CompUnits(1)", .kind = ControlKind::kOption, .caption = "Feet", .group = kCompFrame},
+    ControlSpec{.name = "CRS",
+                .kind = ControlKind::kText,
+                .caption = "Coordinate reference system",
+                .tip = "Code as EPSG:28992, or WKT; empty when it is not known",
+                .longest = 8000},
+    ControlSpec{.name = "ChooseCRS",
+                .kind = ControlKind::kButton,
+                .caption = "Choose...",
+                .tip = "Search the list of coordinate reference systems"},
+    ControlSpec{.name = "CRSName", .kind = ControlKind::kLabel},
     ControlSpec{.name = "BaseMaps", .kind = ControlKind::kList, .caption = "Currently Used Base Maps"},
     ControlSpec{.name = "AddBBM",
                 .kind = ControlKind::kButton,
                 .caption = "Add Map...",
-                .tip = "Add a base map to the project: not available in this version"},
+                .tip = "Add a base map to the project"},
     ControlSpec{.name = "Clear",
                 .kind = ControlKind::kButton,
                 .caption = "Remove Map",
@@ -59,9 +73,10 @@ ProjectSettings::ProjectSettings(Ormel& controller) : OkCancelForm(controller) {
   Put("BaseName", project.OrmelBaseName);
   // As it is stored: "." moves about with the project.
   Put("BasePath", controller.db().Scalar("select OrmelBasePath from Project").AsText());
+  Put("CRS", StoredCrs(controller));
+  TellCrs();
   PutCheck(project.BasemapMeters ? "MapUnits(0)" : "MapUnits(1)", true);
   PutCheck(project.ComputeMeters ? "CompUnits(0)" : "CompUnits(1)", true);
-  Offer("AddBBM", false);
   RefreshMapList();
 }
 
@@ -87,15 +102,48 @@ void ProjectSettings::RemoveMap() {
   const ControlState& list = State("BaseMaps");
   if (list.selected.empty()) return;
   const std::string name = list.items[static_cast<std::size_t>(list.selected.front())];
-  ormel().db().Execute("delete from Basemaps where MapName=?", {name});
-  if (EqualNoCase(std::filesystem::path(name).extension().string(), ".shp"))
-    ormel().db().Execute("delete from MapLabels where MapName=?", {name});
+  RemoveBaseMap(ormel(), name);
   RefreshMapList();
   reload_ = true;
 }
 
 void ProjectSettings::OtherPressed(std::string_view name) {
   if (name == "Clear") RemoveMap();
+  if (name == "AddBBM" && AddBaseMapsByDialog(ormel())) {
+    RefreshMapList();
+    reload_ = true;
+  }
+  if (name != "ChooseCRS") return;
+  CrsForm form(ormel());
+  ormel().ui().ShowForm(form);
+  if (form.Result != CrsForm::kOk) return;
+  Put("CRS", form.Code());
+  TellCrs();
+}
+
+void ProjectSettings::Changed(std::string_view name) {
+  if (name == "CRS") TellCrs();
+}
+
+void ProjectSettings::TellCrs() {
+  std::string name;
+  try {
+    if (!Trim(Text("CRS")).empty()) name = Crs::Parse(Text("CRS")).name();
+  } catch (const GeoError&) {
+    name = "(not known)";
+  }
+  Caption("CRSName", name);
+}
+
+bool ProjectSettings::CheckCrs() {
+  if (Trim(Text("CRS")).empty()) return true;
+  try {
+    const std::string fault = CrsFault(Crs::Parse(Text("CRS")), ModelMapUnits());
+    return fault.empty() || Refuse("CRS", kInvalid, fault);
+  } catch (const GeoError& error) {
+    return Refuse("CRS", kInvalid,
+                  std::string(error.what()) + "\nPlease enter another one, or choose one of the list.");
+  }
 }
 
 bool ProjectSettings::Ok() {
@@ -111,6 +159,7 @@ bool ProjectSettings::Ok() {
   if (TextLength(Text("ProjectDesc")) > schema::kDefaultTextSize)
     return Refuse("ProjectDesc", kInvalid,
                   "The description is longer than 255 characters.\nPlease enter a shorter one.");
+  if (!CheckCrs()) return false;
   Store();
   return true;
 }
@@ -124,6 +173,7 @@ void ProjectSettings::Store() {
                        {Text("ProjectDesc"), OrmelBaseName(), Text("BasePath")});
   ormel().db().Execute("update Model set ComputeMeters=?, BasemapMeters=?",
                        {ModelCompUnits(), ModelMapUnits()});
+  StoreCrs(ormel(), std::string(Trim(Text("CRS"))));
   ReadProjectState(ormel());
   if (spoils) InvalidateSolution(ormel(), false, false);
 }

@@ -23,10 +23,13 @@ class ProjectSettings : public OkCancelForm {
  protected:
   bool Ok() override;
   void OtherPressed(std::string_view name) override;
+  void Changed(std::string_view name) override;
 
  private:
   void RefreshMapList();
   void RemoveMap();
+  void TellCrs();
+  bool CheckCrs();
   void Store();
   bool reload_ = false;
 };

@@ -14,7 +14,7 @@ struct Placement {
   double Top = 0.0, Left = 0.0, Width = 6400.0, Height = 6400.0;
   bool Toolbar = true;
   bool Maximized = false;  ///< the numbers are then those of the window when it is not
-  bool First = false;  ///< nothing is stored yet: a window may choose a size that suits its screen
+  bool First = false;      ///< nothing is stored yet: a window may choose a size that suits its screen
 };
 
 Placement ReadPlacement(const Ormel& ormel);

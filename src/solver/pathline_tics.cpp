@@ -101,7 +101,7 @@ std::vector<Tic> ElevationTics(const PathSet& set, double spacing, const MapRect
     }
     for (std::int64_t k = from; k != to && tics.size() < most; k += way) {
       const double z = static_cast<double>(k) * spacing;
-      tics.push_back({Between(set.points[i - 1], set.points[i], (z - z0) / (z1 - z0)), k});
+      tics.push_back({Between(set.points[i - 1], set.points[i], (z - z0) / (z1 - z0)), k, way > 0});
     }
   };
   WalkSteps(

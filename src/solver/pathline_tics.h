@@ -15,6 +15,7 @@ struct PathSet;
 struct Tic {
   MapPoint at;
   std::int64_t multiple = 0;  ///< of the spacing
+  bool up = false;            ///< of an elevation: the path rises there along the points of its file
 };
 
 /// Marks at equal times, for the steps that end inside the window, or for all when it is null.  None when the

@@ -53,6 +53,7 @@ ReadOutcome ReadPaths(const Ormel& ormel, const std::string& file, PathSet& set)
   const MapPoint shift = ShiftOf(ormel, file);
   return ReadPathFile(file, [&](const Pathline& path) {
     set.paths.push_back({set.points.size(), path.points.size()});
+    set.starts.push_back(path.start);
     for (const PathPoint& point : path.points) {
       set.points.push_back(Moved(MToW(ormel, point.at), shift));
       set.elevations.push_back(point.elevation);

@@ -23,8 +23,9 @@ struct PathSet {
   };
   std::vector<Path> paths;
   std::vector<MapPoint> points;
-  std::vector<double> elevations;  ///< [computation length]
-  std::vector<double> times;       ///< since the start [d]
+  std::vector<double> elevations;     ///< [computation length]
+  std::vector<double> times;          ///< since the start [d]
+  std::vector<std::string> starts{};  ///< the START line of each path
 };
 
 struct ContourSet {

@@ -53,7 +53,7 @@ std::shared_ptr<void> WaitForFolder(Ormel& ormel) {
 
 /// What a program that was killed while it wrote a file of a run has left.
 void ClearTemporaryFiles(const Ormel& ormel, const std::vector<RunFile>& files) {
-  std::vector<std::string> stems{ormel.project.OrmelBaseName, "REGRID", "_INSPECT", "_TRACE"};
+  std::vector<std::string> stems{ormel.project.OrmelBaseName, "REGRID", "_INSPECT", "_TRACE", "_RUN"};
   for (const RunFile& file : files) stems.push_back(BaseName(file.path));
   ClearTemporariesOf(ormel.project.OrmelBasePath, stems);
 }

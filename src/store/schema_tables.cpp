@@ -129,7 +129,9 @@ constexpr std::array kPolygons{Automatic("PID"), Given("Closed", kInteger, "0"),
 
 constexpr std::array kProject{GivenText("Description", 255, "New Ormel Model", kOptional),
                               Required("Updated", kDate), Text("OrmelBaseName"), Text("OrmelBasePath"),
-                              Given("ProjectVersion", kLong, "208")};
+                              Given("ProjectVersion", kLong, "208"),
+                              // appended: code or WKT of the map's coordinates, empty when unknown
+                              GivenText("CRS", 8000, "", kOptional)};
 
 constexpr std::array kTestPoints{Given("VID", kLong, "0"), Number("ObsHead", "0.0"),
                                  Number("ModelHead", "0.0", kOptional), Text("Label", 32, kOptional)};

@@ -2,15 +2,14 @@
 
 #include <array>
 #include <cmath>
-#include <map>
 #include <vector>
 
 #include "core/ormel.h"
 #include "core/table.h"
 #include "core/table_file.h"
 #include "core/user_interface.h"
+#include "document/capture_zones.h"
 #include "model/geometry.h"
-#include "store/bulk.h"
 #include "store/database.h"
 
 namespace ormel {
@@ -47,18 +46,6 @@ std::vector<TableColumn> Columns(bool metres) {
           {.name = "Ends", .caption = "Ends of paths", .number = false}};
 }
 
-/// Areas of all capture zone polygons, in square map units.
-std::map<std::int64_t, double> Areas(Database& db) {
-  std::map<std::int64_t, double> areas;
-  RowReader rows(db,
-                 "select Vertices.PID,X,Y from Vertices inner join Capzones on Capzones.PID=Vertices.PID "
-                 "order by Vertices.PID,Seq");
-  std::map<std::int64_t, std::vector<MapPoint>> rings;
-  while (rows.Next()) rings[rows.Long(0)].push_back({rows.Double(1), rows.Double(2)});
-  for (const auto& [pid, ring] : rings) areas[pid] = PolygonArea(ring, ring.front());
-  return areas;
-}
-
 constexpr double kSquareMetresPerHectare = 1e4, kSquareFeetPerAcre = 43560.0;
 
 }  // namespace
@@ -66,34 +53,23 @@ constexpr double kSquareMetresPerHectare = 1e4, kSquareFeetPerAcre = 43560.0;
 std::shared_ptr<Table> ReadZoneTable(Database& db, bool metres) {
   const double unit = metres ? kSquareMetresPerHectare : kSquareFeetPerAcre;
   auto table = std::make_shared<Table>(Columns(metres));
-  const std::map<std::int64_t, double> areas = Areas(db);
-  const bool known = db.HasTable("Zones");
-  RowReader rows(
-      db, known ? "select Capzones.Label,Capzones.PID,Zones.Well,Years,Area,Pumped,Pores,Recharge,"
-                  "Surface,Edge,Balance,Tolerance,Ends,Made,Shared from Capzones left join Zones on "
-                  "Zones.PID=Capzones.PID order by Zones.Well is null,Zones.Well,Zones.Years,Capzones.Label"
-                : "select Label,PID,null,null,null,null,null,null,null,null,null,null,null,null,null "
-                  "from Capzones order by Label");
-  while (rows.Next()) {
-    const auto found = areas.find(rows.Long(1));
-    const double area = found == areas.end() ? 0.0 : found->second;
-    if (rows.IsNull(2)) {
-      table->AddRow({rows.Get(0), Value(), Value(), area / unit, Value(), Value(), Value(), Value(), Value(),
+  for (const CaptureZone& zone : ReadCaptureZones(db)) {
+    const double area = zone.ring.empty() ? 0.0 : PolygonArea(zone.ring, zone.ring.front());
+    if (!zone.making) {
+      table->AddRow({zone.label, Value(), Value(), area / unit, Value(), Value(), Value(), Value(), Value(),
                      Value(), "drawn by hand"});
       continue;
     }
-    const double pumped = rows.Double(5);
-    const auto percent = [&](int column) {
-      return pumped > 0.0 ? 100.0 * rows.Double(column) / pumped : 0.0;
-    };
-    const double stored = std::fabs(rows.Double(4));  // holes are stored with a negative one
+    const ZoneMaking& m = *zone.making;
+    const auto percent = [&m](double volume) { return m.pumped > 0.0 ? 100.0 * volume / m.pumped : 0.0; };
+    const double stored = std::fabs(m.area);
     const bool changed = std::fabs(area - stored) > 1e-6 * stored;
-    const char* state = changed                 ? "changed by hand"
-                        : rows.Double(14) > 0.0 ? "checked; part of it beneath streams"
-                                                : "checked";
-    table->AddRow({rows.Get(0), rows.Get(2), rows.Double(3), area / unit, percent(6), percent(7), percent(8),
-                   percent(9), 100.0 * rows.Double(10), 100.0 * rows.Double(11), state, rows.Get(13),
-                   rows.Get(12)});
+    const char* state = changed          ? "changed by hand"
+                        : m.shared > 0.0 ? "checked; part of it beneath streams"
+                                         : "checked";
+    table->AddRow({zone.label, m.well, m.years, area / unit, percent(m.pores), percent(m.recharge),
+                   percent(m.surface), percent(m.edge), 100.0 * m.balance, 100.0 * m.tolerance, state, m.made,
+                   m.ends});
   }
   return table;
 }

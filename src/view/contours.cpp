@@ -10,6 +10,7 @@
 #include "store/database.h"
 #include "text/masks.h"
 #include "view/label_placer.h"
+#include "view/outdated.h"
 #include "view/styles.h"
 #include "view/vg_gdi.h"
 #include "view/wall_cells.h"
@@ -101,7 +102,7 @@ void ModelDrawContours(const MapCanvas& canvas, ResultFiles& files) {
   EachContourSet(canvas.ormel, files, [&](const ContourSet& set, const WallCells& walls, const Style& style) {
     for (const ContourSet::Line& line : set.lines)
       EachPiece(PointsOf(set, line), walls, [&](std::span<const MapPoint> piece) {
-        canvas.vg.vgGDIFineLine(piece, style.width, style.color);
+        canvas.vg.vgGDIFineLine(piece, style.width, ResultColor(canvas.ormel, style.color));
       });
   });
 }
@@ -116,7 +117,8 @@ void ModelDrawContourLabels(const MapCanvas& canvas, ResultFiles& files) {
       EachPiece(PointsOf(set, line), walls, [&](std::span<const MapPoint> piece) {
         if (piece.size() > longest.size()) longest = piece;
       });
-      if (longest.size() > 1) DrawLabel(canvas, box, longest, mask.Format(line.level), style.color);
+      if (longest.size() > 1)
+        DrawLabel(canvas, box, longest, mask.Format(line.level), ResultColor(canvas.ormel, style.color));
     }
   });
 }

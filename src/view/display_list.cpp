@@ -41,6 +41,19 @@ void DisplayList::Area(std::span<const FinePoint> points, Color fill, double opa
   call.opacity = opacity;
 }
 
+void DisplayList::Areas(std::span<const std::vector<FinePoint>> rings, Color fill, double opacity) {
+  DrawCall& call = Add(DrawKind::kAreas);
+  call.rings.assign(rings.begin(), rings.end());
+  call.fill = fill;
+  call.opacity = opacity;
+}
+
+void DisplayList::Picture(const std::shared_ptr<const Pixels>& pixels, const PicturePlace& place) {
+  DrawCall& call = Add(DrawKind::kPicture);
+  call.pixels = pixels;
+  call.place = place;
+}
+
 void DisplayList::Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) {
   DrawCall& call = Add(DrawKind::kPolygon);
   call.points.assign(points.begin(), points.end());
@@ -95,6 +108,12 @@ void Replay(const std::vector<DrawCall>& calls, DrawingDevice& device) {
         break;
       case DrawKind::kArea:
         device.Area(call.fine, *call.fill, call.opacity);
+        break;
+      case DrawKind::kAreas:
+        device.Areas(call.rings, *call.fill, call.opacity);
+        break;
+      case DrawKind::kPicture:
+        device.Picture(call.pixels, call.place);
         break;
       case DrawKind::kPolygon:
         device.Polygon(call.points, call.pen, *call.fill);

@@ -2,6 +2,7 @@
 // lines, highlights, temporary symbols), and the recorder of tests.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -17,6 +18,8 @@ enum class DrawKind {
   kPolyline,
   kFineLine,
   kArea,
+  kAreas,
+  kPicture,
   kPolygon,
   kCircle,
   kText,
@@ -28,8 +31,11 @@ enum class DrawKind {
 /// One call.  Which fields count depends on the kind.
 struct DrawCall {
   DrawKind kind = DrawKind::kClear;
-  std::vector<DevicePoint> points;  ///< the line or polygon; one point for circle and text
-  std::vector<FinePoint> fine;      ///< of fine line and area
+  std::vector<DevicePoint> points;            ///< the line or polygon; one point for circle and text
+  std::vector<FinePoint> fine;                ///< of fine line and area
+  std::vector<std::vector<FinePoint>> rings;  ///< of areas
+  std::shared_ptr<const Pixels> pixels;       ///< of a picture, as is its place
+  PicturePlace place;
   Pen pen;
   std::optional<Color> fill;  ///< of polygon and circle; the colour of clear and cover
   int radius = 0;
@@ -59,6 +65,8 @@ class DisplayList : public DrawingDevice {
   void Polyline(std::span<const DevicePoint> points, const Pen& pen) override;
   void FineLine(std::span<const FinePoint> points, const Pen& pen) override;
   void Area(std::span<const FinePoint> points, Color fill, double opacity) override;
+  void Areas(std::span<const std::vector<FinePoint>> rings, Color fill, double opacity) override;
+  void Picture(const std::shared_ptr<const Pixels>& pixels, const PicturePlace& place) override;
   void Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) override;
   void Circle(DevicePoint centre, int radius, const Pen& pen, std::optional<Color> fill) override;
   void Text(DevicePoint at, std::string_view text, const TextStyle& style) override;

@@ -9,7 +9,9 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "core/pixels.h"
 #include "core/types.h"
 
 namespace ormel {
@@ -47,6 +49,12 @@ struct DeviceRect {
   friend bool operator==(const DeviceRect&, const DeviceRect&) = default;
 };
 
+/// Where the corners of a picture lie on the device.
+struct PicturePlace {
+  FinePoint upper_left, upper_right, lower_left;
+  friend bool operator==(const PicturePlace&, const PicturePlace&) = default;
+};
+
 /// The pixels of a device as they were.
 struct KeptPicture {
   virtual ~KeptPicture() = default;
@@ -70,6 +78,10 @@ class DrawingDevice {
   virtual void FineLine(std::span<const FinePoint> points, const Pen& pen) = 0;
   /// The inside of a closed shape laid over the picture; opacity 0 to 1.
   virtual void Area(std::span<const FinePoint> points, Color fill, double opacity) = 0;
+  /// The inside of several closed shapes together, laid over the picture: rings within rings are holes.
+  virtual void Areas(std::span<const std::vector<FinePoint>> rings, Color fill, double opacity) = 0;
+  /// A picture at the device's resolution, in any scale and turn.
+  virtual void Picture(const std::shared_ptr<const Pixels>& pixels, const PicturePlace& place) = 0;
   /// A closed shape through at least three points, the last joined to the first.
   virtual void Polygon(std::span<const DevicePoint> points, const Pen& pen, Color fill) = 0;
   /// A whole circle; filled when `fill` is given.

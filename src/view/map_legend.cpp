@@ -142,7 +142,7 @@ void AddZones(Ormel& ormel, Entries& entries) {
                 LineSample(ZoneLineColor(i), kZoneLineWidth));
   for (std::size_t i = 0; i < zones.wells.size() && zones.wells.size() <= kFew; ++i)
     entries.Add("Area of " + zones.wells[i], AreaSample(ZoneAreaColor(i), kZoneOpacity));
-  const auto by_hand = [](const Zone& zone) { return !zone.tag.outlined(); };
+  const auto by_hand = [](const CaptureZone& zone) { return !zone.tag.outlined(); };
   entries.Add(std::any_of(zones.all.begin(), zones.all.end(), by_hand), StyleId::kCapzone);
 }
 
@@ -200,6 +200,19 @@ std::vector<LegendEntry> LegendOf(Ormel& ormel, const ViewState& state) {
   AddObservations(ormel, entries);
   AddResults(ormel, state, entries);
   return list;
+}
+
+void DrawSample(Ormel& ormel, DrawingDevice& device, StyleId id) {
+  VgGdi vg(ormel);
+  MapRect window{0.0, static_cast<double>(device.Width()), static_cast<double>(device.Height()), 0.0};
+  if (vg.vgGDIInitObject(device, window) != VgInit::kDone) return;
+  const double middle = 0.5 * device.Height(), rim = 0.1 * device.Width();
+  const Style& style = StyleOf(id);
+  if (style.sample == SampleKind::kLetters)
+    vg.vgGDItext("ab", {0.5 * device.Width(), middle - 0.4 * vg.PointUnit()},
+                 {.size = 9, .color = style.color, .alignment = 1});
+  else
+    SampleOf(style, style.color)(vg, {rim, middle}, {device.Width() - rim, middle});
 }
 
 }  // namespace ormel

@@ -13,6 +13,7 @@
 #include "view/capture_zones.h"
 #include "view/label_placer.h"
 #include "view/map_legend.h"
+#include "view/outdated.h"
 #include "view/redraw.h"
 
 namespace ormel {
@@ -171,7 +172,7 @@ class Hidden {
         const MapPoint at{
             vg_.vgGDIDeviceToWorldX(box.left + (box.right - box.left) * (i + 0.5) / kSide, false),
             vg_.vgGDIDeviceToWorldY(box.top + (box.bottom - box.top) * (j + 0.5) / kSide, false)};
-        for (const Zone& zone : zones_.all) hidden += InRing(zone.points, at) ? 1000 : 0;
+        for (const CaptureZone& zone : zones_.all) hidden += InRing(zone.ring, at) ? 1000 : 0;
       }
     for (const DevicePoint& well : wells_)
       hidden +=
@@ -265,6 +266,7 @@ bool DrawMapOutput(Ormel& ormel, ViewState& state, DrawingDevice& device, const 
 
   device.SetClip(area);
   DrawMap({ormel, vg, &labels}, state);
+  DrawOutdatedBand(ormel, device, area);
   device.ClearClip();
   (beside ? margin : furniture).Legend(entries, legend);
   if (output.scale_bar) furniture.ScaleBar();

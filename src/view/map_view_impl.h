@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,11 +29,6 @@ class MapSurface {
   virtual void EndPicture() = 0;
   /// Picture, temporary shapes, cursor or menus may have changed: show them soon.
   virtual void Update() = 0;
-};
-
-/// What the pointer calls in rooms that the view does not know.  Empty while such a room is not there.
-struct MapHooks {
-  std::function<void()> basemap_select;  ///< base maps at the last click
 };
 
 /// What is being dragged: it is not in the picture until it is let go.
@@ -65,6 +61,7 @@ class MapViewImpl final : public MapView, public ChangeListener {
   void SetUpToolbar() override;
   void SetUpLayers() override;
   void Refresh() override;
+  std::optional<Extents> ShownMapExtents() override;
   /// What a command has changed comes into the picture, the selection, the menus and the toolbar, and what it
   /// spoils of the solution is asked about.
   void CommandEnded(const ChangeRecord& record) override;
@@ -91,7 +88,6 @@ class MapViewImpl final : public MapView, public ChangeListener {
 
   Ormel& ormel() { return ormel_; }
   ViewState& state() { return state_; }
-  MapHooks& hooks() { return hooks_; }
   VgGdi& vg() { return vg_; }
   Overlay& overlay() { return overlay_; }
   /// Starts a shape of the overlay: what is drawn on the vector layer goes to it until the object dies.
@@ -105,6 +101,7 @@ class MapViewImpl final : public MapView, public ChangeListener {
  private:
   /// True when the code is done: it only starts or asks something, without a redraw.
   bool ZoomMode(Zoom code);
+  bool ChangeWindow(Zoom code, const MapRect& rect);
   void ApplyRectangle(const MapRect& rect);
   void RestoreWindow();
   void SaveWindow();
@@ -138,7 +135,6 @@ class MapViewImpl final : public MapView, public ChangeListener {
   DisplayList idle_;  ///< target of the vector layer outside a drawing
   ViewState state_;
   PictureCache picture_;
-  MapHooks hooks_;
   Overlay overlay_;
   MapRect drawn_window_;             ///< of the last picture that could be drawn
   std::string layers_of_;            ///< project that the layer switches were set up for

@@ -1,4 +1,5 @@
 // The layer switches of a project, as its data and settings ask for them.
+#include "basemaps/catalogue.h"
 #include "core/command.h"
 #include "core/layers.h"
 #include "core/ormel.h"
@@ -35,6 +36,10 @@ void MapViewImpl::SetUpLayers() {
   ormel_.menus.Check("EDITORGRID", kGridSnap, ormel_.mouse.Snap);
   vg_.SetGridSpacing(db.Scalar("select EDITGRIDSpacing from Model").AsDouble());
   ormel_.ui().MenusChanged();
+}
+
+std::optional<Extents> MapViewImpl::ShownMapExtents() {
+  return ShownBaseMapExtents(ormel_);
 }
 
 }  // namespace ormel

@@ -124,6 +124,58 @@ bool MapViewImpl::ZoomMode(Zoom code) {
   return false;
 }
 
+/// Sets the window that a code asks for; false for a number that is no code.
+bool MapViewImpl::ChangeWindow(Zoom code, const MapRect& rect) {
+  const MapRect& window = ormel_.window.SolveWindow;
+  switch (code) {
+    case Zoom::kIn:
+      SetWindow(Scaled(window, 0.5));
+      return true;
+    case Zoom::kOut:
+      SetWindow(Scaled(window, 2.0));
+      return true;
+    case Zoom::kExtents:
+      ModelCheckExtents(ormel_, false, false);
+      FindMapExtents(ormel_);
+      SetWindow(WindowOf(ormel_.window.full));
+      ormel_.window.at_extents = true;
+      return true;
+    case Zoom::kRestoreWindow:
+      RestoreWindow();
+      return true;
+    case Zoom::kLeft:
+      SetWindow(Moved(window, -kScrollShare, 0.0));
+      return true;
+    case Zoom::kRight:
+      SetWindow(Moved(window, kScrollShare, 0.0));
+      return true;
+    case Zoom::kUp:
+      SetWindow(Moved(window, 0.0, kScrollShare));
+      return true;
+    case Zoom::kDown:
+      SetWindow(Moved(window, 0.0, -kScrollShare));
+      return true;
+    case Zoom::kApplyRectangle:
+      ApplyRectangle(rect);
+      return true;
+    case Zoom::kApplyWindow:
+      SetWindow(rect);
+      return true;
+    case Zoom::kRecentreAtClick:
+      SetWindow(CentredAt(window, ormel_.mouse.LastX, ormel_.mouse.LastY));
+      TurnOnMenus();
+      ormel_.mouse.cursor = kArrow;
+      return true;
+    case Zoom::kRedraw:
+    case Zoom::kRedrawInPlace:
+    case Zoom::kStartRectangle:
+    case Zoom::kSaveWindow:
+    case Zoom::kRecentre:
+      return true;
+  }
+  return false;
+}
+
 void MapViewImpl::ZoomActions(Zoom code, const MapRect& rect) {
   if (!ormel_.project.ProjectOpen) {
     layers_of_.clear();
@@ -133,64 +185,14 @@ void MapViewImpl::ZoomActions(Zoom code, const MapRect& rect) {
   RunCommand(ormel_, "ZoomActions", [&] {
     ormel_.window.SolveWindow = UsableWindow(ormel_, ormel_.window.SolveWindow);
     if (ZoomMode(code)) return;
-    const MapRect& window = ormel_.window.SolveWindow;
-    switch (code) {
-      case Zoom::kRedrawInPlace:
-        ElemTurnOffSelection();
-        if (ormel_.layers.On(Layer::kManualRedraw)) {
-          Activity(ormel_, "REDRAW");
-          Feedback(ormel_, "Current picture is obsolete -- press CTRL-L to refresh");
-          return;
-        }
-        break;
-      case Zoom::kIn:
-        SetWindow(Scaled(window, 0.5));
-        break;
-      case Zoom::kOut:
-        SetWindow(Scaled(window, 2.0));
-        break;
-      case Zoom::kExtents:
-        ModelCheckExtents(ormel_, false, false);
-        FindMapExtents(ormel_);
-        SetWindow(WindowOf(ormel_.window.full));
-        ormel_.window.at_extents = true;
-        break;
-      case Zoom::kRestoreWindow:
-        RestoreWindow();
-        break;
-      case Zoom::kLeft:
-        SetWindow(Moved(window, -kScrollShare, 0.0));
-        break;
-      case Zoom::kRight:
-        SetWindow(Moved(window, kScrollShare, 0.0));
-        break;
-      case Zoom::kUp:
-        SetWindow(Moved(window, 0.0, kScrollShare));
-        break;
-      case Zoom::kDown:
-        SetWindow(Moved(window, 0.0, -kScrollShare));
-        break;
-      case Zoom::kApplyRectangle:
-        ApplyRectangle(rect);
-        break;
-      case Zoom::kApplyWindow:
-        SetWindow(rect);
-        break;
-      case Zoom::kRecentreAtClick:
-        SetWindow(CentredAt(window, ormel_.mouse.LastX, ormel_.mouse.LastY));
-        TurnOnMenus();
-        ormel_.mouse.cursor = kArrow;
-        break;
-      case Zoom::kRedraw:
-      case Zoom::kStartRectangle:
-      case Zoom::kSaveWindow:
-      case Zoom::kRecentre:
-        break;
-    }
-    const bool known = static_cast<int>(code) <= 5 || code == Zoom::kRestoreWindow ||
-                       (static_cast<int>(code) >= 9 && static_cast<int>(code) <= 12) ||
-                       (static_cast<int>(code) >= 20 && static_cast<int>(code) <= 22);
-    if (!known || static_cast<int>(code) < 0) {
+    if (code == Zoom::kRedrawInPlace) {
+      ElemTurnOffSelection();
+      if (ormel_.layers.On(Layer::kManualRedraw)) {
+        Activity(ormel_, "REDRAW");
+        Feedback(ormel_, "Current picture is obsolete -- press CTRL-L to refresh");
+        return;
+      }
+    } else if (!ChangeWindow(code, rect)) {
       Inform(ormel_, "Ormel", "Internal error in Zoom commands");
       return;
     }

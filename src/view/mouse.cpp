@@ -7,6 +7,7 @@
 #include "core/command.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
+#include "core/project_crs.h"
 #include "core/status.h"
 #include "core/user_interface.h"
 #include "model/edit.h"
@@ -134,8 +135,9 @@ void Map_MouseLeave(MapViewImpl& view) {
 void ShowPosition(MapViewImpl& view, MapPoint at) {
   static const NumberMask mask("#,###,##0.0");
   Ormel& ormel = view.ormel();
-  ormel.ui().SetPanel(Panel::kX, "X: " + mask.Format(at.x) + ormel.project.unit_suffix);
-  ormel.ui().SetPanel(Panel::kY, "Y: " + mask.Format(at.y) + ormel.project.unit_suffix);
+  const GlobeText globe = GlobeTextOf(ormel, at);
+  ormel.ui().SetPanel(Panel::kX, "X: " + mask.Format(at.x) + ormel.project.unit_suffix + globe.longitude);
+  ormel.ui().SetPanel(Panel::kY, "Y: " + mask.Format(at.y) + ormel.project.unit_suffix + globe.latitude);
 }
 
 bool Map_KeyDown(MapViewImpl& view, MapKey key) {

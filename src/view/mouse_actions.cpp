@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "basemaps/bbm_groups.h"
 #include "core/map_view.h"
 #include "core/ormel.h"
 #include "core/status.h"
@@ -284,7 +285,7 @@ class BasemapSelection final : public MouseAction {
   void Press(const MouseEvent& event) const override {
     KeepLast(event);
     StartRubber(event);
-    if (event.view.hooks().basemap_select) event.view.hooks().basemap_select();
+    BBMSelect(event.ormel);
   }
   void RightPress(const MouseEvent& event) const override { Cancel(event); }
   void Cancel(const MouseEvent& event) const override {

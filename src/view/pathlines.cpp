@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 
+#include "core/ask_number.h"
 #include "core/command.h"
 #include "core/coordinates.h"
 #include "core/layers.h"
@@ -17,6 +18,7 @@
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/numbers.h"
+#include "view/outdated.h"
 #include "view/styles.h"
 #include "view/vg_gdi.h"
 
@@ -69,13 +71,15 @@ void DrawPaths(const MapCanvas& canvas, const PathSet& set, const ColouredWells&
   for (const PathSet::Path& path : set.paths) {
     const std::span<const MapPoint> points(set.points.data() + path.first, path.count);
     if (points.empty()) continue;
-    canvas.vg.vgGDIFineLine(points, StyleOf(StyleId::kPathline).width, wells.ColorAt(points.front()));
+    canvas.vg.vgGDIFineLine(points, StyleOf(StyleId::kPathline).width,
+                            ResultColor(canvas.ormel, wells.ColorAt(points.front())));
   }
 }
 
 void DrawTics(const MapCanvas& canvas, const std::vector<Tic>& tics, StyleId id) {
   const Style& style = StyleOf(id);
-  for (const Tic& tic : tics) canvas.vg.vgGDISymbol(tic.at, style.symbol, style.color, style.color);
+  const Color color = ResultColor(canvas.ormel, style.color);
+  for (const Tic& tic : tics) canvas.vg.vgGDISymbol(tic.at, style.symbol, color, color);
   if (tics.size() >= kMostTics)
     Note(canvas.ormel, "Too many tic marks: only " + std::to_string(kMostTics) + " are drawn");
 }
@@ -161,10 +165,10 @@ void ZMARKS(Ormel& ormel, bool ask) {
     double& spacing = ormel.solution.ElevationTicSpacing;
     bool show = true;
     if (ask || (!(spacing > 0.0) && !ormel.layers.On(Layer::kElevationTics))) {
-      const auto entered = ormel.ui().Ask(
-          InputBox{"Elevation Tics", "Enter spacing for elevation tic marks: ", NumberText(spacing)});
-      if (!entered || entered->empty()) return;
-      spacing = Val(*entered);
+      const auto entered = AskNumber(
+          ormel, {"Elevation Tics", "Enter spacing for elevation tic marks: ", NumberText(spacing)});
+      if (!entered) return;
+      spacing = *entered;
       show = spacing > 0.0;
     } else {
       show = !ormel.layers.On(Layer::kElevationTics);

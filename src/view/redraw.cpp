@@ -9,6 +9,7 @@
 #include "core/layers.h"
 #include "core/ormel.h"
 #include "solver/result_files.h"
+#include "view/base_map_drawing.h"
 #include "view/capture_zones.h"
 #include "view/contours.h"
 #include "view/label_placer.h"
@@ -20,12 +21,13 @@
 namespace ormel {
 namespace {
 
-bool HasBasemaps(const Ormel&, const ViewState& state) {
-  return static_cast<bool>(state.basemaps);
+bool HasBasemaps(const Ormel& ormel, const ViewState& state) {
+  return state.basemaps || AnyBaseMaps(ormel);
 }
 void DrawBasemaps(const MapCanvas& canvas, ViewState& state) {
   const Named named(canvas.ormel, "Redraw_Basemap");
-  state.basemaps(canvas);
+  if (state.basemaps) return state.basemaps(canvas);
+  DrawBaseMaps(canvas);
 }
 
 bool HasHaze(const Ormel& ormel, const ViewState&) {

@@ -15,7 +15,7 @@ namespace ormel {
 /// What the view keeps between two drawings.
 struct ViewState {
   OverlaySettings overlay;
-  /// Draws the base maps; empty while there are none.
+  /// Draws in the place of the project's base maps, where a drawing is to be measured; empty otherwise.
   std::function<void(const MapCanvas&)> basemaps;
 };
 

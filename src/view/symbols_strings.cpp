@@ -7,11 +7,11 @@
 #include "core/command.h"
 #include "core/layers.h"
 #include "core/ormel.h"
+#include "document/vertex_chains.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "view/styles.h"
 #include "view/symbols.h"
-#include "view/vertex_chains.h"
 #include "view/vg_gdi.h"
 
 namespace ormel {

@@ -5,6 +5,7 @@
 #include "core/ormel.h"
 #include "solver/pathline_tics.h"
 #include "solver/result_files.h"
+#include "view/outdated.h"
 #include "view/pathlines.h"
 #include "view/styles.h"
 #include "view/vg_gdi.h"
@@ -39,7 +40,7 @@ void ModelDrawTracedLines(const MapCanvas& canvas) {
   const Named named(canvas.ormel, "ModelDrawTracedLines");
   const Style& style = StyleOf(StyleId::kTracedLine);
   for (const TracedLine& line : canvas.ormel.solution.traced_lines) {
-    canvas.vg.vgGDIFineLine(line.points, style.width, style.color);
+    canvas.vg.vgGDIFineLine(line.points, style.width, ResultColor(canvas.ormel, style.color));
     DrawMarks(canvas, SetOf(line));
   }
 }

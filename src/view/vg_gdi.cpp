@@ -17,8 +17,8 @@ constexpr double kNeighbourhood = 16384.0;
 /// A device gets at most this many points in one line.
 constexpr std::size_t kLinePoints = 5000;
 /// Lines of the editor grid closer than this would only paint the map grey: then every tenth is drawn, every
-/// hundredth and so on, at least so far apart [pixels].
-constexpr double kClosestGrid = 2.0, kCoarseGrid = 8.0;
+/// hundredth and so on [pixels, and parts of a 10-point size where that has more of them].
+constexpr double kClosestGrid = 10.0, kClosestGridLetters = 0.75;
 /// Points of a line closer than this in both directions are one [pixels].
 constexpr int kShortestStep = 2;
 constexpr double kShortestFineStep = 0.7;  ///< the same for lines between pixels
@@ -124,8 +124,8 @@ void VgGdi::DrawGrid(const MapRect& window) {
     return;
   }
   double spacing = grid_spacing_;
-  if (spacing / vgGDIPixelSize() < kClosestGrid)
-    while (spacing / vgGDIPixelSize() < kCoarseGrid) spacing *= 10.0;
+  const double closest = std::max(kClosestGrid, kClosestGridLetters * point_unit_) * vgGDIPixelSize();
+  while (spacing < closest) spacing *= 10.0;
   BeginLayer("Editor Grid");
   DrawGridLines(window.x1, window.x2, true, window, spacing);
   DrawGridLines(window.y2, window.y1, false, window, spacing);
@@ -286,6 +286,28 @@ void VgGdi::vgGDIArea(std::span<const MapPoint> ring, Color fill, double opacity
   if (ring.size() < 3 || !LocateAll(ring, 1.0)) return;
   if (spots_far_) spots_ = clip::Area(Neighbourhood(view_), std::move(spots_));
   if (spots_.size() >= 3) target_->Area(spots_, fill, opacity);
+}
+
+void VgGdi::vgGDIAreas(std::span<const std::span<const MapPoint>> rings, Color fill, double opacity) {
+  std::vector<std::vector<Spot>> located;
+  for (const std::span<const MapPoint> ring : rings) {
+    if (ring.size() < 3) continue;
+    // A ring out of view may hold the view, or a hole that does: only what is cut to nothing counts for none.
+    LocateAll(ring, 1.0);
+    if (spots_far_) spots_ = clip::Area(Neighbourhood(view_), std::move(spots_));
+    if (spots_.size() >= 3) located.push_back(std::move(spots_));
+    spots_.clear();
+  }
+  if (!located.empty()) target_->Areas(located, fill, opacity);
+}
+
+void VgGdi::vgGDIPicture(const std::shared_ptr<const Pixels>& pixels, MapPoint upper_left,
+                         MapPoint upper_right, MapPoint lower_left) {
+  if (!Ready() || pixels == nullptr) return;
+  const PicturePlace place{Locate(upper_left), Locate(upper_right), Locate(lower_left)};
+  for (const Spot& spot : {place.upper_left, place.upper_right, place.lower_left})
+    if (!std::isfinite(spot.x) || !std::isfinite(spot.y)) return;
+  target_->Picture(pixels, place);
 }
 
 void VgGdi::vgGDIPolygon(std::span<const MapPoint> points, PenStyle style, double width, Color color,

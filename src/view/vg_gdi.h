@@ -101,6 +101,11 @@ class VgGdi {
   void vgGDIFineLine(std::span<const MapPoint> points, double width, Color color);
   /// The inside of a ring laid over the picture; opacity 0 to 1.
   void vgGDIArea(std::span<const MapPoint> ring, Color fill, double opacity);
+  /// The inside of several rings together; those within others are holes.
+  void vgGDIAreas(std::span<const std::span<const MapPoint>> rings, Color fill, double opacity);
+  /// A picture by three of its corners.
+  void vgGDIPicture(const std::shared_ptr<const Pixels>& pixels, MapPoint upper_left, MapPoint upper_right,
+                    MapPoint lower_left);
   void vgGDIPolygon(std::span<const MapPoint> points, PenStyle style, double width, Color color, Color fill);
   void vgGDICircle(MapPoint centre, double radius, PenStyle style, double width, Color color,
                    std::optional<Color> fill = std::nullopt);

@@ -5,13 +5,13 @@
 
 #include "core/coordinates.h"
 #include "core/ormel.h"
+#include "document/vertex_chains.h"
 #include "solver/result_files.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "text/files.h"
 #include "text/numbers.h"
 #include "text/strings.h"
-#include "view/vertex_chains.h"
 
 namespace ormel {
 namespace {

@@ -31,6 +31,7 @@ struct WhpaRow {
   std::int64_t type;
   double radius, t, ambient_flow, direction, discharge;
   MapPoint well;
+  std::string label;
 };
 
 void DrawCircle(const MapCanvas& canvas, MapPoint centre, double radius) {
@@ -38,32 +39,38 @@ void DrawCircle(const MapCanvas& canvas, MapPoint centre, double radius) {
   canvas.vg.vgGDICircle(centre, radius, PenStyle::kSolid, style.width, style.color);
 }
 
-void DrawWhpa(const MapCanvas& canvas, const WhpaRow& row) {
-  if (row.type == kArbitrary) return DrawCircle(canvas, row.well, row.radius);
-  if (row.t <= kCentric) return DrawCircle(canvas, row.well, row.radius);
-  if (row.t >= kEccentric) return;  // its capture zone is made of pathlines
-  const double shift = ComputeToMapLength(canvas.ormel, WhpaShift(row.t, row.discharge, row.ambient_flow));
+/// False for an area whose capture zone is made of pathlines.
+bool HasCircle(const Ormel& ormel, const WhpaRow& row, WhpaCircle& circle) {
+  circle = {row.label, row.type, row.well, row.radius};
+  if (row.type == kArbitrary || row.t <= kCentric) return true;
+  if (row.t >= kEccentric) return false;
+  const double shift = ComputeToMapLength(ormel, WhpaShift(row.t, row.discharge, row.ambient_flow));
   const double angle = row.direction * kPi / 180.0;
   // Upstream of the well: the direction is where the water flows to.
-  DrawCircle(canvas, {row.well.x - shift * std::cos(angle), row.well.y - shift * std::sin(angle)},
-             row.radius);
+  circle.centre = {row.well.x - shift * std::cos(angle), row.well.y - shift * std::sin(angle)};
+  return true;
 }
 
-void DrawWhpasOfType(const MapCanvas& canvas, WhpaType type) {
+void AddCirclesOfType(Ormel& ormel, WhpaType type, std::vector<WhpaCircle>& circles) {
   RowReader rows(
-      canvas.ormel.db(),
-      "select WHPAs.Radius,WHPAs.T,WHPAs.AmbientFlow,WHPAs.Direction,Wells.Head,Vertices.X,Vertices.Y "
+      ormel.db(),
+      "select "
+      "WHPAs.Radius,WHPAs.T,WHPAs.AmbientFlow,WHPAs.Direction,Wells.Head,Vertices.X,Vertices.Y,Wells.Label "
       "from WHPAs,Wells,Vertices where WHPAs.Type=? and Wells.Label=WHPAs.Well and "
       "Vertices.VID=Wells.VID",
       {static_cast<std::int64_t>(type)});
-  while (rows.Next())
-    DrawWhpa(canvas, {type,
+  WhpaCircle circle;
+  while (rows.Next()) {
+    const WhpaRow row{type,
                       rows.Double(0),
                       rows.Double(1),
                       rows.Double(2),
                       rows.Double(3),
                       rows.Double(4),
-                      {rows.Double(5), rows.Double(6)}});
+                      {rows.Double(5), rows.Double(6)},
+                      std::string(rows.Text(7))};
+    if (HasCircle(ormel, row, circle)) circles.push_back(circle);
+  }
 }
 
 /// Half the length of a line that crosses window and model wherever its middle lies.
@@ -82,10 +89,16 @@ double WhpaShift(double t, double well_discharge, double ambient_flow) {
   return (0.652 * t + 0.00278) * length;
 }
 
+std::vector<WhpaCircle> WhpaCircles(Ormel& ormel) {
+  std::vector<WhpaCircle> circles;
+  for (const WhpaType type : {kArbitrary, kCalculated, kMultiple}) AddCirclesOfType(ormel, type, circles);
+  return circles;
+}
+
 void ElemDrawAllWHPAs(const MapCanvas& canvas) {
   if (!canvas.ormel.layers.On(Layer::kWhpas)) return;
   const Named named(canvas.ormel, "ElemDrawWHPAs");
-  for (const WhpaType type : {kArbitrary, kCalculated, kMultiple}) DrawWhpasOfType(canvas, type);
+  for (const WhpaCircle& circle : WhpaCircles(canvas.ormel)) DrawCircle(canvas, circle.centre, circle.radius);
 }
 
 void ElemDrawAllStreamBoundarys(const MapCanvas& canvas) {

@@ -4,9 +4,25 @@
 #include "core/types.h"
 #include "view/canvas.h"
 
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/types.h"
+
 namespace ormel {
 
 struct Ormel;
+
+/// A protection area that is a circle.
+struct WhpaCircle {
+  std::string well;       ///< its label
+  std::int64_t type = 0;  ///< `WHPAs.Type`
+  MapPoint centre;
+  double radius = 0.0;  ///< [map units]
+};
+/// Those of the project as the map shows them, whether the layer is on or not.
+std::vector<WhpaCircle> WhpaCircles(Ormel& ormel);
 
 /// Circles of arbitrary and calculated areas, while "Show Simple WHPAs" is on.
 void ElemDrawAllWHPAs(const MapCanvas& canvas);

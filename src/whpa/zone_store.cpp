@@ -3,11 +3,9 @@
 #include "core/coordinates.h"
 #include "core/ormel.h"
 #include "core/settings.h"
+#include "document/capture_zones.h"
 #include "model/geometry.h"
 #include "model/vertices.h"
-#include "store/bulk.h"
-#include "store/database.h"
-#include "store/schema.h"
 #include "text/masks.h"
 #include "text/numbers.h"
 #include "text/strings.h"
@@ -33,24 +31,9 @@ std::string MadeText(const Ormel& ormel) {
          ":" + two(now.minute);
 }
 
-void DeleteZone(Ormel& ormel, const std::string& label) {
-  std::vector<Pid> old;
-  {
-    RowReader rows(ormel.db(), "select PID from Capzones where Label=?", {label});
-    while (rows.Next()) old.push_back(rows.Long(0));
-  }
-  for (const Pid pid : old) {
-    DeletePolygonElement(ormel, "Capzones", pid);
-    ormel.db().Execute("delete from Zones where PID=?", {pid});
-  }
-}
-
 /// Holes of an earlier outline of the same name.
 void DeleteHoles(Ormel& ormel, const std::string& name, double years) {
-  for (std::size_t part = 1;; ++part) {
-    const std::string label = ZoneLabel(name, years, part);
-    if (ormel.db().Scalar("select count(*) from Capzones where Label=?", {label}).AsLong() == 0) return;
-    DeleteZone(ormel, label);
+  for (std::size_t part = 1; RemoveCaptureZones(ormel, ZoneLabel(name, years, part)); ++part) {
   }
 }
 
@@ -65,24 +48,29 @@ std::string ZoneLabel(const std::string& name, double years, std::size_t part) {
 
 void StoreZone(Ormel& ormel, const ZoneOwner& owner, const WellOutlines& well, const ZoneOutline& zone,
                double tolerance) {
-  Database& db = ormel.db();
-  schema::EnsureTable(db, "Zones");
   const double years = zone.time / kDaysPerYear;
   DeleteHoles(ormel, owner.zone_name, years);
   for (std::size_t part = 0; part < zone.rings.size(); ++part) {
     const std::string label = ZoneLabel(owner.zone_name, years, part);
-    DeleteZone(ormel, label);
+    RemoveCaptureZones(ormel, label);
     std::vector<MapPoint> points;
     for (const ModelPoint& point : zone.rings[part]) points.push_back(MToW(ormel, point));
-    const Pid pid = AddPolygonWithVertices(ormel, true, points);
-    db.Execute("insert into Capzones (Label,PID) values (?,?)", {label, pid});
-    BulkInsert rows(db, "Zones",
-                    {"PID", "Well", "Part", "Years", "Area", "Pumped", "Pores", "Recharge", "Surface", "Edge",
-                     "LeftOut", "Shared", "Balance", "Tolerance", "Ends", "Made"});
-    const auto number = static_cast<std::int64_t>(part);
-    rows.Row(pid, owner.label, number, years, SignedArea<MapPoint>(points, points.front()), zone.pumped,
-             zone.pores, zone.recharge, zone.surface, zone.edge, zone.left_out, zone.shared, zone.balance,
-             tolerance, EndsText(well), MadeText(ormel));
+    AddCaptureZone(ormel.db(), AddPolygonWithVertices(ormel, true, points), label,
+                   {.well = owner.label,
+                    .part = static_cast<std::int64_t>(part),
+                    .years = years,
+                    .area = SignedArea<MapPoint>(points, points.front()),
+                    .pumped = zone.pumped,
+                    .pores = zone.pores,
+                    .recharge = zone.recharge,
+                    .surface = zone.surface,
+                    .edge = zone.edge,
+                    .left_out = zone.left_out,
+                    .shared = zone.shared,
+                    .balance = zone.balance,
+                    .tolerance = tolerance,
+                    .ends = EndsText(well),
+                    .made = MadeText(ormel)});
   }
 }
 

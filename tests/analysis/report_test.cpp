@@ -126,13 +126,13 @@ TEST_F(ReportTest, ZonesTellWellTimeAreaAndExtent) {
       if (zones->columns()[i].name == name) return zones->At(row, i);
     return Value("no such column");
   };
-  EXPECT_TRUE(at(0, "Well").IsNull()) << "there is no well \"by hand\"";
-  EXPECT_EQ(at(1, "Well").AsText(), "Mill <1> & Co");
-  EXPECT_EQ(at(1, "Years").AsDouble(), 10);
-  EXPECT_EQ(at(1, "Area").AsDouble(), 60000);
-  EXPECT_EQ(at(1, "Perimeter").AsDouble(), 1000);
-  EXPECT_EQ(at(1, "Width").AsDouble(), 300);
-  EXPECT_EQ(at(1, "North").AsDouble(), 200);
+  EXPECT_TRUE(at(1, "Well").IsNull()) << "there is no well \"by hand\"";
+  EXPECT_EQ(at(0, "Well").AsText(), "Mill <1> & Co");
+  EXPECT_EQ(at(0, "Years").AsDouble(), 10);
+  EXPECT_EQ(at(0, "Area").AsDouble(), 60000);
+  EXPECT_EQ(at(0, "Perimeter").AsDouble(), 1000);
+  EXPECT_EQ(at(0, "Width").AsDouble(), 300);
+  EXPECT_EQ(at(0, "North").AsDouble(), 200);
 }
 
 TEST_F(ReportTest, ChecksOfZonesAreSharesOfWhatIsPumped) {

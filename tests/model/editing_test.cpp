@@ -392,12 +392,16 @@ TEST_F(Editing, refinement_asks_and_refuses_what_makes_no_sense) {
     const char* title;
     double vertices;
   };
-  const Row kRows[] = {{std::nullopt, "", 2},      {"0", "Bad Entry", 2}, {"x", "Bad Entry", 2},
+  const Row kRows[] = {{std::nullopt, "", 2},      {"0", "Bad Entry", 2}, {"x", "Not Wholly a Number", 2},
                        {"0.0001", "Bad Entry", 2}, {"10", "Refine", 2},   {"5", "Model Changed!", 3}};
   for (const Row& row : kRows) {
     ormel.solution.ValidSolution = true;
     test.ui.boxes.clear();
     test.ui.InputTo("Refine", row.answer);
+    if (row.answer == "x") {
+      test.ui.AnswerTo("Not Wholly a Number", {Answer::kNo});
+      test.ui.InputTo("Refine", std::nullopt);
+    }
     if (row.vertices == 3) test.ui.AnswerTo("Model Changed!", {Answer::kYes});
     SelectAt(0, 0);
     ElemRefine(ormel);

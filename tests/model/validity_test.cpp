@@ -41,7 +41,8 @@ TEST_F(Validity, kept_by_the_user_leaves_all_as_it_is) {
   EXPECT_TRUE(ormel.solution.ValidSolution);
   EXPECT_TRUE(ormel.layers.On(Layer::kContours));
   EXPECT_TRUE(ormel.menus.Enabled("RESULTS_TABLE"));
-  EXPECT_TRUE(test.view.zooms.empty());
+  EXPECT_TRUE(ormel.solution.OfOlderModel);
+  EXPECT_EQ(test.view.zooms, std::vector{Zoom::kRedrawInPlace}) << "once more, in pale colours";
   EXPECT_EQ(test.ui.LastText(),
             "This change may make the current solution inconsistent with your\n"
             "current element layout.  Do you want to remove the current solution\n"

@@ -261,11 +261,13 @@ TEST(Driver, AnInterruptedRunIsTakenBack) {
       std::filesystem::copy_file(entry.path(), p.dir / entry.path().filename().string());
     for (const char* file : {"town.SOL", "town.XTR", "town.OUT"}) WriteAll(p.dir / file, "half");
     WriteAll(p.dir / "town.XTR.4711.tmp", "torn");
+    WriteAll(p.dir / "_RUN.JNL.4711-12.tmp", "torn");
     EXPECT_TRUE(TakeBackInterruptedRun(p.ormel));
     EXPECT_EQ(ReadAll(p.dir / "town.SOL"), committing ? "half" : "old");
     EXPECT_EQ(ReadAll(p.dir / "town.XTR"), committing ? "half" : "old");
     EXPECT_EQ(FileExists(p.dir / "town.OUT"), committing) << "was not there before the run";
-    for (const char* file : {"_RUN.JNL", "town.SOL.before", "town.XTR.before", "town.XTR.4711.tmp"})
+    for (const char* file :
+         {"_RUN.JNL", "_RUN.JNL.4711-12.tmp", "town.SOL.before", "town.XTR.before", "town.XTR.4711.tmp"})
       EXPECT_FALSE(FileExists(p.dir / file)) << file;
     EXPECT_FALSE(TakeBackInterruptedRun(p.ormel));
   }

@@ -49,7 +49,7 @@ TEST(Schema, TablesAndFieldsComeInTheirOrder) {
                {"Model", 48, "AQBase", 34, "CONTOURLevel"},
                {"NoFlowStrings", 8, "PID", 7, "Label"},
                {"Inhomogeneities", 13, "PID", 12, "ChangeA"},
-               {"Project", 5, "Description", 4, "ProjectVersion"},
+               {"Project", 6, "Description", 4, "ProjectVersion"},
                {"TextLabels", 11, "Text", 10, "LabelType"},
                {"Vertices", 5, "VID", 2, "Seq"},
                {"Wells", 19, "VID", 18, "PathlineColor"},

@@ -58,6 +58,18 @@ inline std::string Describe(const DrawCall& call) {
       out << "area " << ColorName(*call.fill) << " opacity " << call.opacity;
       for (const FinePoint& p : call.fine) out << ' ' << std::lround(p.x) << ',' << std::lround(p.y);
       break;
+    case DrawKind::kAreas:
+      out << "areas " << ColorName(*call.fill) << " opacity " << call.opacity;
+      for (const std::vector<FinePoint>& ring : call.rings) {
+        out << " ring";
+        for (const FinePoint& p : ring) out << ' ' << std::lround(p.x) << ',' << std::lround(p.y);
+      }
+      break;
+    case DrawKind::kPicture:
+      out << "picture " << call.pixels->width << 'x' << call.pixels->height;
+      for (const FinePoint& p : {call.place.upper_left, call.place.upper_right, call.place.lower_left})
+        out << ' ' << p.x << ',' << p.y;
+      break;
     case DrawKind::kPolygon:
       out << "area";
       pen();

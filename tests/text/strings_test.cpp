@@ -77,7 +77,9 @@ TEST(Text, CountsCharactersNotBytes) {
   EXPECT_EQ(TextLeft("\u00fc\u00fc\u00fc", 2), "\u00fc\u00fc");
   EXPECT_EQ(TextLeft("ab", 5), "ab");
   EXPECT_EQ(ToUtf8("S\u00fcd \u20ac"), "S\u00fcd \u20ac");
-  EXPECT_EQ(ToUtf8("S\xfc" "d \x80\x9f"), "S\u00fcd \u20ac\u0178");
+  EXPECT_EQ(ToUtf8("S\xfc"
+                   "d \x80\x9f"),
+            "S\u00fcd \u20ac\u0178");
   EXPECT_EQ(SQLSafe("O'Neill's"), "O''Neill''s");
   EXPECT_EQ(Trim(" \ta b\r\n"), "a b");
   EXPECT_EQ(Trim("  "), "");

@@ -260,6 +260,14 @@ TEST(Pathlines, WriteTheirMarksToTheScratchFiles) {
   EXPECT_EQ(ReadAll(t.dir / "TICMARKST.TIC"), " 40            0 \r\n 80            0 \r\n");
   EXPECT_EQ(ReadAll(t.dir / "TICMARKSZ.TIC"),
             " 25            0             2 \r\n 75            0             1 \r\n");
+
+  // What is not wholly a number is asked about, and an emptied box changes nothing.
+  t.ui.InputTo("Elevation Tics", "2,5");
+  t.ui.InputTo("Elevation Tics", "");
+  t.ui.AnswerTo("Not Wholly a Number", {Answer::kNo});
+  ZMARKS(t.ormel, true);
+  EXPECT_EQ(t.ui.LastTitle(), "Not Wholly a Number");
+  EXPECT_EQ(t.ormel.solution.ElevationTicSpacing, 10.0);
   std::filesystem::remove(t.dir / "TICMARKST.TIC");
   t.Redraw();
   EXPECT_FALSE(FileExists(t.dir / "TICMARKST.TIC")) << "drawing writes no file";

@@ -49,6 +49,7 @@ std::vector<DrawCall> CallsOf(const DisplayList& picture, const std::string& lay
 
 TEST(Zones, HaveTheColourOfTimeAndWellAndLieBeneathThePaths) {
   MapProject t;
+  t.ormel.db().Execute("insert into Wells (VID,Label) values (1001,'A'),(1002,'B')");
   for (const char* label : {"A 1 year", "A 10 years", "B 10 years", "sketch"}) {
     const Pid pid = t.AddPolygon("0,0 10,0 10,10.25");
     t.ormel.db().Execute("update Polygons set Closed=1 where PID=?", {pid});
@@ -85,6 +86,8 @@ TEST(Zones, TakeWellAndTimeFromTheTable) {
   };
   add("Wellfield of the old town 10 y", "0,0 20,0 20,20 0,20", "Wellfield of the old town, No. 12", 0);
   add("renamed", "5,5 5,8 8,8 8,5", "Wellfield of the old town, No. 12", 1);
+  t.ormel.db().Execute("insert into Wells (VID,Label) values (1,'by its label')");
+  add("of no well 9 years", "30,0 40,0 40,10", nullptr, 0);
   add("by its label 7 years", "30,0 40,0 40,10", nullptr, 0);
   const Zones zones = ReadZones(t.ormel);
   EXPECT_THAT(zones.times, ::testing::ElementsAre(5.0, 7.0));

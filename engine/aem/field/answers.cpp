@@ -242,7 +242,7 @@ std::vector<StringResult> StringResults(const System& s) {
             if (!r.switched_off) r.error = std::max(r.error, BedError(s, p, stage));
         } else if (!r.switched_off)
           for (int p : s.segment_pieces[k][i])
-            if (!FollowsLaw(s, p)) r.error = std::max(r.error, PieceHeadError(s, p, stage));
+            if (!s.owners[p].blind) r.error = std::max(r.error, PieceHeadError(s, p, stage));
       }
     });
     for (const SegmentResult& r : results[k].segments) results[k].discharge += r.discharge;

@@ -38,7 +38,7 @@ void CheckStringHeads(const System& s, Checks* checks) {
       for (std::size_t i = begin; i < end; ++i)
         if (const int flag = s.flag_of[k][i]; flag < 0 || s.flags[flag] == 0)
           for (int p : s.segment_pieces[k][i])
-            if (!FollowsLaw(s, p))
+            if (!s.owners[p].blind)
               errors[i].Add(PieceHeadError(s, p, stage), s.pieces[p].Middle(), s.pieces[p].Length());
     });
     for (std::size_t i = 0; i < errors.size(); ++i) {
@@ -56,7 +56,8 @@ void CheckEdges(const System& s, Checks* checks) {
       const JumpEdge& edge = s.edges[e];
       if (edge.wall >= 0) continue;
       const Complex toward = (edge.to - edge.from) * Complex{0.0, 1.0};
-      for (int p : edge.pieces)
+      for (int p : edge.pieces) {
+        if (s.owners[p].blind) continue;
         for (const double place : kCheckPlaces) {
           const Complex at = s.pieces[p].Global(place);
           // A dry side has no head that could differ.
@@ -65,6 +66,7 @@ void CheckEdges(const System& s, Checks* checks) {
           const double dry = std::max(edge.left.base, edge.right.base);
           errors[e].Add(std::abs(std::max(left, dry) - std::max(right, dry)), at, s.pieces[p].Length());
         }
+      }
     }
   });
   for (std::size_t e = 0; e < errors.size(); ++e) {

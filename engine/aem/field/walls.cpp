@@ -27,6 +27,20 @@ double LeakageBetween(const System& s, const JumpEdge& edge, Complex a, Complex 
   return sum * std::abs(b - a);
 }
 
+/// A place where an edge ends in links of a power law counts from beyond the smallest of these: what passes
+/// within them, some micrometres, is no leak.
+Complex BeyondLinks(const System& s, const std::vector<int>& edges, Complex at, Complex toward) {
+  constexpr double kLinks = 25.0;  // two links farther, each five times the one before
+  for (int e : edges)
+    for (int p : s.edges[e].pieces) {
+      const Piece& piece = s.pieces[p];
+      const double off = std::min(std::abs(piece.from - at), std::abs(piece.to - at));
+      if (s.owners[p].law && off < 0.1 * piece.Length())
+        return at + kLinks * piece.Length() * (toward - at) / std::abs(toward - at);
+    }
+  return at;
+}
+
 double JumpAt(const System& s, const JumpEdge& edge, Complex at) {
   const Complex toward = (edge.to - edge.from) * Complex{0.0, 1.0};
   return s.Field(at, toward).omega.real() - s.Field(at, -toward).omega.real();
@@ -47,7 +61,7 @@ double ExcessLeakage(const System& s, const std::vector<int>& edges, Complex a, 
     const double low = std::max(0.0, std::min(u, v)), high = std::min(length, std::max(u, v));
     if (high > low) allowed += turned * LeakageBetween(s, edge, a + low * along, a + high * along);
   }
-  return (Flux(s, a, b) - allowed) / length;
+  return (Flux(s, BeyondLinks(s, edges, a, b), BeyondLinks(s, edges, b, a)) - allowed) / length;
 }
 
 std::vector<std::vector<std::vector<int>>> WallEdges(const System& s) {

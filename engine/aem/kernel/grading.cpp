@@ -34,7 +34,7 @@ std::vector<Part> Halved(const std::vector<Part>& parts) {
 std::vector<Part> Divide(EndShape start, EndShape end, const Order& order, double smallest) {
   const int most =
       smallest > 0.0 ? std::max(0, int(std::log(2.0 * std::min(smallest, 0.5)) / std::log(kRatio))) : 99;
-  constexpr int kToPower = 6;
+  constexpr int kToPower = 4;
   const auto levels = [&](EndShape e) {
     if (e.power > 0.0) return std::min(kToPower, most);
     const int asked = Levels(e);

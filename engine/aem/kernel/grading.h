@@ -10,7 +10,7 @@ struct EndShape {
   bool tip = false;   ///< free: the strength behaves like a root of the distance
   double turn = 0.0;  ///< change of direction to the neighbour [rad], 0 straight on
   /// Of a line at a place where heads vary like this power of the distance, 0 where none is known.  The last
-  /// part there follows that law from the part before it.
+  /// part there carries that law, power_law.h.
   double power = 0.0;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <span>
 #include <unordered_map>
 
 #include "aem/input/validate.h"
@@ -114,13 +115,57 @@ void CutEdges(double tolerance, Nodes* nodes, const std::vector<Complex>& at, st
   }
 }
 
+/// Segments of the line-sink strings as drawn lines; cuts of each stand in the system, none as yet.  `ends`
+/// are the nodes of strings without resistance that a head or a level rules.
+struct Strings {
+  std::vector<Drawn> drawn;
+  std::vector<std::pair<int, std::pair<int, int>>> ends;  ///< node; string and segment
+};
+
+Strings DrawStrings(System& s, bool alone, Nodes* nodes) {
+  Strings strings;
+  s.segment_cuts.resize(s.model.line_sinks.size());
+  for (std::size_t k = 0; k < s.model.line_sinks.size(); ++k) {
+    const LineSinkString& line_sink = s.model.line_sinks[k];
+    s.segment_cuts[k].resize(line_sink.segments.size());
+    if (alone) continue;
+    for (std::size_t i = 0; i < line_sink.segments.size(); ++i) {
+      const int a = nodes->Get(line_sink.segments[i].from), b = nodes->Get(line_sink.segments[i].to);
+      if (a == b) continue;
+      strings.drawn.push_back({a, b, -1, -1, int(i), int(k), {}});
+      if (line_sink.kind != LineSinkKind::kDischarge && !Resists(line_sink))
+        for (int node : {a, b}) strings.ends.emplace_back(node, std::pair{int(k), int(i)});
+    }
+  }
+  return strings;
+}
+
+/// Edges of domains and walls between neighbouring nodes, each once: a wall goes before the edge it lies on.
+void CollectEdges(System& s, std::span<const Drawn> drawn, Arrangement* result) {
+  s.rings.assign(s.model.domains.size(), {});
+  std::map<std::pair<int, int>, std::size_t> known;
+  for (const Drawn& d : drawn) {
+    for (std::size_t i = 0; i + 1 < d.on.size(); ++i) {
+      const int a = d.on[i].second, b = d.on[i + 1].second;
+      if (a == b) continue;
+      if (d.domain >= 0) s.rings[d.domain].push_back(result->nodes[a]);
+      const auto [entry, added] = known.try_emplace({std::min(a, b), std::max(a, b)}, result->edges.size());
+      if (added) {
+        result->edges.push_back({a, b, d.wall, d.domain, d.segment});
+      } else if (d.wall >= 0 && result->edges[entry->second].wall < 0) {
+        const int domain = result->edges[entry->second].domain;
+        result->edges[entry->second] = {a, b, d.wall, domain, d.segment};
+      }
+    }
+  }
+}
+
 }  // namespace
 
 Arrangement Arrange(System& s) {
   Arrangement result;
   Nodes nodes(s.tolerance, &result.nodes);
-  std::vector<Drawn> drawn, strings;
-  std::vector<std::pair<int, std::pair<int, int>>> ends;
+  std::vector<Drawn> drawn;
   for (std::size_t d = 0; d < s.model.domains.size(); ++d) {
     const std::vector<LabelledPoint>& ring = s.model.domains[d].ring;
     if (!EnclosesArea(CleanRing(ring, s.tolerance), s.tolerance)) continue;
@@ -130,21 +175,9 @@ Arrangement Arrange(System& s) {
     const bool closed = s.model.walls[w].kind != WallKind::kOpen;
     AddDrawn(CornersOf(s.model.walls[w].points, closed, &nodes), closed, -1, int(w), &drawn);
   }
-  s.segment_cuts.resize(s.model.line_sinks.size());
-  for (std::size_t k = 0; k < s.model.line_sinks.size(); ++k) {
-    const std::vector<LineSinkSegment>& segments = s.model.line_sinks[k].segments;
-    s.segment_cuts[k].resize(segments.size());
-    if (drawn.empty()) continue;
-    for (std::size_t i = 0; i < segments.size(); ++i) {
-      const int a = nodes.Get(segments[i].from), b = nodes.Get(segments[i].to);
-      if (a == b) continue;
-      strings.push_back({a, b, -1, -1, int(i), int(k), {}});
-      if (s.model.line_sinks[k].kind != LineSinkKind::kDischarge && !Resists(s.model.line_sinks[k]))
-        for (int node : {a, b}) ends.emplace_back(node, std::pair{int(k), int(i)});
-    }
-  }
+  const Strings strings = DrawStrings(s, drawn.empty(), &nodes);
   const std::size_t edges = drawn.size();
-  drawn.insert(drawn.end(), strings.begin(), strings.end());
+  drawn.insert(drawn.end(), strings.drawn.begin(), strings.drawn.end());
   CutEdges(s.tolerance, &nodes, result.nodes, edges, &drawn);
   for (std::size_t i = edges; i < drawn.size(); ++i)
     for (const auto& [position, node] : drawn[i].on)
@@ -155,28 +188,12 @@ Arrangement Arrange(System& s) {
     for (const auto& [position, node] : drawn[i].on) result.on_string[node] = true;
   result.string_ends.assign(result.nodes.size(), 0);
   result.ending.assign(result.nodes.size(), {-1, -1});
-  for (const auto& [node, segment] : ends) {
+  for (const auto& [node, segment] : strings.ends) {
     ++result.string_ends[node];
     result.ending[node] = segment;
   }
   drawn.resize(edges);
-
-  s.rings.assign(s.model.domains.size(), {});
-  std::map<std::pair<int, int>, std::size_t> known;
-  for (const Drawn& d : drawn) {
-    for (std::size_t i = 0; i + 1 < d.on.size(); ++i) {
-      const int a = d.on[i].second, b = d.on[i + 1].second;
-      if (a == b) continue;
-      if (d.domain >= 0) s.rings[d.domain].push_back(result.nodes[a]);
-      const auto [entry, added] = known.try_emplace({std::min(a, b), std::max(a, b)}, result.edges.size());
-      if (added) {
-        result.edges.push_back({a, b, d.wall, d.domain, d.segment});
-      } else if (d.wall >= 0 && result.edges[entry->second].wall < 0) {
-        const int domain = result.edges[entry->second].domain;
-        result.edges[entry->second] = {a, b, d.wall, domain, d.segment};
-      }
-    }
-  }
+  CollectEdges(s, drawn, &result);
   return result;
 }
 

@@ -168,7 +168,8 @@ LocalRow LocalValues(const System& s, const Control& c) {
     row.unknown[row.count] = t.unknown;
     const bool left_to_edges = KindOf(c.condition) != FieldKind::kPotential &&
                                std::size_t(t.unknown) < s.edge_only.size() && s.edge_only[t.unknown] != 0;
-    row.test[row.count] = left_to_edges ? 0.0 : by_slope ? slope : value;
+    const double test = (by_slope ? slope : value - c.test_cut) / (1.0 - c.test_cut);
+    row.test[row.count] = left_to_edges ? 0.0 : test;
     row.value[row.count++] = value;
   }
   return row;

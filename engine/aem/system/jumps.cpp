@@ -9,8 +9,8 @@
 #include <cmath>
 
 #include "aem/kernel/grading.h"
+#include "aem/kernel/power_law.h"
 #include "aem/kernel/wedge.h"
-#include "aem/linear/linear.h"
 #include "aem/system/arrangement.h"
 #include "aem/system/refine.h"
 #include "aem/system/system.h"
@@ -76,7 +76,7 @@ void MakeNode(System& s, Junction* node, bool on_string, double power, std::vect
       if (right >= 0) jump.emplace_back(right, -sign);
     }
     const double turn = m == 1 ? 0.0 : any_wall && any_edge ? 2.0 : on_string ? 1.0 : TurnAt(around, i);
-    const EndShape shape{m == 1, turn, m == 1 ? 0.0 : power};
+    const EndShape shape{m == 1 && power == 0.0, turn, power};
     if (arrives) {
       (*ends)[edge].end = jump;
       (*ends)[edge].end_shape = shape;
@@ -125,48 +125,8 @@ void MakeTerms(System& s, int index, const Combination& at_from, const Combinati
   }
 }
 
-/// Legendre coefficients on (-1, 1) of 1 - (r/e)^p, r the distance from -1 and e all of it, that keep its
-/// values at both ends: a line and bubbles that fit it in the mean.
-std::array<double, kMaxBasis> PowerLaw(double power, int size) {
-  const GaussRule rule = Gauss(48);
-  std::array<double, kMaxBasis> c{0.5, -0.5};
-  const int bubbles = size - 2;
-  std::vector<double> matrix(std::size_t(bubbles) * bubbles, 0.0), right(std::size_t(bubbles), 0.0);
-  for (int q = 0; q < rule.size; ++q) {
-    // u^4 brings points to where the law is steep.
-    const double u = 0.5 * (1.0 + rule.x[q]), r = u * u * u * u, weight = 4.0 * u * u * u * rule.w[q];
-    std::array<double, kMaxBasis + 1> p;
-    LegendreP(2.0 * r - 1.0, kMaxBasis, p.data());
-    const double rest = 1.0 - std::pow(r, power) - (1.0 - r);
-    for (int i = 0; i < bubbles; ++i) {
-      right[i] += weight * (p[i + 2] - p[i]) * rest;
-      for (int j = 0; j < bubbles; ++j)
-        matrix[i * bubbles + j] += weight * (p[i + 2] - p[i]) * (p[j + 2] - p[j]);
-    }
-  }
-  if (bubbles > 0) SolveDense(&matrix, &right, std::size_t(bubbles), 1);
-  for (int i = 0; i < bubbles; ++i) {
-    c[i + 2] += right[i];
-    c[i] -= right[i];
-  }
-  return c;
-}
-
-/// The last piece before a place where heads follow a power of the distance, from its jumps at both ends
-/// alone.
-void MakePowerTerms(System& s, int index, const Combination& at_node, const Combination& away,
-                    bool node_first, double power) {
-  const Piece& piece = s.pieces[index];
-  std::array<double, kMaxBasis> law = PowerLaw(power, piece.size);
-  for (int n = 1; n < piece.size && !node_first; n += 2) law[n] = -law[n];
-  for (int n = 0; n < piece.size; ++n) {
-    for (const auto& [unknown, factor] : at_node) AddTerm(&s.terms[index], unknown, n, factor * law[n]);
-    for (const auto& [unknown, factor] : away)
-      AddTerm(&s.terms[index], unknown, n, factor * ((n == 0 ? 1.0 : 0.0) - law[n]));
-  }
-}
-
-void AddControls(System& s, int index, bool reversed) {
+/// `weight`: of the condition of an edge, by that of the length.  `test_cut`: of a wall, as in Control.
+void AddControls(System& s, int index, bool reversed, double weight = 1.0, double test_cut = 0.0) {
   const Piece& p = s.pieces[index];
   const JumpEdge& edge = s.edges[s.owners[index].edge];
   const GaussRule rule = Gauss(OrderOf(s, s.owners[index].edge).points);
@@ -182,11 +142,13 @@ void AddControls(System& s, int index, bool reversed) {
     c.right = reversed ? edge.left : edge.right;
     if (edge.wall < 0) {
       c.condition = Condition::kEdge;
+      c.weight *= weight;
       s.controls.push_back(c);
       continue;
     }
     // integral of v times the flow, by parts for the doublets: minus integral v Psi' = integral v' Psi - [v
     // Psi]
+    c.test_cut = test_cut;
     c.condition = Condition::kWall;
     s.controls.push_back(c);
     c.condition = Condition::kWallStream;
@@ -239,6 +201,49 @@ std::vector<double> StringEnds(const System& s, Complex from, Complex to) {
   return positions;
 }
 
+/// What to lower a wall's test function by, so that it begins with 0 beyond the blind links: where powers are
+/// small what passes there would count as much as all the rest.
+double TestCut(const System& s, const JumpEdge& edge, double seen, double power, const Combination& at_node) {
+  const bool alone = std::all_of(at_node.begin(), at_node.end(),
+                                 [&](const auto& part) { return s.edge_only[part.first] != 0; });
+  return edge.wall >= 0 && alone && seen < 1.0 ? std::pow(seen, power) : 0.0;
+}
+
+/// The last part before a place where heads follow a power of the distance, from its jumps at both ends
+/// alone.  The condition of an edge weighs every link alike, since each tells as much of the law as any
+/// other; that of a wall is an integral by parts and keeps its weights.
+void AddPowerPart(System& s, int e, const Part& part, bool at_start, double power, const Combination& at_node,
+                  const Combination& away, bool mixed) {
+  const JumpEdge& edge = s.edges[e];
+  const Complex along = edge.to - edge.from;
+  const double length = (part.end - part.start) * std::abs(along);
+  const double smallest = SmallestLink(edge.from, edge.to) / length;
+  std::vector<Link> links = Links(power, smallest);
+  const double seen = links.size() > kBlindLinks ? links[links.size() - kBlindLinks].far : 0.0;
+  const double test_cut = TestCut(s, edge, seen, power, at_node);
+  if (at_start) std::reverse(links.begin(), links.end());
+  for (const Link& link : links) {
+    const Part placed = Placed(link, part, at_start);
+    Piece piece;
+    piece.kind = PieceKind::kDoublet;
+    piece.size = kMaxBasis;
+    piece.from = edge.from + placed.start * along;
+    piece.to = edge.from + placed.end * along;
+    const int index = s.AddPiece(piece, {-1, -1, placed.start, placed.end, e, true, link.near < seen});
+    LinkCoefficients law = JumpOn(link, power);
+    if (!at_start) law = Reversed(law);
+    for (int n = 0; n < kMaxBasis; ++n) {
+      for (const auto& [unknown, factor] : at_node)
+        AddTerm(&s.terms[index], unknown, n, factor * ((n == 0 ? 1.0 : 0.0) - law[n]));
+      for (const auto& [unknown, factor] : away) AddTerm(&s.terms[index], unknown, n, factor * law[n]);
+    }
+    if (link.near >= seen || (edge.wall >= 0 && test_cut == 0.0))
+      AddControls(s, index, false, 1.0 / (link.far - link.near), test_cut);
+    if (link.near == 0.0 && mixed) AddEndTerm(s, index, at_start);
+    s.edges[e].pieces.push_back(index);
+  }
+}
+
 void MakePieces(System& s, int e, const Ends& ends) {
   const Complex from = s.edges[e].from, to = s.edges[e].to;
   const std::vector<Part> divided =
@@ -250,6 +255,15 @@ void MakePieces(System& s, int e, const Ends& ends) {
     const Part& part = parts[i];
     Combination at_end = ends.end;
     if (i + 1 < parts.size()) at_end = {{s.NewUnknown(), 1.0}};
+    if (i == 0 && ends.start_shape.power > 0.0 && parts.size() > 2) {
+      AddPowerPart(s, e, part, true, ends.start_shape.power, at_start, at_end, ends.start_mixed);
+      at_start = at_end;
+      continue;
+    }
+    if (i + 1 == parts.size() && ends.end_shape.power > 0.0 && parts.size() > 2) {
+      AddPowerPart(s, e, part, false, ends.end_shape.power, at_end, at_start, ends.end_mixed);
+      continue;
+    }
     const bool reversed = part.tip_at_start;
     Piece piece;
     piece.kind = PieceKind::kDoublet;
@@ -262,14 +276,7 @@ void MakePieces(System& s, int e, const Ends& ends) {
     piece.from = from + owner.start * (to - from);
     piece.to = from + owner.end * (to - from);
     const int index = s.AddPiece(piece, owner);
-    const bool by_power[2] = {i == 0 && ends.start_shape.power > 0.0 && parts.size() > 2,
-                              i + 1 == parts.size() && ends.end_shape.power > 0.0 && parts.size() > 2};
-    if (by_power[0] && !piece.tip)
-      MakePowerTerms(s, index, at_start, at_end, true, ends.start_shape.power);
-    else if (by_power[1] && !piece.tip)
-      MakePowerTerms(s, index, at_end, at_start, false, ends.end_shape.power);
-    else
-      MakeTerms(s, index, reversed ? at_end : at_start, reversed ? at_start : at_end, reversed ? -1.0 : 1.0);
+    MakeTerms(s, index, reversed ? at_end : at_start, reversed ? at_start : at_end, reversed ? -1.0 : 1.0);
     AddControls(s, index, reversed);
     if (i == 0 && ends.start_mixed) AddEndTerm(s, index, !reversed);
     if (i + 1 == parts.size() && ends.end_mixed) AddEndTerm(s, index, reversed);
@@ -339,7 +346,7 @@ void FindPowers(System& s, Arrangement* arrangement) {
   arrangement->power.assign(arrangement->nodes.size(), 0.0);
   for (std::size_t n = 0; n < arrangement->nodes.size(); ++n) {
     Junction around = arrangement->around[n];
-    if (around.size() < 2 || arrangement->string_ends[n] != 1) continue;
+    if (around.empty() || arrangement->string_ends[n] != 1) continue;
     std::sort(around.begin(), around.end());
     const auto [string, segment] = arrangement->ending[n];
     const LineSinkSegment& g = s.model.line_sinks[string].segments[segment];
@@ -357,7 +364,7 @@ void FindPowers(System& s, Arrangement* arrangement) {
     if (along_edge) continue;
     const double power = WedgePower(rays, direction);
     // A free end has a power of a half, which its own piece has already; so it is where zones hardly differ.
-    if (std::abs(power - 0.5) < 0.02 || power > 0.95) continue;
+    if (std::abs(power - 0.5) < 0.02) continue;
     arrangement->power[n] = power;
     s.end_power[{string, segment, end}] = power;
   }

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "aem/kernel/grading.h"
+#include "aem/kernel/power_law.h"
 #include "aem/system/refine.h"
 #include "aem/system/system.h"
 
@@ -47,14 +48,15 @@ class Joints {
   std::map<Key, std::vector<Complex>> leaving_;
 };
 
-void AddControls(System& s, int piece, const LineSinkString& string, const Stage& stage) {
+void AddControls(System& s, int piece, const LineSinkString& string, const Stage& stage, int points,
+                 double weight = 1.0) {
   const Piece& p = s.pieces[piece];
   const PieceOwner& owner = s.owners[piece];
-  const GaussRule rule = Gauss(OrderOf(s, owner.string, owner.segment).points);
+  const GaussRule rule = Gauss(points);
   for (int q = 0; q < rule.size; ++q) {
     Control c;
     c.parameter = p.tip ? 0.5 * (1.0 + rule.x[q]) : rule.x[q];
-    c.weight = 0.5 * rule.w[q];
+    c.weight = 0.5 * weight * rule.w[q];
     const double x = PositionOf(p, c.parameter);
     c.at = p.Global(x);
     c.toward = p.Direction() * Complex{0.0, 1.0};
@@ -65,21 +67,33 @@ void AddControls(System& s, int piece, const LineSinkString& string, const Stage
   }
 }
 
-/// The last piece before a place where the density goes like r^(p - 1): its discharge is that of the piece
-/// before it by that law, e^p of (e + l)^p - e^p.
-void TieEnds(System& s, int k, int i) {
-  const std::vector<int>& pieces = s.segment_pieces[k][i];
-  if (pieces.size() < 3) return;
-  for (int end = 0; end < 2; ++end) {
-    const auto power = s.end_power.find({k, i, end});
-    const int last = end == 0 ? pieces.front() : pieces.back();
-    if (power == s.end_power.end() || !s.terms[last].empty()) continue;
-    const int before = end == 0 ? pieces[1] : pieces[pieces.size() - 2];
-    const double e = s.pieces[last].Length(), l = s.pieces[before].Length();
+/// The last part before a place where the density goes like r^(p - 1): one unknown for all of it.  Its
+/// condition weighs every link alike, since each tells as much of the law as any other.
+void AddPowerPart(System& s, const PieceOwner& part, bool at_start, double power, const Stage& stage) {
+  constexpr int kPoints = 3;
+  const LineSinkString& string = s.model.line_sinks[part.string];
+  const LineSinkSegment& segment = string.segments[part.segment];
+  const Complex along = segment.to - segment.from;
+  const double length = (part.end - part.start) * std::abs(along);
+  const std::vector<Link> links = Links(power, SmallestLink(segment.from, segment.to) / length);
+  const int unknown = s.NewUnknown();
+  for (std::size_t j = 0; j < links.size(); ++j) {
+    const Part placed = Placed(links[j], {part.start, part.end, false, false}, at_start);
+    Piece piece;
+    piece.kind = PieceKind::kSink;
+    piece.size = kMaxBasis;
+    piece.from = segment.from + placed.start * along;
+    piece.to = segment.from + placed.end * along;
+    const bool blind = j + kBlindLinks >= links.size();
+    const int index =
+        s.AddPiece(piece, {part.string, part.segment, placed.start, placed.end, -1, true, blind});
+    s.segment_pieces[part.string][part.segment].push_back(index);
     Term t;
-    t.unknown = s.terms[before][0].unknown;
-    t.coefficient[0] = l / e / (std::pow(1.0 + l / e, power->second) - 1.0);
-    s.terms[last].push_back(t);
+    t.unknown = unknown;
+    t.coefficient = DensityOn(links[j], power);
+    if (!at_start) t.coefficient = Reversed(t.coefficient);
+    s.terms[index].push_back(t);
+    if (j == 0 || !blind) AddControls(s, index, string, stage, kPoints, links[j].far - links[j].near);
   }
 }
 
@@ -88,6 +102,12 @@ void AddHeadSegment(System& s, int k, int i, const Stage& stage) {
   const LineSinkSegment& segment = string.segments[i];
   for (const Part& part : s.segment_parts[k][i]) {
     if (s.Ignored(segment.from + 0.5 * (part.start + part.end) * (segment.to - segment.from))) continue;
+    if (const auto power = s.end_power.find({k, i, part.tip_at_start ? 0 : 1});
+        (part.tip_at_start || part.tip_at_end) && power != s.end_power.end() &&
+        s.segment_parts[k][i].size() > 2) {
+      AddPowerPart(s, {k, i, part.start, part.end, -1}, part.tip_at_start, power->second, stage);
+      continue;
+    }
     Piece piece;
     piece.kind = PieceKind::kSink;
     piece.tip = part.tip_at_start || part.tip_at_end;
@@ -96,20 +116,16 @@ void AddHeadSegment(System& s, int k, int i, const Stage& stage) {
     if (part.tip_at_start) std::swap(owner.start, owner.end);
     piece.from = segment.from + owner.start * (segment.to - segment.from);
     piece.to = segment.from + owner.end * (segment.to - segment.from);
-    const bool by_power = (part.tip_at_start && s.end_power.contains({k, i, 0})) ||
-                          (part.tip_at_end && s.end_power.contains({k, i, 1}));
     const int index = s.AddPiece(piece, owner);
     s.segment_pieces[k][i].push_back(index);
-    if (by_power && s.segment_parts[k][i].size() > 2) continue;
     for (int n = 0; n < piece.size; ++n) {
       Term t;
       t.unknown = s.NewUnknown();
       t.coefficient[n] = 1.0;
       s.terms[index].push_back(t);
     }
-    AddControls(s, index, string, stage);
+    AddControls(s, index, string, stage, OrderOf(s, k, i).points);
   }
-  TieEnds(s, k, i);
 }
 
 void AddDischargeSegment(System& s, int k, int i) {
@@ -234,10 +250,6 @@ double Stage::At(int segment, double position) const {
   if (a == b || va == vb) return va;
   const double sa = start_[a] + 0.5 * Length(a), sb = start_[b] + 0.5 * Length(b);
   return sb > sa ? va + (vb - va) * (s - sa) / (sb - sa) : va;
-}
-
-bool FollowsLaw(const System& s, int piece) {
-  return s.pieces[piece].tip && s.terms[piece].size() == 1;
 }
 
 void PlanStrings(System& s) {

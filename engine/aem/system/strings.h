@@ -17,10 +17,6 @@ void PlanStrings(System& system);
 /// corners.
 void BuildStrings(System& system);
 
-/// Whether a piece of a string only carries on the law of the one before it, down to a place where
-/// its density is infinite; heads along it are those of a point.
-bool FollowsLaw(const System& system, int piece);
-
 /// Whether the string's bed resists the flow: a resistance and a width.
 inline bool Resists(const LineSinkString& s) {
   return s.resistance > 0.0 && s.width > 0.0;

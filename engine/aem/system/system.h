@@ -35,6 +35,8 @@ struct PieceOwner {
   int string = -1, segment = -1;  ///< of a sink
   double start = 0.0, end = 1.0;  ///< position of the piece's `from` and `to` along that segment
   int edge = -1;                  ///< of a doublet: index in System::edges
+  bool law = false;               ///< a link that follows a power of the distance to a place, power_law.h
+  bool blind = false;             ///< one of the last of these, see kBlindLinks
 };
 
 /// A straight edge that carries a jump of the potential: between zones, or a wall, or both.
@@ -83,6 +85,7 @@ struct Control {
   bool at_end = false;     ///< kWallStream: the value at an end where the wall meets a domain's edge
   double parameter = 0.0;  ///< on the piece
   double weight = 1.0;
+  double test_cut = 0.0;  ///< on a wall's link: the test function is lowered by this and begins there with 0
   Condition condition = Condition::kHead;
   double head = 0.0;  ///< given
   Zone zone;          ///< at the point; for an edge that on the left

@@ -13,6 +13,7 @@
 
 #include "analysis/calibration_form.h"
 #include "analysis/report_form.h"
+#include "exchange/feature_import_form.h"
 #include "model/barriers.h"
 #include "model/delete.h"
 #include "model/inhomogeneities.h"
@@ -24,6 +25,7 @@
 #include "ormel/form_dialog.h"
 #include "ormel/output_forms.h"
 #include "shell/about.h"
+#include "shell/crs_form.h"
 #include "shell/gui_options_form.h"
 #include "shell/new_database_wizard.h"
 #include "shell/project_settings.h"
@@ -69,6 +71,8 @@ Forms AllForms(Ormel& ormel) {
   Add<GUIOptions>(forms, ormel);
   Add<NewDatabaseWizard>(forms, ormel);
   Add<ProjectSettings>(forms, ormel);
+  Add<CrsForm>(forms, ormel);
+  Add<FeatureImportForm>(forms, ormel);
   Add<RestoreWindowForm>(forms, ormel);
   Add<ResultOverlay>(forms, ormel, OverlaySettings{});
   Add<WHPAArbitrary>(forms, ormel, std::vector<WhpaWell>(2));

@@ -1,4 +1,5 @@
-// The kinds of elements as the command line names them, and the fields that their dialogs can set.
+// The fields of the elements that their dialogs can set: as the command line names them, and as a sheet of
+// properties shows them.
 #pragma once
 
 #include <span>
@@ -6,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/form.h"
 #include "core/types.h"
-#include "shell/batch_interface.h"
 
 namespace ormel {
 
@@ -30,7 +31,16 @@ struct KindRow {
 
 std::span<const KindRow> KindRows();
 
-/// What the dialog's controls get for a field's new value.
-std::vector<BatchSetting> SettingsOf(const KindRow& row, const Property& property, const std::string& value);
+/// Null for a kind without properties.
+const KindRow* FindKindRow(Element element);
+
+struct ControlSetting {
+  std::string control, value;
+};
+/// What the dialog's controls get for a field's new value; nothing for a text where a number chooses one of
+/// several controls.
+std::vector<ControlSetting> SettingsOf(const Property& property, const std::string& value);
+/// As a user does it: a text, a box or option ("yes", "true" or a number other than 0 mean on).
+void SetControl(Form& form, const ControlSetting& setting);
 
 }  // namespace ormel

@@ -1,6 +1,7 @@
-#include "ormelcmd/element_properties.h"
+#include "model/element_properties.h"
 
-#include "ormelcmd/session.h"
+#include <algorithm>
+
 #include "text/numbers.h"
 #include "text/strings.h"
 
@@ -81,22 +82,37 @@ std::span<const KindRow> KindRows() {
   return kRows;
 }
 
-std::vector<BatchSetting> SettingsOf(const KindRow& row, const Property& property, const std::string& value) {
-  const std::string form(row.form);
-  std::vector<BatchSetting> settings;
-  if (!property.with.empty()) settings.push_back({form, std::string(property.with), "yes"});
+const KindRow* FindKindRow(Element element) {
+  const auto* found = std::find_if(std::begin(kRows), std::end(kRows),
+                                   [element](const KindRow& row) { return row.element == element; });
+  return found == std::end(kRows) ? nullptr : found;
+}
+
+std::vector<ControlSetting> SettingsOf(const Property& property, const std::string& value) {
+  std::vector<ControlSetting> settings;
+  if (!property.with.empty()) settings.push_back({std::string(property.with), "yes"});
   std::string control(property.control);
   if (const std::size_t star = control.find('*'); star != std::string::npos) {
-    if (!IsNumeric(value))
-      throw UserError(std::string(property.name) + ": \"" + value + "\" is not a number");
+    if (!IsNumeric(value)) return {};
     control.replace(star, 1, std::string(Trim(value)));
-    settings.push_back({form, control, "yes"});
+    settings.push_back({control, "yes"});
   } else if (!property.off.empty() && !IsYes(value)) {
-    settings.push_back({form, std::string(property.off), "yes"});
+    settings.push_back({std::string(property.off), "yes"});
   } else {
-    settings.push_back({form, control, value});
+    settings.push_back({control, value});
   }
   return settings;
+}
+
+void SetControl(Form& form, const ControlSetting& setting) {
+  for (const ControlSpec& spec : form.Controls()) {
+    if (!EqualNoCase(spec.name, setting.control)) continue;
+    if (spec.kind == ControlKind::kCheck || spec.kind == ControlKind::kOption)
+      form.SetChecked(spec.name, IsYes(setting.value));
+    else
+      form.SetText(spec.name, setting.value);
+    return;
+  }
 }
 
 }  // namespace ormel

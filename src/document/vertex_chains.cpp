@@ -1,4 +1,4 @@
-#include "view/vertex_chains.h"
+#include "document/vertex_chains.h"
 
 #include <algorithm>
 #include <string>
