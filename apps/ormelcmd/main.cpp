@@ -37,6 +37,7 @@ int Run(int argc, char** argv) {
   app.fallthrough();
   AddCommonOptions(app, program.common);
   ormel::AddProjectCommands(app, program);
+  ormel::AddCareCommands(app, program);
   ormel::AddElementCommands(app, program);
   ormel::AddListCommands(app, program);
   ormel::AddSolveCommands(app, program);

@@ -20,6 +20,7 @@ struct Program {
 };
 
 void AddProjectCommands(CLI::App& app, Program& program);  ///< new, set, window
+void AddCareCommands(CLI::App& app, Program& program);     ///< update, check
 void AddElementCommands(CLI::App& app, Program& program);  ///< add ...
 void AddListCommands(CLI::App& app, Program& program);     ///< list ..., delete ...
 void AddSetKinds(CLI::App& set, Program& program);         ///< set of elements

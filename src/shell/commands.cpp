@@ -31,6 +31,7 @@
 #include "model/undo.h"
 #include "model/uniform_flow.h"
 #include "shell/about.h"
+#include "shell/check_project.h"
 #include "shell/export_geopackage.h"
 #include "shell/gui_options_form.h"
 #include "shell/help.h"
@@ -272,6 +273,10 @@ void DatabaseViewer(Ormel& ormel, int /*index*/) {
 
 void Repair(Ormel& ormel, int /*index*/) {
   DBRepair(ormel);
+}
+
+void Check(Ormel& ormel, int /*index*/) {
+  CheckProject(ormel);
 }
 
 void InspectorSettings(Ormel& ormel, int /*index*/) {

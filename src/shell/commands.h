@@ -66,6 +66,7 @@ void ExportFile(Ormel& ormel, int index);
 void ExportTable(Ormel& ormel, int index);
 void DatabaseViewer(Ormel& ormel, int index);
 void Repair(Ormel& ormel, int index);
+void Check(Ormel& ormel, int index);
 void InspectorSettings(Ormel& ormel, int index);
 void IntegrityCheck(Ormel& ormel, int index);
 

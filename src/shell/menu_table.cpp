@@ -190,6 +190,7 @@ constexpr std::array kItems = std::to_array<MenuItem>({
     {"SolverIntegrityCheck", 0, "Solver Integrity Check", "TOOLSMENU", 0, kCheck, "", c::IntegrityCheck},
     {"TOOLS_CMDS", 5, "Ormel Database &Viewer", "TOOLSMENU", 0, kProject | kLine, "", c::DatabaseViewer},
     {"DBRepair", 0, "Database Repair..", "TOOLSMENU", 0, kProject, "", c::Repair},
+    {"CHECKPROJECT", 0, "Check Project...", "TOOLSMENU", 0, kProject, "", c::Check},
     {"TOOLS_CMDS", 6, "Ormel Base Map Browser", "TOOLSMENU", 0, kLine},
     {"REPROJECT", 0, "Reproject Maps...", "TOOLSMENU", 0, kPlain},
 

@@ -14,11 +14,15 @@
 #include "core/run_files.h"
 #include "core/status.h"
 #include "core/user_interface.h"
+#include "shell/check_project.h"
+#include "shell/update.h"
 #include "solver/extents.h"
 #include "store/bulk.h"
+#include "store/checksums.h"
 #include "store/database.h"
 #include "store/schema.h"
 #include "store/store_error.h"
+#include "store/update.h"
 #include "store/view.h"
 #include "text/files.h"
 
@@ -28,9 +32,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kCannotOpen = "Can't open database";
-/// The version of a project from before versions were stored.
-constexpr std::int64_t kFirstVersion = 100;
-
 constexpr const char* kOffer = "Open it for viewing only?";
 
 bool TestReadOnly(Ormel& ormel, const std::string& path, bool* view) {
@@ -59,6 +60,12 @@ bool OfferView(Ormel& ormel, const StoreError& refusal, bool* view) {
   return *view;
 }
 
+/// A project that has none yet, or whose changes the user has just taken as they are, gets them.
+void KeepChecksums(Ormel& ormel) {
+  Database& db = ormel.db();
+  if (!db.HasTable("Checksums") || !ForeignChanges(db).empty()) AcceptContents(db);
+}
+
 bool OfferNewDatabase(Ormel& ormel, const std::string& path) {
   if (const std::string fault = FaultOfProjectName(path); !fault.empty()) {
     Inform(ormel, "No Such File", path + "\nThe specified project database does not exist.  " + fault,
@@ -82,20 +89,44 @@ bool OfferNewDatabase(Ormel& ormel, const std::string& path) {
   return true;
 }
 
+/// What something else than Ormel has changed, as a question; true when the user goes on with it.
+bool AcceptForeign(Ormel& ormel, const std::vector<ChangedTable>& changed) {
+  if (changed.empty()) return true;
+  std::string text = "This project was changed by something else than Ormel since it was last saved:\n";
+  for (const ChangedTable& one : changed) {
+    text += one.table + ": ";
+    text += one.rows_then == one.rows_now
+                ? "contents of its " + std::to_string(one.rows_now) + " rows"
+                : std::to_string(one.rows_then) + " rows then, " + std::to_string(one.rows_now) + " now";
+    text += "\n";
+  }
+  text +=
+      "If you changed it yourself by another program, answer Yes, and look at the model before you trust "
+      "it.\n"
+      "If not, a disk may have changed a number: answer No, and go on with a copy from before.\n"
+      "Open it as it is?";
+  return AskYesNo(ormel, "Changed Outside Ormel", text, Icon::kWarning);
+}
+
 /// Nothing when the file cannot be read as a project; the user has been told.
 std::optional<std::int64_t> ReadVersion(Ormel& ormel, const std::string& path, bool* view) {
   const bool viewing = view != nullptr && *view;
   try {
     Database db = Database::Open(path, viewing ? OpenMode::kView : OpenMode::kReadOnly);
-    if (!db.HasField("Project", "ProjectVersion")) return kFirstVersion;
-    return db.Scalar("select ProjectVersion from Project;").AsLong();
+    const std::int64_t version = VersionOf(db);
+    if (version == schema::kProjectVersion && !AcceptForeign(ormel, ForeignChanges(db))) return std::nullopt;
+    return version;
   } catch (const StoreError& e) {
-    if (!OfferView(ormel, e, view)) return std::nullopt;
+    if (e.code() == StoreErrorCode::kDamaged && !viewing && !IsReadOnly(path)) {
+      if (!OfferSalvage(ormel, path, e.what())) return std::nullopt;
+    } else if (!OfferView(ormel, e, view)) {
+      return std::nullopt;
+    }
   }
   return ReadVersion(ormel, path, view);
 }
 
-bool TestVersion(Ormel& ormel, std::int64_t version) {
+bool TestVersion(Ormel& ormel, const std::string& path, std::int64_t version, bool view) {
   if (version > schema::kProjectVersion) {
     Inform(ormel, kCannotOpen,
            Lines({"The project database was written by a newer version of Ormel.",
@@ -104,6 +135,13 @@ bool TestVersion(Ormel& ormel, std::int64_t version) {
     return false;
   }
   if (version == schema::kProjectVersion) return true;
+  if (view && IsReadOnly(path)) {
+    Inform(ormel, "Must update",
+           Lines({"Can't open this project database unless it is updated.",
+                  "It is read-only: copy it to a folder of your own and open the copy."}),
+           Icon::kStop);
+    return false;
+  }
   if (!AskYesNo(ormel, "Version Update",
                 Lines({"The project database needs to be updated for use with this version of Ormel.",
                        "If you press Yes, the project will be updated.  This will make the project",
@@ -113,12 +151,7 @@ bool TestVersion(Ormel& ormel, std::int64_t version) {
     Inform(ormel, "Must update", "Can't open this project database unless it is updated.");
     return false;
   }
-  Inform(ormel, "Must update",
-         "This project has version " + std::to_string(version) + "; this version of Ormel opens version " +
-             std::to_string(schema::kProjectVersion) +
-             " and cannot update older projects yet.\nThe file has not been changed.",
-         Icon::kStop);
-  return false;
+  return DBUpdate(ormel, path, version);
 }
 
 bool SameFolder(const std::string& a, const std::string& b) {
@@ -191,12 +224,14 @@ bool TestProjectFile(Ormel& ormel, const std::string& path, bool* view) {
 
 bool TestProjectVersion(Ormel& ormel, const std::string& path, bool* view) {
   const std::optional<std::int64_t> version = ReadVersion(ormel, path, view);
-  return version && TestVersion(ormel, *version);
+  return version && TestVersion(ormel, path, *version, view != nullptr && *view);
 }
 
 bool OpenConnection(Ormel& ormel, const std::string& path, bool* view) {
   try {
-    AttachProject(ormel, path, view != nullptr && *view);
+    const bool viewing = view != nullptr && *view;
+    AttachProject(ormel, path, viewing);
+    if (!viewing) KeepChecksums(ormel);
     return true;
   } catch (const StoreError& e) {
     if (!OfferView(ormel, e, view)) return false;

@@ -40,11 +40,16 @@ void Connection::Install() {
       this);
   // Installed before any statement is prepared: without it a deletion of all rows goes unseen.
   log_ = std::make_unique<ChangeLog>(handle_);
+  sums_ = std::make_unique<SumKeeper>(handle_);
   sqlite3_preupdate_hook(
       handle_,
-      [](void* log, sqlite3*, int operation, const char*, const char* table, sqlite3_int64 row,
-         sqlite3_int64 new_row) { static_cast<ChangeLog*>(log)->Touch(operation, table, row, new_row); },
-      log_.get());
+      [](void* self, sqlite3*, int operation, const char*, const char* table, sqlite3_int64 row,
+         sqlite3_int64 new_row) {
+        const auto* connection = static_cast<Connection*>(self);
+        connection->log_->Touch(operation, table, row, new_row);
+        connection->sums_->Touch(operation, table, row, new_row);
+      },
+      this);
   sqlite3_rollback_hook(
       handle_, [](void* self) { static_cast<Connection*>(self)->ForgetCounts(); }, this);
 }
@@ -69,7 +74,19 @@ std::string Connection::Image() const {
 void Connection::Close() {
   if (handle_ == nullptr) return;
   int code = SQLITE_OK;
-  if (sqlite3_get_autocommit(handle_) == 0) code = sqlite3_exec(handle_, "COMMIT", nullptr, nullptr, nullptr);
+  const bool open = sqlite3_get_autocommit(handle_) == 0;
+  if (open || (!read_only_ && sums_->pending())) {
+    if (!open) code = sqlite3_exec(handle_, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+    try {
+      // Let go without Close: nothing can be read any more, and no checksums are better than wrong ones.
+      if (!weak_from_this().expired())
+        WriteSums();
+      else if (sums_->pending())
+        sqlite3_exec(handle_, "DROP TABLE IF EXISTS Checksums", nullptr, nullptr, nullptr);
+    } catch (const StoreError&) {  // NOLINT(bugprone-empty-catch): the commit fails for the same reason
+    }
+    if (code == SQLITE_OK) code = sqlite3_exec(handle_, "COMMIT", nullptr, nullptr, nullptr);
+  }
   std::string message;
   StoreErrorCode store_code = StoreErrorCode::kOther;
   if (code != SQLITE_OK) {
@@ -250,7 +267,12 @@ void Connection::ForgetCounts() {
   for (auto& [name, state] : states_) state.count = -1;
 }
 
+void Connection::WriteSums() {
+  if (!read_only_) sums_->Write(*this);
+}
+
 void Connection::ForgetTables() {
+  sums_->Forget();
   ForgetCounts();
   tables_.clear();
 }
@@ -281,6 +303,7 @@ void Connection::Commit() {
   const int outer = depth_ - 1;
   try {
     RefuseAfterUndoing();
+    if (outer == 0) WriteSums();
     depth_ = outer;
     Run(outer > 0 ? "RELEASE s" + std::to_string(outer) : "COMMIT");
   } catch (const StoreError&) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "store/change_log.h"
+#include "store/checksums.h"
 #include "store/schema.h"
 #include "store/store_error.h"
 #include "store/value.h"
@@ -146,6 +147,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void RowChanged(int operation, const char* table, std::int64_t row);
   TableState& State(std::string_view table);
   void RefuseAfterUndoing();
+  void WriteSums();
 
   sqlite3* handle_;
   std::string path_;
@@ -155,6 +157,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   std::uint64_t change_count_ = 0;
   std::uint64_t clock_ = 0;
   std::unique_ptr<ChangeLog> log_;
+  std::unique_ptr<SumKeeper> sums_;
   std::unordered_map<std::string, std::shared_ptr<PreparedStatement::Entry>> cache_;
   std::unordered_set<PreparedStatement::Entry*> live_;
   std::unordered_map<std::string, std::unique_ptr<TableInfo>> tables_;  // by folded name

@@ -1,6 +1,9 @@
 #include "store/database.h"
 
+#include <algorithm>
+#include <array>
 #include <exception>
+#include <optional>
 #include <utility>
 
 #include "store/connection.h"
@@ -21,6 +24,13 @@ Connection& Opened(const std::shared_ptr<Connection>& connection) {
 void BindAll(PreparedStatement& statement, std::initializer_list<Value> parameters) {
   int index = 0;
   for (const Value& value : parameters) statement.Bind(++index, value);
+}
+
+bool Changes(const std::string& sql) {
+  const std::vector<dialect::Token> tokens = dialect::Tokenize(sql);
+  constexpr std::array kWords{"insert", "update", "delete", "replace", "create", "alter", "drop"};
+  return !tokens.empty() && std::any_of(kWords.begin(), kWords.end(),
+                                        [&tokens](const char* word) { return tokens[0].IsWord(word); });
 }
 
 /// What a statement does, by its first word: rows one by one, many rows unseen, or the tables themselves.
@@ -78,12 +88,19 @@ std::int64_t Database::Execute(std::string_view sql, std::initializer_list<Value
   Connection& connection = Opened(connection_);
   const std::string native = dialect::Translate(sql);
   std::int64_t changed = 0;
-  {
+  // With the checksums of what it changes.
+  std::optional<Transaction> alone;
+  if (connection.depth() == 0 && !connection.read_only() && Changes(native)) alone.emplace(*this);
+  try {
     PreparedStatement statement(connection_, native);
     BindAll(statement, parameters);
     changed = statement.Run();
+  } catch (...) {
+    if (alone) alone->Rollback();
+    throw;
   }
   NoteEffect(connection, native);
+  if (alone) alone->Commit();
   return changed;
 }
 

@@ -11,6 +11,7 @@
 namespace ormel {
 
 class Database;
+struct NewDatabaseOptions;
 
 namespace schema {
 
@@ -61,6 +62,11 @@ std::string FieldDeclaration(const Table& table, const Field& field);
 /// is. For fields that may be empty or have a default.  Throws StoreError.
 void EnsureField(Database& database, std::string_view table, std::string_view field);
 std::string CreateTableSql(const Table& table);
+/// With the defaults that follow from the wizard's answers.
+std::string CreateTableSql(const Table& table, const NewDatabaseOptions& options);
+/// The type as the file declares it, and the default as SQL writes it.
+std::string_view Declaration(FieldType type);
+std::string DefaultSql(const Field& field);
 /// All indexes of the table, as "create index" statements.
 std::vector<std::string> CreateIndexSql(const Table& table);
 

@@ -4,7 +4,9 @@
 
 #include "store/connection.h"
 #include "store/database.h"
+#include "store/field_rules.h"
 #include "store/schema.h"
+#include "text/files.h"
 #include "text/strings.h"
 
 namespace ormel::schema {
@@ -53,13 +55,6 @@ std::string Replace(std::string_view pattern, std::string_view name) {
   return out;
 }
 
-std::string DefaultSql(const Field& field) {
-  if (field.type == FieldType::kText) return "'" + SQLSafe(field.default_value) + "'";
-  if (EqualNoCase(field.default_value, "true")) return "-1";
-  if (EqualNoCase(field.default_value, "false")) return "0";
-  return std::string(field.default_value);
-}
-
 std::string Check(const Table& table, const Field& field) {
   const std::string name = QuoteName(field.name);
   std::string condition;
@@ -96,7 +91,59 @@ std::string IndexSql(const Table& table, std::string_view fields, bool unique, s
          QuoteName(table.name) + "(" + columns + ")";
 }
 
+/// The declarations that depend on the answers of the wizard, put in place of those of the list.
+Field Adapted(const Field& field, const NewDatabaseOptions& options, const std::string& base_name) {
+  Field out = field;
+  const auto give = [&](std::string_view value) {
+    out.default_value = value;
+    out.has_default = true;
+  };
+  if (field.name == "BasemapMeters") give(options.BasemapMeters ? "True" : "False");
+  if (field.name == "ComputeMeters") give(options.ComputeMeters ? "True" : "False");
+  if (field.name == "OrmelBasePath") give(options.working_directory);
+  // A title without "." declares no default; the row of Project has the title all the same.
+  if (field.name == "OrmelBaseName" && base_name != options.file_title) give(base_name);
+  return out;
+}
+
+std::string TooLong(const Field& field) {
+  return "the text is too long, at most " + std::to_string(field.size) + " characters fit; shorten it";
+}
+
 }  // namespace
+
+std::string Condition(const Field& field) {
+  const std::string name = "[" + std::string(field.name) + "]";
+  const std::string condition = field.type == FieldType::kText
+                                    ? "length(" + name + ")<=" + std::to_string(field.size)
+                                    : Replace(EntryOf(field.type).condition, name);
+  return field.required ? name + " is not null and " + condition : name + " is null or (" + condition + ")";
+}
+
+std::string Rule(const Field& field) {
+  if (field.type == FieldType::kText) return TooLong(field);
+  return std::string(EntryOf(field.type).rule) + (field.required ? "" : ", or nothing");
+}
+
+std::string_view Declaration(FieldType type) {
+  return EntryOf(type).declaration;
+}
+
+std::string DefaultSql(const Field& field) {
+  if (field.type == FieldType::kText) return "'" + SQLSafe(field.default_value) + "'";
+  if (EqualNoCase(field.default_value, "true")) return "-1";
+  if (EqualNoCase(field.default_value, "false")) return "0";
+  return std::string(field.default_value);
+}
+
+std::string CreateTableSql(const Table& table, const NewDatabaseOptions& options) {
+  const std::string base_name = BaseName(options.file_title);
+  std::vector<Field> fields;
+  for (const Field& field : table.fields) fields.push_back(Adapted(field, options, base_name));
+  Table adapted = table;
+  adapted.fields = fields;
+  return CreateTableSql(adapted);
+}
 
 std::string TypeName(const Field& field) {
   std::string name(EntryOf(field.type).name);

@@ -28,7 +28,7 @@ const Refusal kRefusals[] = {
     {"no project", [](const std::string& path) { WriteAll(path, "Hello"); }, "Can't open database",
      "town.orm"},
     {"empty", [](const std::string& path) { WriteAll(path, ""); }, "Can't open database", "town.orm"},
-    {"cut", Cut, "Can't open database", "town.orm"},
+    {"cut", Cut, "Damaged Project", "town.orm"},
     {"newer",
      [](const std::string& path) { LifecycleTest::Run(path, "update Project set ProjectVersion=209"); },
      "Can't open database", "newer version of Ormel"},
@@ -41,6 +41,7 @@ TEST_P(OpenRefusal, SaysWhyAndLeavesTheFileAsItWas) {
   FileOpenProject(ormel, Make("present.orm"));
   GetParam().spoil(path);
   ui.AnswerTo("File is Read-only!", {Answer::kNo});
+  ui.AnswerTo("Damaged Project", {Answer::kNo});
   const std::string bytes = ReadAll(path);
   FileOpenProject(ormel, path);
   EXPECT_EQ(ui.LastTitle(), GetParam().title);
@@ -84,17 +85,31 @@ TEST_F(LifecycleTest, AReadOnlyProjectIsViewedAndItsChangesAreKeptInADuplicate) 
   ormel.changes.Unsubscribe(listener);
 }
 
-TEST_F(LifecycleTest, OlderProjectIsAskedForAndLeftAsItIs) {
+TEST_F(LifecycleTest, OlderProjectIsUpdatedOnlyWhenAskedAndKeepsACopy) {
   const std::string path = Make("town.orm");
   Run(path, "update Project set ProjectVersion=207");
-  const std::string bytes = ReadAll(path);
-  ui.AnswerTo("Version Update", {Answer::kNo, Answer::kYes});
+  Run(path, "insert into LinesinkStrings (PID,Label,Width) values (1,'brook',0),(2,'river',5)");
+  const std::string spoilt = ReadAll(path);  // it has a field that only the step adds
+  ui.AnswerTo("Version Update", {Answer::kNo, Answer::kYes, Answer::kYes});
   FileOpenProject(ormel, path);
   EXPECT_EQ(ui.LastText(), "Can't open this project database unless it is updated.");
   FileOpenProject(ormel, path);
-  EXPECT_NE(ui.LastText().find("has not been changed"), std::string::npos);
+  for (const char* words : {"Error occurred during database update", "Step 207 to 208",
+                            "table LinesinkStrings, field Farfield", "town.v207.orm", "as it was"})
+    EXPECT_NE(ui.LastText().find(words), std::string::npos) << words << " in " << ui.LastText();
   EXPECT_FALSE(IsOpen());
-  EXPECT_EQ(ReadAll(path), bytes);
+  EXPECT_EQ(ReadAll(path), spoilt);
+  EXPECT_EQ(ReadAll(dir / "town.v207.orm"), spoilt);
+
+  Run(path, "alter table LinesinkStrings drop column Farfield");
+  const std::string bytes = ReadAll(path);
+  FileOpenProject(ormel, path);
+  EXPECT_TRUE(IsOpen());
+  EXPECT_EQ(ReadAll(dir / "town.v207.orm"), spoilt) << "an older copy stays";
+  EXPECT_EQ(ReadAll(dir / "town.v207-2.orm"), bytes);
+  EXPECT_EQ(ormel.db().Scalar("select Farfield from LinesinkStrings where PID=1").AsLong(), -1);
+  EXPECT_EQ(ormel.db().Scalar("select Farfield from LinesinkStrings where PID=2").AsLong(), 0);
+  EXPECT_EQ(ormel.db().Scalar("select ProjectVersion from Project").AsLong(), 208);
 }
 
 TEST_F(LifecycleTest, ProjectThatAnotherProgramHasOpenIsRefused) {

@@ -37,7 +37,7 @@ TEST(Schema, TablesAndFieldsComeInTheirOrder) {
                                    "Particles", "Polygons", "Project", "TestPoints", "TextLabels", "Vertices",
                                    "Wells", "LSResults", "INResults", "NFResults", "TPResults", "FIResults",
                                    "WLResults", "SavedWindows", "FluxInspect", "Capzones", "Zones",
-                                   "MapLabels", "WHPAs"));
+                                   "MapLabels", "WHPAs", "Checksums"));
   const struct {
     const char* table;
     std::size_t fields;
