@@ -43,6 +43,10 @@ take $programs $(find "$plugins" -name '*.so')
 patchelf --set-rpath '$ORIGIN/lib' $programs
 find "$lib" -name '*.so*' -exec patchelf --set-rpath '$ORIGIN' {} +
 find "$plugins" -name '*.so' -exec patchelf --set-rpath '$ORIGIN/../../lib' {} +
+# Tables of coordinate reference systems, see src/geo/geo_data.h.
+mkdir -p "$to/lib/ormel/geodata/proj" "$to/lib/ormel/geodata/gdal"
+cp -L "$(dpkg -L proj-data | grep '/proj\.db$')" "$to/lib/ormel/geodata/proj/"
+cp -rL "$(dpkg -L gdal-data | grep '/share/gdal$')/." "$to/lib/ormel/geodata/gdal/"
 printf '[Paths]\nPlugins = plugins\n' >"$to/lib/ormel/qt.conf"
 cat >"$to/README.txt" <<EOF
 Ormel $version

@@ -1,5 +1,7 @@
 #include "ormel/program.h"
 
+#include "core/processes.h"
+#include "geo/geo_data.h"
 #include "shell/start.h"
 #include "whpa/run.h"
 
@@ -10,6 +12,7 @@ Program::Program(const Surroundings& surroundings)
       window(ormel, ui),
       view(ormel, &window.map()),
       publisher(ormel, view) {
+  UseGeoData(surroundings.processes.ProgramFolder() + kGeoData);
   ormel.ports = {
       &ui,     &view,     &solver,   &surroundings.processes, &surroundings.settings, &surroundings.clock,
       &window, &document, &publisher};

@@ -9,6 +9,7 @@
 
 #include "core/command.h"
 #include "core/project.h"
+#include "geo/geo_data.h"
 #include "model/vertices.h"
 #include "publish/qt_publisher.h"
 #include "shell/lifecycle.h"
@@ -77,6 +78,7 @@ Session::Session(BatchOptions options) : ui_(std::move(options), std::cerr, "orm
   view_ = std::make_unique<MapViewImpl>(ormel_, nullptr);
   solver_ = std::make_unique<SolverBridge>(ormel_, [](Ormel& ormel) { ormel::ModelRunWHPAs(ormel); });
   publisher_ = std::make_unique<QtPublisher>(ormel_, *view_);
+  UseGeoData(processes_.ProgramFolder() + kGeoData);
   ormel_.ports = {&ui_,    view_.get(), solver_.get(), &processes_,     &settings_,
                   &clock_, nullptr,     nullptr,       publisher_.get()};
   g_interrupted = &ui_;

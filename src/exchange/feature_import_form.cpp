@@ -123,10 +123,12 @@ void FeatureImportForm::Browse() {
   const std::string folder = std::filesystem::path(*path).parent_path().string();
   Put("File", FileTitle(*path) == "gdb" && folder.ends_with(".gdb") ? folder : *path);
   Open();
+  if (!fault_.empty()) Inform(ormel(), kTitle, fault_, Icon::kWarning);
 }
 
 void FeatureImportForm::Open() {
   source_.reset();
+  fault_.clear();
   ControlState& layers = Mutable("Layer");
   layers.items.clear();
   layers.selected.clear();
@@ -134,8 +136,7 @@ void FeatureImportForm::Open() {
   try {
     if (!path.empty()) source_ = std::make_unique<VectorSource>(path);
   } catch (const GeoError& error) {
-    Inform(ormel(), kTitle, error.what(), Icon::kWarning);
-    Focus("File");
+    fault_ = error.what();
   }
   if (source_ != nullptr) {
     for (const VectorLayer& layer : source_->layers()) layers.items.push_back(layer.name);
@@ -148,7 +149,7 @@ void FeatureImportForm::ShowLayer() {
   const VectorLayer* layer = Layer();
   Offer("Check", layer != nullptr);
   Mutable("Rows").table = EmptyTable();
-  Caption("About", layer == nullptr ? "" : About(*source_, *layer));
+  Caption("About", layer == nullptr ? fault_ : About(*source_, *layer));
   if (layer != nullptr && !layer->fields.empty()) {
     std::vector<TableColumn> columns;
     for (const GeoField& field : layer->fields)

@@ -37,6 +37,7 @@ class FeatureImportForm final : public OkCancelForm {
   const FeatureTarget& Target() const;
 
   std::unique_ptr<VectorSource> source_;
+  std::string fault_;  ///< why the file that is typed cannot be read
   std::optional<ImportPlan> plan_;
 };
 

@@ -74,7 +74,7 @@ TEST(ResultsPanelData, remarks_lead_to_the_elements_that_they_name) {
   EXPECT_FALSE(log[1].lines[1].place);
   EXPECT_EQ(log[2].lines[0].text, "head at wells at Town");
   ASSERT_TRUE(log[2].lines[0].place);
-  EXPECT_EQ(log[3].lines[0].value, "5 m^3/day");
+  EXPECT_EQ(log[3].lines[0].value, "5.000 m^3/day");
   EXPECT_TRUE(log[3].lines[1].warning) << "2 percent are missing";
   // The window goes there, and keeps its scale.
   p.ormel.window.SolveWindow = {0, 100, 100, 0};

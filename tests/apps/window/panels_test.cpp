@@ -119,6 +119,7 @@ TEST_F(PanelsTest, PropertiesAreChangedInPlaceAndCanBeUndone) {
   EXPECT_EQ(Selected(), std::vector{Well("North")});
   Item("UNDO")->trigger();
   EXPECT_EQ(stored(), 1200.0);
+  QTest::mouseClick(&Map(), Qt::LeftButton, {}, PixelOf({400, 600}));
   auto* type = qobject_cast<QComboBox*>(panel.Editor("HeadSpecified"));
   ASSERT_NE(type, nullptr);
   EXPECT_EQ(type->currentText(), "Discharge-Specified");
