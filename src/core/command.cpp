@@ -70,7 +70,7 @@ constexpr std::array kForeseen{
     Foreseen{StoreErrorCode::kDiskFull, kFull}, Foreseen{StoreErrorCode::kWrongType, "Value Refused"},
     Foreseen{StoreErrorCode::kReadOnly, kFile}, Foreseen{StoreErrorCode::kInUse, kFile},
     Foreseen{StoreErrorCode::kDamaged, kFile},  Foreseen{StoreErrorCode::kBadPath, kFile},
-    Foreseen{StoreErrorCode::kNotFound, kFile}};
+    Foreseen{StoreErrorCode::kNotFound, kFile}, Foreseen{StoreErrorCode::kDisk, kFile}};
 
 /// What failed, in the words of the exception in flight.
 Description Describe(const std::exception_ptr& failure) {

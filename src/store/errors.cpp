@@ -81,7 +81,7 @@ StoreError InputOutputError(sqlite3* handle, int code, const std::string& path) 
   if (code == SQLITE_IOERR_FSYNC || code == SQLITE_IOERR_DIR_FSYNC || code == SQLITE_IOERR_DELETE ||
       code == SQLITE_IOERR_TRUNCATE || code == SQLITE_IOERR_CLOSE) {
     return {
-        StoreErrorCode::kOther,
+        StoreErrorCode::kDisk,
         Quoted(path) +
             "may or may not have kept the last change: the disk did not confirm it. Check the disk, close "
             "the project, open it again and look; what was saved before is kept."};
@@ -92,8 +92,8 @@ StoreError InputOutputError(sqlite3* handle, int code, const std::string& path) 
     return {StoreErrorCode::kDiskFull, Quoted(path) + kCases[1].text};
   }
   const std::string reason = error == 0 ? "" : " (" + std::generic_category().message(error) + ")";
-  return {StoreErrorCode::kOther, Quoted(path) + "could not be read or written" + reason +
-                                      ". Check the disk; what was saved before is kept."};
+  return {StoreErrorCode::kDisk, Quoted(path) + "could not be read or written" + reason +
+                                     ". Check the disk; what was saved before is kept."};
 }
 
 }  // namespace

@@ -15,6 +15,7 @@ enum class StoreErrorCode : int {
   kNotFound = 3024,  // no such file
   kDiskFull = 3026,
   kNotUpdatable = 3027,
+  kDisk = 3043,  // reading or writing failed, or was not confirmed
   kBadPath = 3044,
   kInUse = 3045,  // open in another program
   kDamaged = 3049,

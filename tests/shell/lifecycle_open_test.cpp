@@ -90,7 +90,7 @@ TEST_F(LifecycleTest, OlderProjectIsUpdatedOnlyWhenAskedAndKeepsACopy) {
   Run(path, "update Project set ProjectVersion=207");
   Run(path, "insert into LinesinkStrings (PID,Label,Width) values (1,'brook',0),(2,'river',5)");
   const std::string spoilt = ReadAll(path);  // it has a field that only the step adds
-  ui.AnswerTo("Version Update", {Answer::kNo, Answer::kYes, Answer::kYes});
+  ui.AnswerTo("Version Update", {Answer::kNo, Answer::kYes, Answer::kOk, Answer::kYes});
   FileOpenProject(ormel, path);
   EXPECT_EQ(ui.LastText(), "Can't open this project database unless it is updated.");
   FileOpenProject(ormel, path);
