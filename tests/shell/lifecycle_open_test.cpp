@@ -88,7 +88,13 @@ TEST_F(LifecycleTest, AReadOnlyProjectIsViewedAndItsChangesAreKeptInADuplicate) 
 TEST_F(LifecycleTest, OlderProjectIsUpdatedOnlyWhenAskedAndKeepsACopy) {
   const std::string path = Make("town.orm");
   Run(path, "update Project set ProjectVersion=207");
-  Run(path, "insert into LinesinkStrings (PID,Label,Width) values (1,'brook',0),(2,'river',5)");
+  Run(path,
+      "insert into LinesinkStrings (PID,Label,Width,Depth,Resistance) values "
+      "(1,'brook',0,0,0),(2,'river',5,0,0)");
+  Run(path, "insert into Polygons (PID,Closed) values (1,0),(2,0)");
+  Run(path,
+      "insert into Vertices (VID,PID,Seq,X,Y) values (1,1,1,0.0,0.0),(2,1,2,9.0,0.0),(3,2,1,0.0,5.0),"
+      "(4,2,2,9.0,5.0)");
   const std::string spoilt = ReadAll(path);  // it has a field that only the step adds
   ui.AnswerTo("Version Update", {Answer::kNo, Answer::kYes, Answer::kOk, Answer::kYes});
   FileOpenProject(ormel, path);
