@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "core/dry_head.h"
 #include "core/ormel.h"
 #include "core/quantities.h"
 #include "document/kinds.h"
@@ -21,7 +22,6 @@ namespace {
 
 /// More rows than these are cheaper read with their whole kind.
 constexpr std::size_t kMostOneByOne = 200;
-constexpr double kDryHead = -1000.0;
 
 /// "12.5 m"
 std::string With(const Ormel& ormel, double value, Quantity quantity) {

@@ -2,16 +2,15 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 #include <memory>
 #include <string_view>
 #include <vector>
 
 #include "core/ormel.h"
 #include "document/element_rows.h"
+#include "exchange/result_sources.h"
 #include "solver/pathline_tics.h"
 #include "solver/result_files.h"
-#include "solver/user_labels.h"
 #include "store/database.h"
 #include "text/files.h"
 #include "text/numbers.h"
@@ -47,50 +46,13 @@ std::string ResultFile(const Ormel& ormel, Source source) {
   return ResultFileName(ormel, ormel.project.OrmelBaseName, source == Source::kContours ? ".CTR" : ".PTH");
 }
 
-/// A part of a damaged file would pass for the whole.
-template <class T>
-const T& Whole(Ormel& ormel, const std::string& file, const std::shared_ptr<const T>& set) {
-  for (const std::string& fault : ResultFilesOf(ormel).faults())
-    if (fault.starts_with(file)) throw FileError(file, "is damaged and was not exported: " + fault);
-  if (!set) throw FileError(file, "cannot be read; solve the model again");
-  return *set;
-}
-
 std::shared_ptr<const ContourSet> Contours(Ormel& ormel) {
-  const std::string file = ResultFile(ormel, Source::kContours);
-  auto set = ResultFilesOf(ormel).Contours(ormel, file);
-  Whole(ormel, file, set);
-  return set;
+  return WholeContours(ormel, ResultFile(ormel, Source::kContours));
 }
 
 std::shared_ptr<const PathSet> Paths(Ormel& ormel) {
-  const std::string file = ResultFile(ormel, Source::kPaths);
-  auto set = ResultFilesOf(ormel).Paths(ormel, file);
-  Whole(ormel, file, set);
-  return set;
+  return WholePaths(ormel, ResultFile(ormel, Source::kPaths));
 }
-
-/// The well that a START line names, by the user's label, or the particle by its place in the order of its
-/// table, which is that of the deck.
-class PathLabels {
- public:
-  explicit PathLabels(Ormel& ormel) : ormel_(ormel) {}
-  std::string Of(const std::string& start) {
-    constexpr std::string_view kWell = " well ";
-    const std::size_t at = start.find(kWell);
-    if (at == std::string::npos) return "Particle " + std::to_string(++particles_);
-    const std::size_t from = at + kWell.size();
-    const std::string deck = start.substr(from, start.find_first_of(", ", from) - from);
-    const auto [entry, added] = labels_.try_emplace(deck);
-    if (added) entry->second = UserLabel(ormel_, deck);
-    return entry->second;
-  }
-
- private:
-  Ormel& ormel_;
-  std::map<std::string, std::string> labels_;
-  int particles_ = 0;
-};
 
 using Receive = std::function<void(const Figure&)>;
 

@@ -9,16 +9,17 @@
 #include "core/ormel.h"
 #include "core/project_crs.h"
 #include "core/user_interface.h"
-#include "document/elements.h"
+#include "document/element_rows.h"
 #include "document/kinds.h"
+#include "exchange/figures.h"
+#include "exchange/result_sources.h"
 #include "geo/geopackage.h"
-#include "solver/deck_labels.h"
 #include "solver/path_file.h"
-#include "solver/pathline_tics.h"
 #include "solver/result_files.h"
 #include "store/bulk.h"
 #include "store/database.h"
 #include "store/schema.h"
+#include "text/files.h"
 #include "text/strings.h"
 
 namespace ormel {
@@ -157,14 +158,12 @@ class Exporter {
 
   std::vector<const schema::Field*> FieldsOf(std::string_view table, std::string_view key) const;
   void Elements(const ElementLayer& of);
-  void Zones(GeoFeature& feature, std::int64_t pid, const std::vector<const schema::Field*>& fields);
   void Results(const ResultLayer& of);
   void Contours();
   void Pathlines();
   void AreaPathlines();
   void Tics();
   void Circles();
-  std::string PathLabel(const Pathline& path);
 
   Ormel& ormel_;
   const GeoPackageExport& request_;
@@ -192,10 +191,7 @@ std::string Listed(const std::vector<const schema::Field*>& fields) {
   return list;
 }
 
-void Exporter::Zones(GeoFeature& feature, std::int64_t pid, const std::vector<const schema::Field*>& fields) {
-  if (fields.empty()) return;
-  const std::string table = "Zones";
-  RowReader row(ormel_.db(), "select " + Listed(fields) + " from " + table + " where PID=?", {pid});
+void AddValues(RowReader& row, const std::vector<const schema::Field*>& fields, GeoFeature& feature) {
   const bool found = row.Next();
   for (std::size_t i = 0; i < fields.size(); ++i)
     feature.values.push_back(found ? ValueOf(row.Get(static_cast<int>(i)), KindOf(*fields[i])) : GeoValue{});
@@ -216,30 +212,35 @@ void Exporter::Elements(const ElementLayer& of) {
   Begin(std::move(layer));
   const std::string where =
       *of.filter != '\0' ? " and " + std::string(of.filter) + "=" + std::to_string(of.value) : "";
-  for (const ElementId& id : ElementsOf(ormel_, of.element)) {
-    if (Stopped()) return;
-    RowReader row(
-        ormel_.db(),
-        "select " + Listed(fields) + " from " + std::string(kind.table) + " where " + key + "=?" + where,
-        {id.key});
-    if (!row.Next()) continue;
+  RowReader row(ormel_.db(), "select " + Listed(fields) + " from " + std::string(kind.table) + " where " +
+                                 key + "=?" + where);
+  std::optional<RowReader> making;
+  const std::string makings = "Zones";
+  if (!zones.empty())
+    making.emplace(ormel_.db(), "select " + Listed(zones) + " from " + makings + " where PID=?");
+  const std::size_t fewest = of.geometry == GeometryKind::kPoint  ? 1
+                             : of.geometry == GeometryKind::kLine ? 2
+                                                                  : 3;
+  ReadElementRows(ormel_, of.element, [&](const ElementRow& element) {
+    if (Stopped() || element.points.size() < fewest) return;
+    row.Restart({element.key});
+    if (!row.Next()) return;  // of another layer
     GeoFeature feature;
-    feature.values.emplace_back(id.key);
+    feature.values.emplace_back(element.key);
     for (std::size_t i = 0; i < fields.size(); ++i)
       feature.values.push_back(ValueOf(row.Get(static_cast<int>(i)), KindOf(*fields[i])));
-    Zones(feature, id.key, zones);
+    if (making) {
+      making->Restart({element.key});
+      AddValues(*making, zones, feature);
+    }
     GeoPart part;
     part.role = of.geometry == GeometryKind::kPoint  ? Part::kPoint
                 : of.geometry == GeometryKind::kLine ? Part::kLine
                                                      : Part::kOuterRing;
-    for (const MapPoint at : PointsOf(ormel_, id)) part.points.push_back({at.x, at.y});
-    const std::size_t fewest = of.geometry == GeometryKind::kPoint  ? 1
-                               : of.geometry == GeometryKind::kLine ? 2
-                                                                    : 3;
-    if (part.points.size() < fewest) continue;
+    for (const MapPoint at : element.points) part.points.push_back({at.x, at.y});
     feature.parts.push_back(std::move(part));
     Add(feature);
-  }
+  });
 }
 
 void Exporter::Results(const ResultLayer& of) {
@@ -270,36 +271,17 @@ void Exporter::Results(const ResultLayer& of) {
 
 void Exporter::Contours() {
   if (!ormel_.solution.ContoursValid) return;
-  const auto set =
-      ResultFilesOf(ormel_).Contours(ormel_, ResultFileName(ormel_, ormel_.project.OrmelBaseName, ".CTR"));
-  if (!set) return;
   Begin({.name = "contours",
          .title = "Head contours",
          .kind = GeometryKind::kLine,
          .fields = {{"level", FieldKind::kReal}},
          .style = Labelled(LineStyle(kNavy, 0.25), "level")});
-  for (const ContourSet::Line& line : set->lines) {
-    if (Stopped()) return;
-    if (line.count < 2) continue;
+  ReadFigures(ormel_, Source::kContours, {}, [&](const Figure& contour) {
+    if (Stopped() || contour.points.size() < 2) return;
     GeoPart part{.role = Part::kLine};
-    for (std::size_t i = 0; i < line.count; ++i)
-      part.points.push_back({set->points[line.first + i].x, set->points[line.first + i].y});
-    Add({0, {std::move(part)}, {line.level}});
-  }
-}
-
-/// The label of the well that "START ... well WL_000012, particle 3 of 20" names; else empty.
-std::string Exporter::PathLabel(const Pathline& path) {
-  constexpr std::string_view kWell = "well WL_";
-  const std::size_t at = path.start.find(kWell);
-  if (at == std::string::npos) return {};
-  const std::string number(
-      path.start.substr(at + kWell.size(), path.start.find(',', at) - at - kWell.size()));
-  const ElementKind& kind = *FindKind(Element::kWell);
-  return ormel_.db()
-      .Scalar("select Label from " + std::string(kind.table) + " where " + kind.KeyField() + "=?",
-              {static_cast<std::int64_t>(std::strtoll(number.c_str(), nullptr, 10))})
-      .AsText();
+    for (const MapPoint at : contour.points) part.points.push_back({at.x, at.y});
+    Add({0, {std::move(part)}, {contour.value}});
+  });
 }
 
 void Exporter::Pathlines() {
@@ -319,24 +301,26 @@ void Exporter::Pathlines() {
                     {"end_elevation", FieldKind::kReal}},
          .style = LineStyle(kRed, 0.25)});
   constexpr std::size_t kReason = 6;  // the column from which the END line tells why
-  const ReadOutcome read =
-      ReadPathFile(ResultFileName(ormel_, ormel_.project.OrmelBaseName, ".PTH"), [&](const Pathline& path) {
-        if (Stopped() || path.points.size() < 2) return;
-        GeoPart part{.role = Part::kLine, .has_z = true};
-        for (const PathPoint& point : path.points) {
-          const MapPoint at = MToW(ormel_, point.at);
-          part.points.push_back({at.x, at.y, point.elevation, point.time});
-        }
-        const double days = path.points.back().time;
-        const std::string end = path.end.size() > kReason ? std::string(Trim(path.end.substr(kReason))) : "";
-        const std::string start = path.start.find("well") != std::string::npos ? "well" : "point";
-        const bool backward = path.start.find("backward") != std::string::npos;
-        Add({0,
-             {std::move(part)},
-             {PathLabel(path), start, std::string(backward ? "backward" : "forward"), end, days, days / 365.0,
-              path.points.front().elevation, path.points.back().elevation}});
-      });
-  if (read) outcome_.remarks.push_back("Not all pathlines could be read: " + read->Message());
+  PathLabels labels(ormel_);
+  const std::string file = ResultFileName(ormel_, ormel_.project.OrmelBaseName, ".PTH");
+  const ReadOutcome read = ReadPathFile(file, [&](const Pathline& path) {
+    const std::string label = labels.Of(path.start);
+    if (Stopped() || path.points.size() < 2) return;
+    GeoPart part{.role = Part::kLine, .has_z = true};
+    for (const PathPoint& point : path.points) {
+      const MapPoint at = MToW(ormel_, point.at);
+      part.points.push_back({at.x, at.y, point.elevation, point.time});
+    }
+    const double days = path.points.back().time;
+    const std::string end = path.end.size() > kReason ? std::string(Trim(path.end.substr(kReason))) : "";
+    const std::string start = path.start.find("well") != std::string::npos ? "well" : "point";
+    const bool backward = path.start.find("backward") != std::string::npos;
+    Add({0,
+         {std::move(part)},
+         {label, start, std::string(backward ? "backward" : "forward"), end, days, days / 365.0,
+          path.points.front().elevation, path.points.back().elevation}});
+  });
+  if (read) throw FileError(file, "is damaged and was not exported: " + read->Message());
 }
 
 void Exporter::AreaPathlines() {
@@ -348,8 +332,9 @@ void Exporter::AreaPathlines() {
          .fields = {{"run", FieldKind::kText}, {"days", FieldKind::kReal}},
          .style = LineStyle({255, 0, 0, 255}, 0.25)});
   for (const std::string& stem : WhpaStems(ormel_)) {
-    const auto set = ResultFilesOf(ormel_).Paths(ormel_, ResultFileName(ormel_, stem, ".PTH"));
-    if (!set) continue;
+    const std::string file = ResultFileName(ormel_, stem, ".PTH");
+    if (!FileExists(file)) continue;
+    const auto set = WholePaths(ormel_, file);
     for (const PathSet::Path& path : set->paths) {
       if (Stopped()) return;
       if (path.count < 2) continue;
@@ -363,29 +348,21 @@ void Exporter::AreaPathlines() {
 
 void Exporter::Tics() {
   if (!ormel_.solution.PathlinesValid) return;
-  const auto set =
-      ResultFilesOf(ormel_).Paths(ormel_, ResultFileName(ormel_, ormel_.project.OrmelBaseName, ".PTH"));
-  if (!set) return;
-  const auto write = [&](const std::vector<Tic>& tics, double spacing, const char* name, const char* title,
-                         const char* field, const char* marker) {
+  const auto write = [&](Source source, const char* name, const char* title, const char* field,
+                         const char* marker) {
     Begin({.name = name,
            .title = title,
            .kind = GeometryKind::kPoint,
            .fields = {{field, FieldKind::kReal}},
            .style = Labelled(MarkerStyle(marker, kBlack, 1.5), field)});
-    for (const Tic& tic : tics) {
+    ReadFigures(ormel_, source, {request_.time_tics, request_.elevation_tics}, [&](const Figure& tic) {
       if (Stopped()) return;
-      Add({0,
-           {{.role = Part::kPoint, .points = {{tic.at.x, tic.at.y}}}},
-           {static_cast<double>(tic.multiple) * spacing}});
-    }
-    if (tics.size() >= kMostTics)
-      outcome_.remarks.push_back("Too many marks: only " + std::to_string(kMostTics) + " were written");
+      const MapPoint at = tic.points.front();
+      Add({0, {{.role = Part::kPoint, .points = {{at.x, at.y}}}}, {tic.value}});
+    });
   };
-  write(TimeTics(*set, request_.time_tics, nullptr, kMostTics), request_.time_tics, "time_tics",
-        "Times along pathlines", "days", "circle");
-  write(ElevationTics(*set, request_.elevation_tics, nullptr, kMostTics), request_.elevation_tics,
-        "elevation_tics", "Elevations along pathlines", "elevation", "cross");
+  write(Source::kTimeTics, "time_tics", "Times along pathlines", "days", "circle");
+  write(Source::kElevationTics, "elevation_tics", "Elevations along pathlines", "elevation", "cross");
 }
 
 void Exporter::Circles() {

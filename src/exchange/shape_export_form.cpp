@@ -62,6 +62,10 @@ void ExportOne(Ormel& ormel, const ShapeKind& kind, const ShapeOptions& options)
   }
 }
 
+double SpacingOf(const ShapeKind& mark, const ShapeOptions& options) {
+  return mark.source == Source::kTimeTics ? options.spacings.days : options.spacings.elevation;
+}
+
 }  // namespace
 
 ExportShapefile::ExportShapefile(Ormel& ormel) : OkCancelForm(ormel) {
@@ -98,7 +102,11 @@ void ToolsExportShape(Ormel& ormel, int index, bool tics, const ShapeOptions& op
     if (kind.index != index || kind.source == Source::kTestPoints || kind.source == Source::kParticles ||
         (mark && !tics))
       continue;
-    ExportOne(ormel, kind, options);
+    if (mark && !(SpacingOf(kind, options) > 0.0))
+      Inform(ormel, kProgramTitle,
+             std::string(kind.failure) + "no spacing is chosen.  View > Pathlines sets it.");
+    else
+      ExportOne(ormel, kind, options);
   }
 }
 

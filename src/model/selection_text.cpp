@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "core/dry_head.h"
 #include "core/ormel.h"
 #include "core/user_interface.h"
 #include "model/barriers.h"
@@ -19,8 +20,6 @@
 
 namespace ormel {
 namespace {
-
-constexpr double kDryHead = -1000.0;  ///< a computed head below it says that the aquifer is dry
 
 std::string Masked(Pid id) {
   return FormatMask(static_cast<double>(id), "000000");

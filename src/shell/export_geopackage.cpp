@@ -9,6 +9,7 @@
 #include "core/user_interface.h"
 #include "exchange/geopackage_export.h"
 #include "geo/geo_error.h"
+#include "text/files.h"
 #include "view/whpa_drawing.h"
 
 namespace ormel {
@@ -47,6 +48,8 @@ void ToolsExportGeoPackage(Ormel& ormel) {
     }
     Inform(ormel, kTitle, outcome.Text(), Icon::kInformation);
   } catch (const GeoError& error) {
+    Inform(ormel, kTitle, error.what(), Icon::kWarning);
+  } catch (const FileError& error) {
     Inform(ormel, kTitle, error.what(), Icon::kWarning);
   }
 }

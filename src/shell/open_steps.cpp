@@ -60,10 +60,9 @@ bool OfferView(Ormel& ormel, const StoreError& refusal, bool* view) {
   return *view;
 }
 
-/// A project that has none yet, or whose changes the user has just taken as they are, gets them.
+/// A project that has none yet gets them.
 void KeepChecksums(Ormel& ormel) {
-  Database& db = ormel.db();
-  if (!db.HasTable("Checksums") || !ForeignChanges(db).empty()) AcceptContents(db);
+  if (!ormel.db().HasTable("Checksums")) AcceptContents(ormel.db());
 }
 
 bool OfferNewDatabase(Ormel& ormel, const std::string& path) {
@@ -114,7 +113,14 @@ std::optional<std::int64_t> ReadVersion(Ormel& ormel, const std::string& path, b
   try {
     Database db = Database::Open(path, viewing ? OpenMode::kView : OpenMode::kReadOnly);
     const std::int64_t version = VersionOf(db);
-    if (version == schema::kProjectVersion && !AcceptForeign(ormel, ForeignChanges(db))) return std::nullopt;
+    if (version != schema::kProjectVersion) return version;
+    const std::vector<ChangedTable> changed = ForeignChanges(db);
+    if (!AcceptForeign(ormel, changed)) return std::nullopt;
+    if (!changed.empty() && !viewing && !IsReadOnly(path)) {
+      db.Close();
+      db = Database::Open(path);
+      AcceptContents(db);
+    }
     return version;
   } catch (const StoreError& e) {
     if (e.code() == StoreErrorCode::kDamaged && !viewing && !IsReadOnly(path)) {

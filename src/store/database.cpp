@@ -26,20 +26,19 @@ void BindAll(PreparedStatement& statement, std::initializer_list<Value> paramete
   for (const Value& value : parameters) statement.Bind(++index, value);
 }
 
-bool Changes(const std::string& sql) {
-  const std::vector<dialect::Token> tokens = dialect::Tokenize(sql);
+bool Changes(const std::vector<dialect::Token>& statement) {
   constexpr std::array kWords{"insert", "update", "delete", "replace", "create", "alter", "drop"};
-  return !tokens.empty() && std::any_of(kWords.begin(), kWords.end(),
-                                        [&tokens](const char* word) { return tokens[0].IsWord(word); });
+  return !statement.empty() && std::any_of(kWords.begin(), kWords.end(), [&statement](const char* word) {
+    return statement[0].IsWord(word);
+  });
 }
 
 /// What a statement does, by its first word: rows one by one, many rows unseen, or the tables themselves.
-void NoteEffect(Connection& connection, const std::string& sql) {
-  const std::vector<dialect::Token> tokens = dialect::Tokenize(sql);
-  if (tokens.empty() || tokens[0].IsWord("insert") || tokens[0].IsWord("update") ||
-      tokens[0].IsWord("select"))
+void NoteEffect(Connection& connection, const std::vector<dialect::Token>& statement) {
+  if (statement.empty() || statement[0].IsWord("insert") || statement[0].IsWord("update") ||
+      statement[0].IsWord("select"))
     return;
-  if (tokens[0].IsWord("delete")) {
+  if (statement[0].IsWord("delete")) {
     connection.ForgetCounts();
   } else {
     connection.ForgetTables();
@@ -87,10 +86,11 @@ bool Database::read_only() const {
 std::int64_t Database::Execute(std::string_view sql, std::initializer_list<Value> parameters) {
   Connection& connection = Opened(connection_);
   const std::string native = dialect::Translate(sql);
+  const std::vector<dialect::Token> tokens = dialect::Tokenize(native);
   std::int64_t changed = 0;
   // With the checksums of what it changes.
   std::optional<Transaction> alone;
-  if (connection.depth() == 0 && !connection.read_only() && Changes(native)) alone.emplace(*this);
+  if (connection.depth() == 0 && !connection.read_only() && Changes(tokens)) alone.emplace(*this);
   try {
     PreparedStatement statement(connection_, native);
     BindAll(statement, parameters);
@@ -99,7 +99,7 @@ std::int64_t Database::Execute(std::string_view sql, std::initializer_list<Value
     if (alone) alone->Rollback();
     throw;
   }
-  NoteEffect(connection, native);
+  NoteEffect(connection, tokens);
   if (alone) alone->Commit();
   return changed;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "store/bulk.h"
 #include "store/connection.h"
 #include "store/database.h"
 #include "store/kept_copy.h"
@@ -135,6 +136,19 @@ std::vector<UpdateNote> NotesOf(Database& db, std::int64_t version) {
   return notes;
 }
 
+/// What was found that no version knows.
+void TellUnknown(Database& db, std::vector<UpdateNote>& notes) {
+  if (!db.HasTable("OtherFields")) return;
+  std::string names;
+  RowReader rows(db, "select distinct TableName,Field from OtherFields order by TableName,Field");
+  while (rows.Next())
+    names += (names.empty() ? "" : ", ") + std::string(rows.Text(0)) + "." + std::string(rows.Text(1));
+  if (!names.empty())
+    notes.push_back(
+        {"Please Note",
+         "These fields are not known. Their contents are kept in the table OtherFields: " + names + "."});
+}
+
 }  // namespace
 
 std::int64_t VersionOf(const Database& database) {
@@ -164,6 +178,7 @@ UpdateReport UpdateProject(const std::string& path, const std::string& directory
       all.Rollback();
       throw;
     }
+    TellUnknown(db, report.notes);
     all.Commit();
   } catch (const StoreError& e) {
     throw StoreError(e.code(),

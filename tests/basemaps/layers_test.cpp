@@ -47,7 +47,8 @@ TEST(CadColors, StepThroughTheWheel) {
       {0, Rgb(0, 0, 0)},       {1, Rgb(255, 0, 0)},      {7, Rgb(0, 0, 0)},       {10, Rgb(255, 0, 0)},
       {50, Rgb(255, 255, 0)},  {90, Rgb(0, 255, 0)},     {130, Rgb(0, 255, 255)}, {170, Rgb(0, 0, 255)},
       {210, Rgb(255, 0, 255)}, {11, Rgb(255, 127, 127)}, {18, Rgb(38, 0, 0)},     {12, Rgb(165, 0, 0)},
-      {256, Rgb(0, 0, 0)},     {-1, Rgb(0, 0, 0)}};
+      {256, Rgb(0, 0, 0)},     {-1, Rgb(0, 0, 0)},       {13, Rgb(165, 82, 82)},  {30, Rgb(255, 127, 0)},
+      {149, Rgb(19, 33, 38)},  {9, Rgb(0, 0, 0)}};
   for (const auto& [index, color] : cases) EXPECT_EQ(CADColorConvert(index), color) << index;
 }
 

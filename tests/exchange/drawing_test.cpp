@@ -3,7 +3,6 @@
 
 #include <sstream>
 
-#include "exchange/cad_colors.h"
 #include "exchange/dxf_export.h"
 #include "exchange/dxf_writer.h"
 #include "exchange/export_job.h"
@@ -91,27 +90,6 @@ TEST(Dxf, TheSeedLiesAboveAllHandles) {
   EXPECT_EQ(HandleSeed(99'999'900), "100000001");  // the text 100000000 read as hexadecimal
 }
 
-TEST(Dxf, ColoursOfDrawings) {
-  const auto of = [](int index) {
-    Color color{12345};
-    CADColorConvert(index, color);
-    return color;
-  };
-  EXPECT_EQ(of(0), Rgb(0, 0, 0));
-  for (const auto& [a, b] : {std::pair{1, 10}, {2, 50}, {3, 90}, {4, 130}, {5, 170}, {6, 210}})
-    EXPECT_EQ(of(a), of(b)) << a;
-  EXPECT_EQ(of(10), Rgb(255, 0, 0));
-  EXPECT_EQ(of(50), Rgb(255, 255, 0));
-  EXPECT_EQ(of(90), Rgb(0, 255, 0));
-  EXPECT_EQ(of(170), Rgb(0, 0, 255));
-  EXPECT_EQ(of(11), Rgb(255, 127, 127));
-  EXPECT_EQ(of(12), Rgb(165, 0, 0));
-  EXPECT_EQ(of(13), Rgb(165, 82, 82));
-  EXPECT_EQ(of(30), Rgb(255, 127, 0));
-  EXPECT_EQ(of(149), Rgb(19, 33, 38));
-  for (const int black : {7, 8, 9, 256, 1000, -1}) EXPECT_EQ(of(black), Rgb(0, 0, 0)) << black;
-}
-
 struct ElementExport : ::testing::Test {
   TestProject project;
   Ormel& ormel = project.ormel;
@@ -191,6 +169,15 @@ TEST_F(ElementExport, TheDialogOffersWhatThereIs) {
   EXPECT_NE(dbf.find("PointLabel"), std::string::npos);
   EXPECT_NE(dbf.find("Well-Br\u00fccke"), std::string::npos);
   EXPECT_NE(dbf.find("TestPoint-TP 1"), std::string::npos);
+}
+
+/// A file without marks would pass for paths without any.
+TEST_F(ElementExport, MarksWithoutASpacingAreNotWritten) {
+  ToolsExportShape(ormel, 2, true, {});  // nor are paths: no file is chosen
+  EXPECT_EQ(project.ui.boxes.size(), 2U);
+  EXPECT_EQ(project.ui.LastText(),
+            "Elevation Tic Export Failed - no spacing is chosen.  View > Pathlines sets it.");
+  EXPECT_EQ(project.ui.file_dialogs.size(), 1U);
 }
 
 TEST_F(ElementExport, NothingThereIsSaid) {
